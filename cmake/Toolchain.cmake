@@ -1,0 +1,29 @@
+# Warnings, Qt strictness, sanitizers, linker and compiler cache: said once, linked by every target.
+
+add_library(tavrel_flags INTERFACE)
+add_library(tavrel::flags ALIAS tavrel_flags)
+target_compile_options(tavrel_flags INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wold-style-cast -Woverloaded-virtual -Wnon-virtual-dtor -Werror)
+target_compile_definitions(tavrel_flags INTERFACE
+  QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING QT_NO_KEYWORDS QT_NO_FOREACH
+  QT_NO_NARROWING_CONVERSIONS_IN_CONNECT QT_DISABLE_DEPRECATED_BEFORE=0x060400)
+
+if(TAVREL_SANITIZE STREQUAL "address")
+  target_compile_options(tavrel_flags INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+  target_link_options(tavrel_flags INTERFACE -fsanitize=address,undefined)
+elseif(TAVREL_SANITIZE STREQUAL "thread")
+  # The compiler warns that fences are invisible to the thread sanitizer; Qt's headers use them.
+  target_compile_options(tavrel_flags INTERFACE -fsanitize=thread -fno-omit-frame-pointer -Wno-tsan)
+  target_link_options(tavrel_flags INTERFACE -fsanitize=thread)
+elseif(TAVREL_SANITIZE)
+  message(FATAL_ERROR "TAVREL_SANITIZE is '${TAVREL_SANITIZE}': use address, thread or nothing")
+endif()
+
+find_program(TAVREL_CCACHE ccache)
+if(TAVREL_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${TAVREL_CCACHE})
+endif()
+find_program(TAVREL_MOLD mold)
+if(TAVREL_MOLD)
+  add_link_options(-fuse-ld=mold)
+endif()

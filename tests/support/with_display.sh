@@ -1,0 +1,67 @@
+#!/usr/bin/env bash
+# with_display.sh [--wm openbox|bare|picom] [--screen WxH] COMMAND...
+#
+# Runs COMMAND on a virtual X server of its own and ends everything it started. The server picks its display number
+# itself, so any number of these run side by side.
+#   openbox   with a window manager     bare   without one     picom   window manager and compositor
+set -u
+wm=openbox
+screen=1920x1080
+while [ $# -gt 0 ]; do
+    case "$1" in
+        --wm) wm=$2; shift 2 ;;
+        --screen) screen=$2; shift 2 ;;
+        *) break ;;
+    esac
+done
+[ $# -gt 0 ] || { echo "usage: with_display.sh [--wm openbox|bare|picom] [--screen WxH] COMMAND..." >&2; exit 2; }
+
+scratch=$(mktemp -d) || exit 1
+pids=()
+finish() {
+    local i
+    for ((i = ${#pids[@]} - 1; i >= 0; i--)); do
+        kill "${pids[i]}" 2>/dev/null && wait "${pids[i]}" 2>/dev/null
+    done
+    rm -rf "$scratch"
+}
+trap finish EXIT
+trap 'exit 143' TERM INT
+
+mkfifo "$scratch/display"
+Xvfb -displayfd 3 -screen 0 "${screen}x24" -nolisten tcp -noreset +extension Composite +extension XTEST \
+    3>"$scratch/display" >"$scratch/xvfb.log" 2>&1 &
+pids+=($!)
+read -r -t 30 number <"$scratch/display" || { cat "$scratch/xvfb.log" >&2; exit 1; }
+export DISPLAY=:$number
+unset WAYLAND_DISPLAY XAUTHORITY
+
+# A window manager is up when it has put its check window on the root.
+wait_for_wm() {
+    local i
+    for ((i = 0; i < 300; i++)); do
+        xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q 'window id' && return 0
+        sleep 0.05
+    done
+    echo "the window manager did not come up" >&2
+    return 1
+}
+case "$wm" in
+    bare) ;;
+    openbox | picom)
+        HOME="$scratch" XDG_CONFIG_HOME="$scratch" XDG_CACHE_HOME="$scratch" openbox >"$scratch/openbox.log" 2>&1 &
+        pids+=($!)
+        wait_for_wm || exit 1
+        ;;
+    *) echo "unknown window manager: $wm" >&2; exit 2 ;;
+esac
+if [ "$wm" = picom ]; then
+    HOME="$scratch" XDG_CONFIG_HOME="$scratch" picom --backend xrender --config /dev/null >"$scratch/picom.log" 2>&1 &
+    pids+=($!)
+    for ((i = 0; i < 200; i++)); do
+        xdpyinfo >/dev/null 2>&1 && xprop -root 2>/dev/null | grep -q . && break
+        sleep 0.05
+    done
+fi
+
+"$@"
