@@ -92,4 +92,7 @@ struct SettingsConfig
 /// An empty object gives the defaults; a non-empty one without a version is schema 0.
 [[nodiscard]] SettingsConfig settingsFromJson(const QJsonObject &object);
 
+/// The version a stored document was written at; 0 when it does not say.
+[[nodiscard]] int storedSchemaVersion(const QJsonObject &object);
+
 } // namespace tavrel

@@ -1,0 +1,77 @@
+#include "settings/settings_store.h"
+
+#include <QJsonDocument>
+#include <QLoggingCategory>
+#include <QStandardPaths>
+
+namespace tavrel {
+namespace {
+
+QString valueKey()
+{
+    return QStringLiteral("settings_config");
+}
+
+/// Where a document goes that could not be read, so that it is not lost under the defaults.
+QString brokenKey()
+{
+    return QStringLiteral("settings_config_broken");
+}
+
+} // namespace
+
+// The native format is what QSettings takes for an organisation and application; there is no shorter way to choose
+// between that and a file in an initialiser.
+SettingsStore::SettingsStore(const QString &path, QObject *parent)
+    : QObject(parent),
+      m_settings(path.isEmpty() ? QSettings(QStringLiteral("corvane"), QStringLiteral("Tavrel")).fileName() : path,
+                 path.isEmpty() ? QSettings::NativeFormat : QSettings::IniFormat)
+{
+    load();
+}
+
+SettingsStore::~SettingsStore() = default;
+
+void SettingsStore::load()
+{
+    const QString text = m_settings.value(valueKey()).toString();
+    if (text.isEmpty()) {
+        save();
+        return;
+    }
+    const QJsonDocument document = QJsonDocument::fromJson(text.toUtf8());
+    if (!document.isObject()) {
+        qWarning().noquote() << QStringLiteral("设置无法读取，已改用默认值；原文保存在 %1").arg(brokenKey());
+        m_settings.setValue(brokenKey(), text);
+    }
+    m_config = settingsFromJson(document.object());
+    if (!document.isObject() || storedSchemaVersion(document.object()) < SettingsConfig::kSchemaVersion)
+        save();
+}
+
+void SettingsStore::update(const SettingsConfig &config)
+{
+    SettingsConfig next = config;
+    next.configSchemaVersion = SettingsConfig::kSchemaVersion;
+    if (next == m_config)
+        return;
+    m_config = next;
+    save();
+    Q_EMIT changed(m_config);
+}
+
+void SettingsStore::save()
+{
+    m_settings.setValue(valueKey(), QString::fromUtf8(settingsToJson(m_config)));
+    m_settings.sync();
+}
+
+QString SettingsStore::effectiveSavePath() const
+{
+    if (!m_config.savePath.trimmed().isEmpty())
+        return m_config.savePath;
+    const QString pictures = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+    return pictures.isEmpty() ? QStandardPaths::writableLocation(QStandardPaths::HomeLocation) : pictures;
+}
+
+} // namespace tavrel
