@@ -1,0 +1,1 @@
+#include "account/account_service.h"

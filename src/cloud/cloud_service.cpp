@@ -1,0 +1,1 @@
+#include "cloud/cloud_service.h"

@@ -1,0 +1,1 @@
+#include "net/feedback_service.h"
