@@ -1,0 +1,75 @@
+#include "app/command_line.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QDir>
+
+namespace tavrel {
+namespace {
+
+QString text(const char *source)
+{
+    return QCoreApplication::translate("main", source);
+}
+
+} // namespace
+
+HandOver StartRequest::handOver() const
+{
+    return {.files = files, .history = history, .capture = capture, .settings = settings, .cwd = QDir::currentPath()};
+}
+
+StartRequest readCommandLine(const QCoreApplication &application)
+{
+    const QCommandLineOption capture(QStringLiteral("capture"),
+                                     text(QT_TRANSLATE_NOOP("main", "启动后立即发起一次截图。")));
+    const QCommandLineOption settings(QStringLiteral("settings"),
+                                      text(QT_TRANSLATE_NOOP("main", "启动后直接打开设置窗口。")));
+    const QCommandLineOption history(QStringLiteral("history"),
+                                     text(QT_TRANSLATE_NOOP("main", "启动后直接打开截图历史页。")));
+    const QCommandLineOption lang(
+        QStringLiteral("lang"),
+        text(QT_TRANSLATE_NOOP("main",
+                               "用指定语言（system / zh / en）跑这次会话，**不写回设置**（自检、界面目视检查用）。")),
+        QStringLiteral("code"));
+    const QCommandLineOption fakeCapture(
+        QStringLiteral("fake-capture"),
+        text(QT_TRANSLATE_NOOP("main", "用合成图代替系统抓屏（无需屏幕录制权限，排查界面问题用）。")));
+    const QCommandLineOption quitAfter(QStringLiteral("quit-after-ms"),
+                                       text(QT_TRANSLATE_NOOP("main", "启动后 N 毫秒自动退出（冒烟测试用）。")),
+                                       QStringLiteral("ms"));
+    const QCommandLineOption languageProbe(
+        QStringLiteral("language-probe"),
+        text(QT_TRANSLATE_NOOP("main", "依次应用 system / zh / en，打印 app 与 Qt 自带翻译的结果后退出（诊断用）。")));
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(text(QT_TRANSLATE_NOOP("main", "Tavrel 截图 / 标注 / 贴图工具")));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.addOptions({capture, settings, history, lang, fakeCapture, quitAfter, languageProbe});
+    parser.addPositionalArgument(QStringLiteral("file"), text(QT_TRANSLATE_NOOP("main", "要打开的 .tavrel 录制文件。")),
+                                 QStringLiteral("[file]"));
+    parser.process(application);
+
+    StartRequest request;
+    request.capture = parser.isSet(capture);
+    request.settings = parser.isSet(settings);
+    request.history = parser.isSet(history);
+    request.fakeCapture = parser.isSet(fakeCapture);
+    request.languageProbe = parser.isSet(languageProbe);
+    request.lang = parser.value(lang);
+    request.files = parser.positionalArguments();
+    bool isNumber = false;
+    const int quitAfterMs = parser.value(quitAfter).toInt(&isNumber);
+    if (isNumber && quitAfterMs >= 0)
+        request.quitAfterMs = quitAfterMs;
+
+    request.enforceSingleInstance = !qEnvironmentVariableIsSet("TAVREL_ALLOW_MULTI");
+    static const QStringList plain{QStringLiteral("settings"), QStringLiteral("history"), QStringLiteral("capture"),
+                                   QStringLiteral("lang")};
+    for (const QString &name : parser.optionNames())
+        request.enforceSingleInstance = request.enforceSingleInstance && plain.contains(name);
+    return request;
+}
+
+} // namespace tavrel

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "app/single_instance.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+class QCoreApplication;
+
+namespace tavrel {
+
+/// What the command line asks of this start.
+struct StartRequest
+{
+    bool capture = false;
+    bool settings = false;
+    bool history = false;
+    bool fakeCapture = false;
+    bool languageProbe = false;
+    QString lang; ///< for this run only; empty follows the settings
+    std::optional<int> quitAfterMs;
+    QStringList files; ///< positional arguments, unfiltered
+    /// Every option but the plain ones makes an instance that neither locks nor listens.
+    bool enforceSingleInstance = true;
+
+    [[nodiscard]] HandOver handOver() const;
+};
+
+/// Reads the arguments of the application; help, version and errors end the process as QCommandLineParser does.
+[[nodiscard]] StartRequest readCommandLine(const QCoreApplication &application);
+
+} // namespace tavrel

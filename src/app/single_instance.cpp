@@ -1,0 +1,166 @@
+#include "app/single_instance.h"
+
+#include "base/json_read.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QLocalSocket>
+#include <QLoggingCategory>
+#include <QThread>
+
+#include <unistd.h>
+
+namespace tavrel {
+namespace {
+
+constexpr QLatin1String kName("org.corvane.tavrel.single");
+
+/// Folder and name of lock and socket: nobody else may plant a file under them.
+QString basePath(const QString &folder)
+{
+    if (!folder.isEmpty())
+        return QDir(folder).filePath(kName);
+    const QFileInfo runtime(qEnvironmentVariable("XDG_RUNTIME_DIR"));
+    constexpr auto others =
+        QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup | QFile::ReadOther | QFile::WriteOther | QFile::ExeOther;
+    if (!runtime.filePath().isEmpty() && runtime.isAbsolute() && runtime.isDir() && runtime.ownerId() == ::getuid() &&
+        !(runtime.permissions() & others))
+        return QDir(runtime.filePath()).filePath(kName);
+    return QDir::temp().filePath(kName + u'.' + QString::number(::getuid()));
+}
+
+} // namespace
+
+QByteArray HandOver::toLine() const
+{
+    const QJsonObject object{{QStringLiteral("files"), QJsonArray::fromStringList(files)},
+                             {QStringLiteral("history"), history},
+                             {QStringLiteral("capture"), capture},
+                             {QStringLiteral("settings"), settings},
+                             {QStringLiteral("cwd"), cwd}};
+    return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
+}
+
+HandOver HandOver::fromLine(const QByteArray &line)
+{
+    const QJsonObject object = QJsonDocument::fromJson(line).object();
+    HandOver request;
+    for (const QJsonValue &file : object.value(QStringLiteral("files")).toArray()) {
+        if (file.isString())
+            request.files.append(file.toString());
+    }
+    request.history = readBool(object, QStringLiteral("history"), false);
+    request.capture = readBool(object, QStringLiteral("capture"), false);
+    request.settings = readBool(object, QStringLiteral("settings"), false);
+    request.cwd = readString(object, QStringLiteral("cwd"));
+    return request;
+}
+
+QStringList HandOver::recordings() const
+{
+    QStringList paths;
+    for (const QString &file : files) {
+        if (file.endsWith(QStringLiteral(".tavrel"), Qt::CaseInsensitive))
+            paths.append(QDir::cleanPath(QDir(cwd.isEmpty() ? QDir::currentPath() : cwd).absoluteFilePath(file)));
+    }
+    return paths;
+}
+
+SingleInstance::SingleInstance(const QString &folder, QObject *parent)
+    : QObject(parent),
+      m_socketPath(basePath(folder)),
+      m_lockPath(m_socketPath + QStringLiteral(".lock"))
+{}
+
+SingleInstance::~SingleInstance()
+{
+    close();
+}
+
+SingleInstance::Claim SingleInstance::claim(const HandOver &request, const Timing &timing)
+{
+    m_lock = std::make_unique<QLockFile>(m_lockPath);
+    // Age says nothing about a program that runs for weeks; a dead holder is found by its process id.
+    m_lock->setStaleLockTime(0);
+    if (m_lock->tryLock(static_cast<int>(timing.lockWait.count())))
+        return Claim::Held;
+    m_lock.reset();
+    if (sendTo(request, timing)) {
+        qInfo().noquote() << QStringLiteral("已有一个 Tavrel 在运行：已转交启动请求，本进程退出");
+        return Claim::HandedOver;
+    }
+    qWarning().noquote() << QStringLiteral("检测到另一个 Tavrel 持有单实例锁但连不上它：继续启动");
+    return Claim::HolderUnreachable;
+}
+
+bool SingleInstance::sendTo(const HandOver &request, const Timing &timing)
+{
+    for (int round = 0; round < timing.rounds; ++round) {
+        QLocalSocket socket;
+        socket.connectToServer(m_socketPath, QIODevice::ReadWrite);
+        if (socket.waitForConnected(static_cast<int>(timing.connectWait.count()))) {
+            socket.write(request.toLine());
+            socket.waitForBytesWritten(static_cast<int>(timing.writeWait.count()));
+            socket.disconnectFromServer();
+            return true;
+        }
+        QThread::msleep(static_cast<unsigned long>(timing.roundPause.count()));
+    }
+    return false;
+}
+
+void SingleInstance::listen()
+{
+    if (!m_lock)
+        return;
+    QLocalServer::removeServer(m_socketPath); // left behind by a crash
+    m_server = std::make_unique<QLocalServer>();
+    m_server->setSocketOptions(QLocalServer::UserAccessOption);
+    connect(m_server.get(), &QLocalServer::newConnection, this, &SingleInstance::onConnection);
+    if (!m_server->listen(m_socketPath)) {
+        qWarning().noquote() << QStringLiteral("单实例服务启动失败：") + m_server->errorString();
+        m_server.reset();
+    }
+}
+
+void SingleInstance::close()
+{
+    m_server.reset();
+}
+
+void SingleInstance::onConnection()
+{
+    while (QLocalSocket *socket = m_server->nextPendingConnection()) {
+        connect(socket, &QLocalSocket::readyRead, this, [this, socket] { onReadable(socket); });
+        connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
+        // One byte more than a line may have is enough to see that it is too long.
+        socket->setReadBufferSize(kMaxLineBytes + 1);
+        if (socket->bytesAvailable() > 0)
+            onReadable(socket);
+        else if (socket->state() == QLocalSocket::UnconnectedState)
+            socket->deleteLater();
+    }
+}
+
+void SingleInstance::onReadable(QLocalSocket *socket)
+{
+    if (!socket->canReadLine()) {
+        if (socket->bytesAvailable() > kMaxLineBytes) {
+            qWarning().noquote() << QStringLiteral("启动请求过长，已丢弃");
+            socket->abort();
+        }
+        return;
+    }
+    const QByteArray line = socket->readLine();
+    socket->disconnect(this);
+    if (socket->state() == QLocalSocket::UnconnectedState)
+        socket->deleteLater();
+    else
+        socket->disconnectFromServer();
+    Q_EMIT requested(HandOver::fromLine(line));
+}
+
+} // namespace tavrel

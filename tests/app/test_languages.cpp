@@ -1,0 +1,80 @@
+#include "app/languages.h"
+#include "support/test_main.h"
+
+#include <QGuiApplication>
+
+using namespace tavrel;
+
+namespace {
+
+QString sample(const char *source)
+{
+    return QCoreApplication::translate("LanguagesTest", source);
+}
+
+} // namespace
+
+/// The catalogues of this test (tests/app/i18n): English has both texts, German only the first.
+class LanguagesTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void resolvesASettingOrTheSystem_data()
+    {
+        QTest::addColumn<QString>("setting");
+        QTest::addColumn<QStringList>("system");
+        QTest::addColumn<QString>("code");
+        const auto row = [](const char *name, const char *setting, const QStringList &system, const char *code) {
+            QTest::newRow(name) << QString::fromLatin1(setting) << system << QString::fromLatin1(code);
+        };
+        row("a code stands", "ja", {QStringLiteral("de-DE")}, "ja");
+        row("an unknown code follows the system", "tlh", {QStringLiteral("de-DE")}, "de");
+        row("traditional script", "system", {QStringLiteral("zh-Hant-TW")}, "zh-Hant");
+        row("Hong Kong", "system", {QStringLiteral("zh_HK")}, "zh-Hant");
+        row("script beats region", "system", {QStringLiteral("zh-Hans-HK")}, "zh");
+        row("Singapore", "system", {QStringLiteral("zh-SG")}, "zh");
+        row("European Portuguese", "system", {QStringLiteral("pt-PT")}, "pt-BR");
+        row("second choice", "system", {QStringLiteral("sv"), QStringLiteral("de")}, "de");
+        row("none known", "system", {QStringLiteral("sv")}, "en");
+        row("C locale", "system", {QStringLiteral("C")}, "en");
+    }
+
+    void resolvesASettingOrTheSystem()
+    {
+        QFETCH(QString, setting);
+        QFETCH(QStringList, system);
+        QFETCH(QString, code);
+        QCOMPARE(resolveLanguage(setting, system), code);
+    }
+
+    void aMissingEntryFallsBackToEnglishNotToTheSource()
+    {
+        LanguageApplier applier({QStringLiteral("de-DE")});
+        QCOMPARE(applier.apply(QStringLiteral("system")), QStringLiteral("de"));
+        QCOMPARE(sample("保存"), QStringLiteral("Speichern"));
+        QCOMPARE(sample("取消"), QStringLiteral("Cancel"));
+        // Without a catalogue of its own a language is English throughout.
+        QCOMPARE(applier.apply(QStringLiteral("ko")), QStringLiteral("ko"));
+        QCOMPARE(sample("保存"), QStringLiteral("Save"));
+        for (const char *chinese : {"zh", "zh-Hant"}) {
+            applier.apply(QString::fromLatin1(chinese));
+            QCOMPARE(sample("保存"), QStringLiteral("保存"));
+        }
+        applier.apply(QStringLiteral("en"));
+        QCOMPARE(sample("保存"), QStringLiteral("Save"));
+        QCOMPARE(QLocale().name(), QStringLiteral("en_US"));
+    }
+
+    void translationsLeaveWithTheirOwner()
+    {
+        {
+            LanguageApplier applier;
+            applier.apply(QStringLiteral("en"));
+        }
+        QCOMPARE(sample("保存"), QStringLiteral("保存"));
+    }
+};
+
+TAVREL_TEST_MAIN(QGuiApplication, LanguagesTest)
+#include "test_languages.moc"

@@ -1,0 +1,184 @@
+#include "app/file_open_filter.h"
+#include "app/single_instance.h"
+#include "support/test_main.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QFileOpenEvent>
+#include <QLocalSocket>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QtConcurrent>
+
+using namespace tavrel;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr SingleInstance::Timing kQuick{
+    .lockWait = 5ms, .rounds = 3, .connectWait = 50ms, .roundPause = 1ms, .writeWait = 1000ms};
+
+/// Sends raw bytes to a listening instance from a thread of its own and ends the connection.
+void sendRaw(const QString &socketPath, const QByteArray &bytes)
+{
+    QLocalSocket socket;
+    socket.connectToServer(socketPath);
+    QVERIFY(socket.waitForConnected(5000));
+    socket.write(bytes);
+    while (socket.bytesToWrite() > 0 && socket.waitForBytesWritten(2000)) {
+    }
+    socket.disconnectFromServer();
+    if (socket.state() != QLocalSocket::UnconnectedState)
+        socket.waitForDisconnected(2000);
+}
+
+} // namespace
+
+class SingleInstanceTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aSecondStartHandsItsRequestOver()
+    {
+        QTemporaryDir folder;
+        SingleInstance first(folder.path());
+        QCOMPARE(first.claim({}, kQuick), SingleInstance::Claim::Held);
+        first.listen();
+        QSignalSpy spy(&first, &SingleInstance::requested);
+
+        const HandOver request{.files = {QStringLiteral("a.TAVREL"), QStringLiteral("b.png")},
+                               .capture = true,
+                               .cwd = QStringLiteral("/data")};
+        const auto claim =
+            QtConcurrent::run([&] { return SingleInstance(folder.path()).claim(request, {.connectWait = 5000ms}); });
+        QTRY_COMPARE(spy.count(), 1);
+        QCOMPARE(claim.result(), SingleInstance::Claim::HandedOver);
+        const auto received = spy.first().first().value<HandOver>();
+        QCOMPARE(received, request);
+        QCOMPARE(received.recordings(), QStringList{QStringLiteral("/data/a.TAVREL")});
+    }
+
+    void onlyTheUserMayReachTheSocket()
+    {
+        QTemporaryDir folder;
+        SingleInstance instance(folder.path());
+        QCOMPARE(instance.claim({}, kQuick), SingleInstance::Claim::Held);
+        instance.listen();
+        const auto others = QFile::ReadOther | QFile::WriteOther | QFile::ReadGroup | QFile::WriteGroup;
+        QVERIFY(!(QFileInfo(instance.socketPath()).permissions() & others));
+    }
+
+    void whatIsNoWholeLineDoesNothing_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<int>("requests");
+        QTest::newRow("nothing") << QByteArray() << 0;
+        QTest::newRow("half a line") << QByteArray("{\"capture\":tr") << 0;
+        QTest::newRow("a megabyte without an end") << QByteArray(1 << 20, 'x') << 0;
+        QTest::newRow("garbage is an empty request") << QByteArray("\xff\xfe garbage\n") << 1;
+        QTest::newRow("wrong types are an empty request") << QByteArray("{\"capture\":3,\"files\":{}}\n") << 1;
+    }
+
+    void whatIsNoWholeLineDoesNothing()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(int, requests);
+        QTemporaryDir folder;
+        SingleInstance instance(folder.path());
+        QCOMPARE(instance.claim({}, kQuick), SingleInstance::Claim::Held);
+        instance.listen();
+        QSignalSpy spy(&instance, &SingleInstance::requested);
+        if (bytes.size() > SingleInstance::kMaxLineBytes)
+            QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("启动请求过长")));
+        const QString path = instance.socketPath();
+        const auto sent = QtConcurrent::run([path, bytes] { sendRaw(path, bytes); });
+        QTRY_VERIFY(sent.isFinished());
+        // A good request behind it arrives: the bad one neither blocked nor ended the server.
+        const auto good = QtConcurrent::run([path] { sendRaw(path, HandOver{.history = true}.toLine()); });
+        QTRY_COMPARE(spy.count(), requests + 1);
+        if (requests == 1)
+            QCOMPARE(spy.first().first().value<HandOver>(), HandOver());
+        QVERIFY(spy.last().first().value<HandOver>().history);
+        QTRY_VERIFY(good.isFinished());
+    }
+
+    void aSlowSenderHoldsNobodyUp()
+    {
+        QTemporaryDir folder;
+        SingleInstance instance(folder.path());
+        QCOMPARE(instance.claim({}, kQuick), SingleInstance::Claim::Held);
+        instance.listen();
+        QSignalSpy spy(&instance, &SingleInstance::requested);
+        QLocalSocket slow;
+        slow.connectToServer(instance.socketPath());
+        slow.write("{\"settings\"");
+        QTRY_COMPARE(slow.bytesToWrite(), 0);
+        const QString path = instance.socketPath();
+        const auto good = QtConcurrent::run([path] { sendRaw(path, HandOver{.capture = true}.toLine()); });
+        QTRY_COMPARE(spy.count(), 1);
+        slow.write(":true}\n");
+        QTRY_COMPARE(spy.count(), 2);
+        QVERIFY(spy.last().first().value<HandOver>().settings);
+        QTRY_VERIFY(good.isFinished());
+    }
+
+    void aHolderThatDoesNotAnswerIsGivenUp()
+    {
+        QTemporaryDir folder;
+        SingleInstance holder(folder.path());
+        QCOMPARE(holder.claim({}, kQuick), SingleInstance::Claim::Held); // and never listens
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("连不上它：继续启动")));
+        SingleInstance second(folder.path());
+        QCOMPARE(second.claim({}, kQuick), SingleInstance::Claim::HolderUnreachable);
+        second.listen(); // without the lock there is no server
+        QVERIFY(!QFileInfo::exists(second.socketPath()));
+    }
+
+    void aDeadHolderLeavesNothingBehind()
+    {
+        QTemporaryDir folder;
+        SingleInstance instance(folder.path());
+        // The process of the lock has ended: a shell writes its own id in the lock's format.
+        QProcess shell;
+        shell.start(QStringLiteral("/bin/sh"),
+                    {QStringLiteral("-c"),
+                     QStringLiteral("printf '%s\\ntest\\n%s\\n' $$ \"$(hostname)\" > \"$0\"; : > \"$1\""),
+                     instance.lockPath(), instance.socketPath()});
+        QVERIFY(shell.waitForFinished());
+        QVERIFY(QFileInfo::exists(instance.lockPath()));
+        QCOMPARE(instance.claim({}, kQuick), SingleInstance::Claim::Held);
+        instance.listen();
+        QSignalSpy spy(&instance, &SingleInstance::requested);
+        const QString path = instance.socketPath();
+        const auto good = QtConcurrent::run([path] { sendRaw(path, HandOver{.capture = true}.toLine()); });
+        QTRY_COMPARE(spy.count(), 1);
+        QTRY_VERIFY(good.isFinished());
+    }
+
+    void theRuntimeFolderMustBePrivate()
+    {
+        QTemporaryDir folder;
+        const QByteArray before = qgetenv("XDG_RUNTIME_DIR");
+        qputenv("XDG_RUNTIME_DIR", folder.path().toLocal8Bit());
+        QFile::setPermissions(folder.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        QVERIFY(SingleInstance().socketPath().startsWith(folder.path()));
+        QFile::setPermissions(folder.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner | QFile::ExeOther);
+        QVERIFY(!SingleInstance().socketPath().startsWith(folder.path()));
+        qputenv("XDG_RUNTIME_DIR", before);
+    }
+
+    void filesOpenedByTheSystemArePassedOn()
+    {
+        FileOpenFilter filter;
+        qApp->installEventFilter(&filter);
+        QSignalSpy spy(&filter, &FileOpenFilter::fileOpened);
+        QFileOpenEvent event(QStringLiteral("/a.tavrel"));
+        QCoreApplication::sendEvent(qApp, &event);
+        QTRY_COMPARE(spy.count(), 1);
+        QCOMPARE(spy.first().first().toString(), QStringLiteral("/a.tavrel"));
+    }
+};
+
+TAVREL_TEST_MAIN(QGuiApplication, SingleInstanceTest)
+#include "test_single_instance.moc"
