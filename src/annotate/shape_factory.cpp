@@ -1,0 +1,43 @@
+#include "annotate/shape_factory.h"
+
+#include "annotate/base_shape.h"
+#include "base/json_read.h"
+
+namespace tavrel {
+
+void ShapeFactory::add(ToolType type, ForTool forTool, ForStored forStored)
+{
+    m_makers.insert(type, {std::move(forTool), std::move(forStored)});
+}
+
+std::shared_ptr<BaseShape> ShapeFactory::create(ToolType tool, const ShapeAttributes &attributes) const
+{
+    const auto maker = m_makers.constFind(tool);
+    if (maker == m_makers.cend() || !maker->forTool)
+        return {};
+    std::shared_ptr<BaseShape> shape = maker->forTool(attributes);
+    if (shape)
+        shape->takeAttributes(attributes);
+    return shape;
+}
+
+std::shared_ptr<BaseShape> ShapeFactory::read(const QJsonObject &object) const
+{
+    const auto maker = m_makers.constFind(toolTypeFromName(readString(object, QStringLiteral("type"))));
+    if (maker == m_makers.cend() || !maker->forStored)
+        return {};
+    std::shared_ptr<BaseShape> shape = maker->forStored(object);
+    if (shape) {
+        shape->readJson(object);
+        shape->readBase(object);
+    }
+    return shape;
+}
+
+const ShapeFactory &ShapeFactory::standard()
+{
+    static const ShapeFactory factory;
+    return factory;
+}
+
+} // namespace tavrel

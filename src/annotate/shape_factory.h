@@ -1,0 +1,44 @@
+#pragma once
+
+#include "annotate/tool_type.h"
+
+#include <QJsonObject>
+#include <QMap>
+
+#include <functional>
+#include <memory>
+
+namespace tavrel {
+
+class BaseShape;
+struct ShapeAttributes;
+
+/// Knows how each kind of shape is made, for drawing and for reading.
+///
+/// A kind with several classes decides in `forStored` by the stored object and in `forTool` by the attributes.
+class ShapeFactory final
+{
+public:
+    using ForTool = std::function<std::shared_ptr<BaseShape>(const ShapeAttributes &)>;
+    using ForStored = std::function<std::shared_ptr<BaseShape>(const QJsonObject &)>;
+
+    void add(ToolType type, ForTool forTool, ForStored forStored);
+
+    /// A new shape for a tool with its attributes taken; null for a tool that makes none.
+    [[nodiscard]] std::shared_ptr<BaseShape> create(ToolType tool, const ShapeAttributes &attributes) const;
+    /// The shape of a stored object; null for an unknown type.
+    [[nodiscard]] std::shared_ptr<BaseShape> read(const QJsonObject &object) const;
+
+    /// The factory of this program, with every class that it has.
+    [[nodiscard]] static const ShapeFactory &standard();
+
+private:
+    struct Maker
+    {
+        ForTool forTool;
+        ForStored forStored;
+    };
+    QMap<ToolType, Maker> m_makers;
+};
+
+} // namespace tavrel

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QImage>
+#include <QList>
+#include <QPointF>
+#include <QRectF>
+
+namespace tavrel {
+
+class BaseShape;
+class EffectImageCache;
+class SmartEraseEngine;
+
+/// What every shape gets for painting. All pointers may be null and must outlive the paint.
+struct ShapeRenderContext
+{
+    const EffectImageCache *effectSource = nullptr;
+    const SmartEraseEngine *eraseEngine = nullptr;
+    const QImage *backdrop = nullptr; ///< the picture without annotations
+    QPointF origin;                   ///< where the backdrop's top-left lies in shape coordinates
+    const QList<const BaseShape *> *spotlights = nullptr;
+    /// 1 divided by the zoom of the view, so that handles and outlines keep their size on the screen.
+    double handleScale = 1.0;
+    /// Area that spotlight, watermark and magnifier may fill; see canvasOrEverything().
+    QRectF canvasBounds;
+    /// Where shapes may show; null for everywhere. Handles and glows are painted outside it too.
+    QRectF contentClip;
+
+    /// The canvas, or 200,000 units square around the origin when none is set.
+    [[nodiscard]] QRectF canvasOrEverything() const
+    {
+        return canvasBounds.isEmpty() ? QRectF(-100000, -100000, 200000, 200000) : canvasBounds;
+    }
+};
+
+} // namespace tavrel
