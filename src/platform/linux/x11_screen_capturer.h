@@ -1,0 +1,42 @@
+#pragma once
+
+#include "platform/screen_capturer.h"
+
+#include "platform/linux/x11_screen_grabber.h"
+
+#include <QElapsedTimer>
+
+#include <memory>
+
+namespace tavrel::platform {
+
+class CaptureExclusions;
+class XConnection;
+
+/// Pictures of all displays from the X server, pixel for pixel what is on them at any scale factor.
+///
+/// Budget: 15 ms for a display of 3840 x 2160, at most twice that when a picture has to be put together behind an
+/// excluded window. Windows that were not kept by the server until now first get X11ScreenGrabber::kRepaintMs to
+/// repaint what was covered; this only happens when a window to be left out was already on the screen when it
+/// was first named.
+class X11ScreenCapturer final : public IScreenCapturer
+{
+    Q_OBJECT
+
+public:
+    X11ScreenCapturer(std::shared_ptr<XConnection> x, std::shared_ptr<CaptureExclusions> exclusions,
+                      QObject *parent = nullptr);
+
+    [[nodiscard]] int captureAccess() const override;
+    void requestCaptureAccess() override;
+    void capture(const CaptureOptions &options) override;
+
+private:
+    [[nodiscard]] QSet<WId> windowsToHide(const CaptureOptions &options) const;
+    void grabAll(const CaptureOptions &options, QElapsedTimer started);
+
+    std::shared_ptr<XConnection> m_x;
+    X11ScreenGrabber m_grabber;
+};
+
+} // namespace tavrel::platform
