@@ -73,6 +73,8 @@ public:
             return;
         const QString path = QStringLiteral("/org/freedesktop/portal/desktop");
         const QString interface = QStringLiteral("org.freedesktop.portal.Settings");
+        // Qt refuses a slot with a type that nobody has used yet, without a word.
+        qRegisterMetaType<QDBusVariant>();
         bus.connect(QString(), path, interface, QStringLiteral("SettingChanged"), this,
                     SLOT(settingChanged(QString, QString, QDBusVariant)));
         QDBusMessage read = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.portal.Desktop"), path,
