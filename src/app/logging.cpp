@@ -19,8 +19,7 @@ struct LogState
 
 LogState &state()
 {
-    // Never destroyed: other threads and static destructors may log until the very end.
-    static LogState &instance = *new LogState;
+    static LogState instance;
     return instance;
 }
 

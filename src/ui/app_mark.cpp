@@ -18,22 +18,22 @@ constexpr QColor foldDeep{250, 160, 30};
 /// The picked-up sheet: square but for the bottom right corner, where it is turned over.
 Trace sheet()
 {
-    return Trace(12, 6.4)
-        .corner(17.6, 6.4, 1.6)
-        .to(17.6, 11.6)
-        .to(11.6, 17.6)
-        .corner(6.4, 17.6, 1.6)
-        .corner(6.4, 6.4, 1.6)
+    return Trace(12, 5.6)
+        .corner(18.4, 5.6, 1.6)
+        .to(18.4, 10.8)
+        .to(10.8, 18.4)
+        .corner(5.6, 18.4, 1.6)
+        .corner(5.6, 5.6, 1.6)
         .close();
 }
 
 /// The turned corner; its point lies inside the sheet, its flanks swell a little.
 Trace fold()
 {
-    return Trace(17.6, 11.6)
-        .cubic(15.6, 12.6, 14.2, 12.7, 12.9, 12.2)
-        .quad(12.2, 12, 12.2, 12.9)
-        .cubic(12.7, 14.2, 12.6, 15.6, 11.6, 17.6)
+    return Trace(18.4, 10.8)
+        .cubic(15.8, 12.2, 13.9, 12.3, 12.3, 11.7)
+        .quad(11.4, 11.4, 11.7, 12.3)
+        .cubic(12.3, 13.9, 12.2, 15.8, 10.8, 18.4)
         .close();
 }
 
@@ -57,14 +57,14 @@ void paintAppMark(QPainter &painter, const QRectF &rect)
     painter.setBrush(QColor(255, 255, 255, 52));
     painter.drawPath(sheet().path());
 
-    QPen frame(Qt::white, 1.9, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
+    QPen frame(Qt::white, 2.1, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
     painter.setPen(frame);
     painter.setBrush(Qt::NoBrush);
-    painter.drawPath(Trace(6.2, 9.8).corner(6.2, 6.2, 1.8).to(9.8, 6.2).path());
-    painter.drawPath(Trace(14.2, 6.2).corner(17.8, 6.2, 1.8).to(17.8, 9.2).path());
-    painter.drawPath(Trace(6.2, 14.2).corner(6.2, 17.8, 1.8).to(9.2, 17.8).path());
+    painter.drawPath(Trace(5.4, 9.6).corner(5.4, 5.4, 2).to(9.6, 5.4).path());
+    painter.drawPath(Trace(14.4, 5.4).corner(18.6, 5.4, 2).to(18.6, 8.2).path());
+    painter.drawPath(Trace(5.4, 14.4).corner(5.4, 18.6, 2).to(8.2, 18.6).path());
 
-    QLinearGradient turned(12.4, 12.4, 15.2, 15.2);
+    QLinearGradient turned(11.6, 11.6, 15, 15);
     turned.setColorAt(0, foldLight);
     turned.setColorAt(1, foldDeep);
     painter.setPen(Qt::NoPen);

@@ -3,6 +3,7 @@
 #include <QLineF>
 #include <QPainter>
 #include <QPainterPathStroker>
+#include <QTransform>
 
 #include <cmath>
 #include <numbers>
@@ -207,6 +208,17 @@ GlyphPen &GlyphPen::hole(qreal cx, qreal cy, qreal radius)
     QPainterPath disc;
     disc.addEllipse(around(cx, cy, radius, radius));
     cut(disc);
+    return *this;
+}
+
+GlyphPen &GlyphPen::turn(qreal degrees)
+{
+    const QTransform turned = QTransform::fromTranslate(box / 2, box / 2).rotate(degrees).translate(-box / 2, -box / 2);
+    for (Layer &layer : m_layers) {
+        layer.strokes = turned.map(layer.strokes);
+        layer.fills = turned.map(layer.fills);
+        layer.cut = turned.map(layer.cut);
+    }
     return *this;
 }
 

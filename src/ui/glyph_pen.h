@@ -83,6 +83,8 @@ public:
     GlyphPen &gap(qreal x1, qreal y1, qreal x2, qreal y2, qreal bandWidth);
     /// Cuts a disc out of everything drawn so far.
     GlyphPen &hole(qreal cx, qreal cy, qreal radius);
+    /// Turns everything drawn so far around the middle of the box, clockwise as seen.
+    GlyphPen &turn(qreal degrees);
 
     /// Paints what was collected.
     void finish();

@@ -38,8 +38,8 @@ void arrowUpFromTray(GlyphPen &pen)
 
 void background(GlyphPen &pen)
 {
-    pen.rect(3.2, 3.2, 20.8, 20.8, 3).rect(8.2, 8.8, 15.8, 15.2, 1.4);
-    pen.line(3.8, 9, 9, 3.8).line(15, 20.2, 20.2, 15);
+    pen.opacity(0.32).fillRect(3.2, 3.2, 20.8, 20.8, 3).gap(10, 12, 14, 12, 6.4);
+    pen.opacity(1).rect(3.2, 3.2, 20.8, 20.8, 3).rect(7.4, 8.2, 16.6, 15.8, 1.4);
 }
 
 void camera(GlyphPen &pen)
@@ -213,9 +213,9 @@ void move(GlyphPen &pen)
 
 void pageScrollingDown(GlyphPen &pen)
 {
-    pen.stroke(Trace(4.6, 12.4).corner(4.6, 3.2, 2.4).corner(19.4, 3.2, 2.4).to(19.4, 12.4));
-    pen.line(4.6, 16, 4.6, 16.6).line(19.4, 16, 19.4, 16.6);
-    pen.line(12, 8, 12, 20.6).lines({7.6, 16.4, 12, 20.8, 16.4, 16.4});
+    pen.stroke(Trace(4.4, 10.4).corner(4.4, 3.2, 2.4).corner(19.6, 3.2, 2.4).to(19.6, 10.4));
+    pen.line(4.4, 14, 4.4, 16.2).line(19.6, 14, 19.6, 16.2);
+    pen.line(12, 7.8, 12, 20.6).lines({8, 16.8, 12, 20.8, 16, 16.8});
 }
 
 void pause(GlyphPen &pen)
@@ -311,9 +311,17 @@ void split(GlyphPen &pen)
 
 void stitch(GlyphPen &pen)
 {
-    pen.stroke(Trace(4.4, 8.6).corner(4.4, 3, 2.4).corner(19.6, 3, 2.4).to(19.6, 8.6));
-    pen.stroke(Trace(4.4, 15.4).corner(4.4, 21, 2.4).corner(19.6, 21, 2.4).to(19.6, 15.4));
-    pen.line(2.8, 12, 5.2, 12).line(8.8, 12, 9.8, 12).line(14.2, 12, 15.2, 12).line(18.8, 12, 21.2, 12);
+    pen.stroke(Trace(7, 3.2)
+                   .corner(12.2, 3.2, 2)
+                   .to(12.2, 7.4)
+                   .corner(21.2, 7.4, 2)
+                   .corner(21.2, 20.8, 2)
+                   .corner(11.8, 20.8, 2)
+                   .to(11.8, 16.6)
+                   .corner(2.8, 16.6, 2)
+                   .corner(2.8, 3.2, 2)
+                   .close());
+    pen.line(12, 10.8, 12, 13.2);
 }
 
 void textScan(GlyphPen &pen)

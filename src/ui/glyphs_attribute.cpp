@@ -53,8 +53,7 @@ const Glyph table[] = {
     {QLatin1StringView("mosaicBlocks"), mosaic},
     {QLatin1StringView("blockSize"),
      [](GlyphPen &pen) {
-         pen.rect(3.2, 8.2, 15.8, 20.8, 2).rect(17.2 + 0.4, 3.2, 20.8 + 0.2, 6.6, 0.8);
-         pen.line(7, 4.6, 11.4, 4.6).lines({9.2, 2.4 + 0.2, 7, 4.6, 9.2, 6.8 - 0.2});
+         pen.fillRect(2, 13, 5.4, 16.4, 0.6).fillRect(6.8, 11, 12.2, 16.4, 0.8).fillRect(13.6, 8, 22, 16.4, 1);
      }},
     {QLatin1StringView("blurDrop"),
      [](GlyphPen &pen) {
@@ -70,9 +69,9 @@ const Glyph table[] = {
          pen.thick(2.6).line(4.6, 15.8, 4.6, 19.6).line(9.5, 12, 9.5, 19.6).line(14.5, 8.2, 14.5, 19.6);
          pen.line(19.4, 4.4, 19.4, 19.6);
      }},
-    {QLatin1StringView("dim1"), [](GlyphPen &pen) { dimmed(pen, 0.18); }},
-    {QLatin1StringView("dim2"), [](GlyphPen &pen) { dimmed(pen, 0.48); }},
-    {QLatin1StringView("dim3"), [](GlyphPen &pen) { dimmed(pen, 1); }},
+    {QLatin1StringView("dim1"), [](GlyphPen &pen) { dimmed(pen, 0.2); }},
+    {QLatin1StringView("dim2"), [](GlyphPen &pen) { dimmed(pen, 0.5); }},
+    {QLatin1StringView("dim3"), [](GlyphPen &pen) { dimmed(pen, 0.86); }},
     {QLatin1StringView("text"), letterT},
     {QLatin1StringView("textBg"),
      [](GlyphPen &pen) {

@@ -46,8 +46,18 @@ const ToolGlyph table[] = {
      }},
     {ToolType::Spotlight,
      [](GlyphPen &pen) {
-         pen.opacity(0.32).fillRect(3.2, 3.2, 20.8, 20.8, 2.8).hole(12, 12, 4.8);
-         pen.opacity(1).rect(3.2, 3.2, 20.8, 20.8, 2.8).circle(12, 12, 4.8);
+         pen.stroke(Trace(6, 9.5)
+                        .to(9.6, 9.5)
+                        .corner(13.2, 6.4, 0.6)
+                        .corner(16.4, 6.4, 0.8)
+                        .corner(16.4, 17.6, 0.8)
+                        .corner(13.2, 17.6, 0.6)
+                        .to(9.6, 14.5)
+                        .corner(0.9, 14.5, 1.5)
+                        .corner(0.9, 9.5, 1.5)
+                        .close());
+         pen.line(13, 6.4, 13, 17.6).line(5.4, 12, 7.2, 12);
+         pen.line(19.6, 12, 22, 12).line(19, 7.7, 20.2, 6.4).line(19, 16.3, 20.2, 17.6).turn(-45);
      }},
     {ToolType::Watermark,
      [](GlyphPen &pen) {

@@ -55,8 +55,7 @@ Cell attribute(const QString &name)
 
 Cell tool(ToolType type)
 {
-    return {QString::number(static_cast<int>(type)),
-            [type](QPainter &painter, const QRectF &rect, const QColor &color) {
+    return {toolTypeName(type), [type](QPainter &painter, const QRectF &rect, const QColor &color) {
                 paintToolGlyph(painter, type, rect, color);
             }};
 }
