@@ -19,7 +19,7 @@ HandOver StartRequest::handOver() const
     return {.files = files, .history = history, .capture = capture, .settings = settings, .cwd = QDir::currentPath()};
 }
 
-StartRequest readCommandLine(const QCoreApplication &application)
+StartRequest readCommandLine(const QStringList &arguments)
 {
     const QCommandLineOption capture(QStringLiteral("capture"),
                                      text(QT_TRANSLATE_NOOP("main", "启动后立即发起一次截图。")));
@@ -49,7 +49,7 @@ StartRequest readCommandLine(const QCoreApplication &application)
     parser.addOptions({capture, settings, history, lang, fakeCapture, quitAfter, languageProbe});
     parser.addPositionalArgument(QStringLiteral("file"), text(QT_TRANSLATE_NOOP("main", "要打开的 .tavrel 录制文件。")),
                                  QStringLiteral("[file]"));
-    parser.process(application);
+    parser.process(arguments);
 
     StartRequest request;
     request.capture = parser.isSet(capture);

@@ -7,8 +7,6 @@
 
 #include <optional>
 
-class QCoreApplication;
-
 namespace tavrel {
 
 /// What the command line asks of this start.
@@ -28,7 +26,8 @@ struct StartRequest
     [[nodiscard]] HandOver handOver() const;
 };
 
-/// Reads the arguments of the application; help, version and errors end the process as QCommandLineParser does.
-[[nodiscard]] StartRequest readCommandLine(const QCoreApplication &application);
+/// Reads the arguments of the application, the first of which is its name. Help, version and errors end the process
+/// as QCommandLineParser does.
+[[nodiscard]] StartRequest readCommandLine(const QStringList &arguments);
 
 } // namespace tavrel

@@ -78,7 +78,7 @@ const QList<LanguageEntry> &languages()
             entry("fr", "Français", "tavrel_fr", "qtbase_fr.qm", "fr_FR"),
             entry("es", "Español", "tavrel_es", "qtbase_es.qm", "es_ES"),
             entry("pt-BR", "Português (Brasil)", "tavrel_pt_BR", "qtbase_pt_BR.qm", "pt_BR"),
-            entry("r", "Русский", "tavrel_r", "qtbase_ru.qm", "ru_RU"),
+            entry("ru", "Русский", "tavrel_ru", "qtbase_ru.qm", "ru_RU"),
             entry("it", "Italiano", "tavrel_it", "qtbase_it.qm", "it_IT"),
         };
     }();

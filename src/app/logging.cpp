@@ -19,7 +19,8 @@ struct LogState
 
 LogState &state()
 {
-    static LogState instance;
+    // Never destroyed: other threads and static destructors may log until the very end.
+    static LogState &instance = *new LogState;
     return instance;
 }
 

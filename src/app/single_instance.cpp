@@ -87,29 +87,42 @@ SingleInstance::Claim SingleInstance::claim(const HandOver &request, const Timin
     m_lock->setStaleLockTime(0);
     if (m_lock->tryLock(static_cast<int>(timing.lockWait.count())))
         return Claim::Held;
-    m_lock.reset();
-    if (sendTo(request, timing)) {
-        qInfo().noquote() << QStringLiteral("已有一个 Tavrel 在运行：已转交启动请求，本进程退出");
-        return Claim::HandedOver;
+    if (m_lock->error() != QLockFile::LockFailedError) {
+        // No folder, no right to write there, a full disk: there is nobody to wait for.
+        qWarning().noquote() << QStringLiteral("单实例锁无法建立：") + m_lockPath;
+        m_lock.reset();
+        return Claim::HolderUnreachable;
     }
+    for (int round = 0; round < timing.rounds; ++round) {
+        if (sendTo(request, timing)) {
+            m_lock.reset();
+            qInfo().noquote() << QStringLiteral("已有一个 Tavrel 在运行：已转交启动请求，本进程退出");
+            return Claim::HandedOver;
+        }
+        // A holder that was on its way out is gone by now.
+        if (m_lock->tryLock(0))
+            return Claim::Held;
+        QThread::msleep(static_cast<unsigned long>(timing.roundPause.count()));
+    }
+    m_lock.reset();
     qWarning().noquote() << QStringLiteral("检测到另一个 Tavrel 持有单实例锁但连不上它：继续启动");
     return Claim::HolderUnreachable;
 }
 
 bool SingleInstance::sendTo(const HandOver &request, const Timing &timing)
 {
-    for (int round = 0; round < timing.rounds; ++round) {
-        QLocalSocket socket;
-        socket.connectToServer(m_socketPath, QIODevice::ReadWrite);
-        if (socket.waitForConnected(static_cast<int>(timing.connectWait.count()))) {
-            socket.write(request.toLine());
-            socket.waitForBytesWritten(static_cast<int>(timing.writeWait.count()));
-            socket.disconnectFromServer();
-            return true;
-        }
-        QThread::msleep(static_cast<unsigned long>(timing.roundPause.count()));
-    }
-    return false;
+    // In a folder that all users share, the socket of another one is not to hear what this user opens.
+    const QFileInfo place(m_socketPath);
+    if (place.exists() && place.ownerId() != ::getuid())
+        return false;
+    QLocalSocket socket;
+    socket.connectToServer(m_socketPath, QIODevice::ReadWrite);
+    if (!socket.waitForConnected(static_cast<int>(timing.connectWait.count())))
+        return false;
+    socket.write(request.toLine());
+    socket.waitForBytesWritten(static_cast<int>(timing.writeWait.count()));
+    socket.disconnectFromServer();
+    return true;
 }
 
 void SingleInstance::listen()

@@ -45,7 +45,7 @@ public:
     enum class Claim {
         Held,              ///< this is the instance
         HandedOver,        ///< the running instance has the request; this process ends
-        HolderUnreachable, ///< somebody holds the lock but does not answer: run without a server
+        HolderUnreachable, ///< the lock cannot be had and nobody answers: run without a server
     };
 
     struct Timing

@@ -36,7 +36,7 @@ HotkeyBinding bindingFromJson(const QJsonObject &object, HotkeyBinding binding, 
 
 QStringList paletteFrom(QStringList colors, const QJsonArray &entries)
 {
-    static const QRegularExpression pattern(QStringLiteral("^#[0-9A-Fa-f]{6}$"));
+    static const QRegularExpression pattern(QRegularExpression::anchoredPattern(QStringLiteral("#[0-9A-F]{6}")));
     for (const QJsonValue &entry : entries) {
         const QString color = entry.toString().toUpper();
         if (colors.size() < kMaxPaletteColors && !colors.contains(color) && pattern.match(color).hasMatch())

@@ -4,6 +4,8 @@
 #include <QLoggingCategory>
 #include <QStandardPaths>
 
+#include <cmath>
+
 namespace tavrel {
 namespace {
 
@@ -34,15 +36,17 @@ SettingsStore::~SettingsStore() = default;
 
 void SettingsStore::load()
 {
-    const QString text = m_settings.value(valueKey()).toString();
-    if (text.isEmpty()) {
+    const QVariant stored = m_settings.value(valueKey());
+    const bool isText = stored.typeId() == QMetaType::QString;
+    if (!stored.isValid() || (isText && stored.toString().isEmpty())) {
         save();
         return;
     }
-    const QJsonDocument document = QJsonDocument::fromJson(text.toUtf8());
+    // An INI file edited by hand without quotes gives a list: as unreadable as a torn text.
+    const QJsonDocument document = isText ? QJsonDocument::fromJson(stored.toString().toUtf8()) : QJsonDocument();
     if (!document.isObject()) {
         qWarning().noquote() << QStringLiteral("设置无法读取，已改用默认值；原文保存在 %1").arg(brokenKey());
-        m_settings.setValue(brokenKey(), text);
+        m_settings.setValue(brokenKey(), stored);
     }
     m_config = settingsFromJson(document.object());
     if (!document.isObject() || storedSchemaVersion(document.object()) < SettingsConfig::kSchemaVersion)
@@ -53,6 +57,9 @@ void SettingsStore::update(const SettingsConfig &config)
 {
     SettingsConfig next = config;
     next.configSchemaVersion = SettingsConfig::kSchemaVersion;
+    // NaN equals nothing, not even itself: every write of it would be a change, for ever.
+    if (std::isnan(next.pinInitialOpacity))
+        next.pinInitialOpacity = m_config.pinInitialOpacity;
     if (next == m_config)
         return;
     m_config = next;

@@ -1,4 +1,5 @@
 #include "app/languages.h"
+#include "settings/settings_config.h"
 #include "support/test_main.h"
 
 #include <QGuiApplication>
@@ -46,6 +47,32 @@ private Q_SLOTS:
         QFETCH(QStringList, system);
         QFETCH(QString, code);
         QCOMPARE(resolveLanguage(setting, system), code);
+    }
+
+    void theTableAgreesWithTheMappingTheCataloguesAndTheSettings()
+    {
+        QStringList codes;
+        for (const LanguageEntry &entry : languages()) {
+            codes.append(entry.code);
+            QCOMPARE(resolveLanguage(QStringLiteral("system"), {entry.localeName}), entry.code);
+            QCOMPARE(QLocale(entry.localeName).name(), entry.localeName);
+            const QString suffix = QString(entry.code).replace(u'-', u'_');
+            QCOMPARE(entry.appCatalogue, entry.code == u"zh" ? QString() : QStringLiteral("tavrel_") + suffix);
+            const SettingsConfig stored = settingsFromJson(
+                {{QStringLiteral("configSchemaVersion"), 9}, {QStringLiteral("language"), entry.code}});
+            QCOMPARE(stored.language, entry.code);
+        }
+        QCOMPARE(codes.join(u' '), QStringLiteral("zh zh-Hant en ja ko de fr es pt-BR ru it"));
+    }
+
+    void theLanguageInForceIsLeftAlone()
+    {
+        LanguageApplier applier;
+        applier.apply(QStringLiteral("de"));
+        QLocale::setDefault(QLocale::c()); // applying anew would set it
+        QCOMPARE(applier.apply(QStringLiteral("de")), QStringLiteral("de"));
+        QCOMPARE(QLocale().name(), QStringLiteral("C"));
+        QCOMPARE(sample("保存"), QStringLiteral("Speichern"));
     }
 
     void aMissingEntryFallsBackToEnglishNotToTheSource()

@@ -59,6 +59,23 @@ private Q_SLOTS:
         QCOMPARE(received.recordings(), QStringList{QStringLiteral("/data/a.TAVREL")});
     }
 
+    void sendersThatAreGoneBeforeTheHolderLooksAreHeardInOrder()
+    {
+        QTemporaryDir folder;
+        SingleInstance holder(folder.path());
+        QCOMPARE(holder.claim({}, kQuick), SingleInstance::Claim::Held);
+        holder.listen();
+        QSignalSpy spy(&holder, &SingleInstance::requested);
+        for (int i = 0; i < 5; ++i) {
+            // Nothing is accepted in between: this thread runs the holder's event loop only below.
+            QCOMPARE(SingleInstance(folder.path()).claim({.files = {QString::number(i)}}, kQuick),
+                     SingleInstance::Claim::HandedOver);
+        }
+        QTRY_COMPARE(spy.count(), 5);
+        for (int i = 0; i < 5; ++i)
+            QCOMPARE(spy.at(i).first().value<HandOver>().files, QStringList{QString::number(i)});
+    }
+
     void onlyTheUserMayReachTheSocket()
     {
         QTemporaryDir folder;
@@ -133,6 +150,26 @@ private Q_SLOTS:
         QCOMPARE(second.claim({}, kQuick), SingleInstance::Claim::HolderUnreachable);
         second.listen(); // without the lock there is no server
         QVERIFY(!QFileInfo::exists(second.socketPath()));
+    }
+
+    void aHolderOnItsWayOutIsFollowed()
+    {
+        QTemporaryDir folder;
+        auto holder = std::make_unique<SingleInstance>(folder.path());
+        QCOMPARE(holder->claim({}, kQuick), SingleInstance::Claim::Held); // its server is closed already
+        const auto next = QtConcurrent::run([&folder] {
+            return SingleInstance(folder.path()).claim({}, {.lockWait = 1ms, .rounds = 1'000'000, .roundPause = 1ms});
+        });
+        holder.reset();
+        QCOMPARE(next.result(), SingleInstance::Claim::Held);
+    }
+
+    void withoutAPlaceForTheLockNobodyIsWaitedFor()
+    {
+        QTemporaryDir folder;
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("单实例锁无法建立")));
+        SingleInstance instance(folder.filePath(QStringLiteral("missing")));
+        QCOMPARE(instance.claim({}, {.rounds = 1'000'000}), SingleInstance::Claim::HolderUnreachable);
     }
 
     void aDeadHolderLeavesNothingBehind()

@@ -5,6 +5,9 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QSignalSpy>
+#include <QTemporaryFile>
+
+#include <cmath>
 
 using namespace tavrel;
 
@@ -23,6 +26,35 @@ QJsonObject parse(QByteArray json)
 QJsonObject written(const SettingsConfig &config)
 {
     return QJsonDocument::fromJson(settingsToJson(config)).object();
+}
+
+/// Another valid value for a key.
+QJsonValue changedValue(const QString &key, const QJsonValue &value)
+{
+    const QHash<QString, QJsonValue> choices{{QStringLiteral("theme"), QStringLiteral("dark")},
+                                             {QStringLiteral("language"), QStringLiteral("zh-Hant")},
+                                             {QStringLiteral("historyRetentionDays"), 365},
+                                             {QStringLiteral("historyMaxMegabytes"), 20480},
+                                             {QStringLiteral("cloudShareExpiryDays"), 0},
+                                             {QStringLiteral("colorFormat"), QStringLiteral("rgb")},
+                                             {QStringLiteral("imageFormat"), QStringLiteral("jpg")},
+                                             {QStringLiteral("clipboardFormat"), QStringLiteral("imageAndFile")},
+                                             {QStringLiteral("pinInitialOpacity"), 0.35}};
+    if (choices.contains(key))
+        return choices.value(key);
+    switch (value.type()) {
+    case QJsonValue::Bool:
+        return !value.toBool();
+    case QJsonValue::Double:
+        return value.toInt() + 1;
+    case QJsonValue::String:
+        return QString(value.toString() + QStringLiteral(" \"{}\n图"));
+    case QJsonValue::Array:
+        return QJsonArray{QStringLiteral("#ABCDEF")};
+    default:
+        return QJsonObject{{QStringLiteral("enabled"), !value[u"enabled"].toBool()},
+                           {QStringLiteral("combo"), QStringLiteral("shift+alt+90")}};
+    }
 }
 
 } // namespace
@@ -62,6 +94,8 @@ private Q_SLOTS:
             "'stepKeyTrigger':{'enabled':true,'combo':'70'}");
         row("binding of another type", "'captureHotkey':[1,2]", "'captureHotkey':{'enabled':true,'combo':'ctrl+49'}");
         row("palette cleaned", "'paletteColors':['#ff0000','#FF0000','red',5]", "'paletteColors':['#FF0000']");
+        row("colour with a line end", "'paletteColors':['#FF0000\\n']", "'paletteColors':[]");
+        row("palette of another type", "'paletteColors':'#FF0000'", "'paletteColors':[]");
         row("palette emptied", "'paletteColors':[]", "'paletteColors':[]");
     }
 
@@ -96,14 +130,26 @@ private Q_SLOTS:
         const SettingsConfig defaults;
         const QJsonObject plain = written(defaults);
         QCOMPARE(settingsFromJson(plain), defaults);
-        // Flip every boolean at once: a field that one direction forgets comes back as its default.
-        QJsonObject flipped = plain;
-        for (auto it = flipped.begin(); it != flipped.end(); ++it) {
-            if (it.value().isBool())
-                it.value() = !it.value().toBool();
-        }
-        QCOMPARE(written(settingsFromJson(flipped)), flipped);
         QCOMPARE(plain.size(), 53);
+        // One key at a time away from its default: a key that shares a field with another, or that one direction
+        // forgets, does not come back alone.
+        for (const QString &key : plain.keys()) {
+            if (key == u"configSchemaVersion" || key == u"builtin")
+                continue;
+            QJsonObject changed = plain;
+            changed[key] = changedValue(key, plain.value(key));
+            QVERIFY2(changed.value(key) != plain.value(key), qPrintable(key));
+            QCOMPARE(written(settingsFromJson(changed)), changed);
+        }
+        const QJsonObject builtin = plain.value(QStringLiteral("builtin")).toObject();
+        QCOMPARE(builtin.size(), 6);
+        for (const QString &key : builtin.keys()) {
+            QJsonObject changedKeys = builtin;
+            changedKeys[key] = changedValue(key, builtin.value(key));
+            QJsonObject changed = plain;
+            changed[QStringLiteral("builtin")] = changedKeys;
+            QCOMPARE(written(settingsFromJson(changed)), changed);
+        }
     }
 
     void migratesFromOlderSchemas_data()
@@ -121,12 +167,31 @@ private Q_SLOTS:
             "'historyHotkey':{'enabled':false,'combo':''}");
         row("5: Ctrl+Shift+3 stays", "'configSchemaVersion':5,'historyHotkey':{'enabled':true,'combo':'ctrl+shift+51'}",
             "'historyHotkey':{'enabled':true,'combo':'ctrl+shift+51'}");
+        row("5: stop hotkey with a key of its own",
+            "'configSchemaVersion':5,'recordStopHotkey':{'enabled':true,'combo':'ctrl+54'}",
+            "'recordStopHotkey':{'enabled':true,'combo':'ctrl+54'}");
+        row("5: Ctrl+5 of stopping", "'configSchemaVersion':5,'recordStopHotkey':{'enabled':true,'combo':'ctrl+53'}",
+            "'recordStopHotkey':{'enabled':false,'combo':''}");
+        row("5: capture switched off comes back", "'configSchemaVersion':5,'captureHotkey':{'enabled':false}",
+            "'captureHotkey':{'enabled':true,'combo':'ctrl+49'}");
+        row("6: the same is left alone", "'configSchemaVersion':6,'captureHotkey':{'enabled':false}",
+            "'captureHotkey':{'enabled':false,'combo':'ctrl+49'}");
         row("5: stop hotkey without a key", "'configSchemaVersion':5,'recordStopHotkey':{'enabled':true,'combo':''}",
             "'recordStopHotkey':{'enabled':false,'combo':''}");
         row("6: Ctrl+Alt+A", "'configSchemaVersion':6,'captureHotkey':{'enabled':true,'combo':'ctrl+alt+65'}",
             "'captureHotkey':{'enabled':true,'combo':'ctrl+49'}");
         row("7: no folder, no fixed folder", "'configSchemaVersion':7,'savePath':' ','saveToSpecifiedPath':true",
             "'saveToSpecifiedPath':false");
+        row("6: Ctrl+Shift+Alt+A stays",
+            "'configSchemaVersion':6,'captureHotkey':{'enabled':true,'combo':'ctrl+shift+alt+65'}",
+            "'captureHotkey':{'enabled':true,'combo':'ctrl+shift+alt+65'}");
+        row("7: Ctrl+Alt+A was chosen",
+            "'configSchemaVersion':7,'captureHotkey':{'enabled':true,'combo':'ctrl+alt+65'}",
+            "'captureHotkey':{'enabled':true,'combo':'ctrl+alt+65'}");
+        row("7: a folder keeps the fixed folder", "'configSchemaVersion':7,'savePath':'/p','saveToSpecifiedPath':true",
+            "'saveToSpecifiedPath':true");
+        row("9: nothing moves", "'configSchemaVersion':9,'longCaptureHotkey':{'enabled':true,'combo':'ctrl+50'}",
+            "'longCaptureHotkey':{'enabled':true,'combo':'ctrl+50'}");
         row("8: Ctrl+2 of long capture",
             "'configSchemaVersion':8,'longCaptureHotkey':{'enabled':true,'combo':'ctrl+50'}",
             "'longCaptureHotkey':{'enabled':false,'combo':''}");
@@ -196,6 +261,46 @@ private Q_SLOTS:
         }
         const SettingsStore again(path);
         QCOMPARE(again.config(), wanted);
+    }
+
+    void aListInTheFileIsKeptAsUnreadable()
+    {
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("s.ini"));
+        // What QSettings makes of a document that somebody wrote into the file without quotes.
+        const QStringList torn{QStringLiteral("{theme:dark"), QStringLiteral("autoStart:true}")};
+        QSettings(path, QSettings::IniFormat).setValue(QStringLiteral("settings_config"), torn);
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("设置无法读取")));
+        const SettingsStore store(path);
+        QCOMPARE(store.config(), SettingsConfig());
+        const QSettings file(path, QSettings::IniFormat);
+        QCOMPARE(file.value(QStringLiteral("settings_config_broken")).toStringList(), torn);
+    }
+
+    void aFileThatCannotBeWrittenIsNotNoticed()
+    {
+        // A file stands where the folder should be: that fails for every user, also for one who ignores permissions.
+        QTemporaryFile inTheWay;
+        QVERIFY(inTheWay.open());
+        SettingsStore store(inTheWay.fileName() + QStringLiteral("/s.ini"));
+        QSignalSpy spy(&store, &SettingsStore::changed);
+        SettingsConfig config = store.config();
+        config.showMagnifier = false;
+        store.update(config);
+        QCOMPARE(spy.count(), 1);
+        QVERIFY(!store.config().showMagnifier);
+    }
+
+    void aNumberThatEqualsNothingIsNoChange()
+    {
+        QTemporaryDir folder;
+        SettingsStore store(folder.filePath(QStringLiteral("s.ini")));
+        QSignalSpy spy(&store, &SettingsStore::changed);
+        SettingsConfig config = store.config();
+        config.pinInitialOpacity = std::nan("");
+        store.update(config);
+        QCOMPARE(spy.count(), 0);
+        QCOMPARE(store.config().pinInitialOpacity, 1.0);
     }
 
     void theUsersOwnSettingsAreTheDefaultPlace()

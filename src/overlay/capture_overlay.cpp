@@ -1,0 +1,472 @@
+#include "overlay/capture_overlay.h"
+
+#include "overlay/overlay_renderer.h"
+#include "overlay/panel_placement.h"
+#include "overlay/selection_geometry.h"
+#include "platform/window_controller.h"
+
+#include <QCoreApplication>
+#include <QMouseEvent>
+
+#include <cmath>
+
+namespace tavrel::ui {
+namespace {
+
+constexpr double kSmallestBand = 4;     ///< a shorter drag is a click
+constexpr double kHandleTolerance = 15; ///< of the handles of shapes
+constexpr int kToastMs = 2000;
+
+Qt::CursorShape cursorOfHit(int hit)
+{
+    switch (hit) {
+    case 0:
+    case 7:
+        return Qt::SizeFDiagCursor;
+    case 2:
+    case 5:
+        return Qt::SizeBDiagCursor;
+    case 1:
+    case 6:
+        return Qt::SizeVerCursor;
+    case 3:
+    case 4:
+        return Qt::SizeHorCursor;
+    case kInsideHit:
+        return Qt::OpenHandCursor;
+    default:
+        return Qt::CrossCursor;
+    }
+}
+
+} // namespace
+
+CaptureOverlay::CaptureOverlay(const platform::CapturedDisplay &display, const SettingsConfig &config, QWidget *parent)
+    : QWidget(parent, Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint),
+      m_display(display),
+      m_config(config),
+      m_picture(display.image),
+      m_colorFormat(config.colorFormat)
+{
+    setAttribute(Qt::WA_TranslucentBackground);
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setMouseTracking(true);
+    setFocusPolicy(Qt::StrongFocus);
+    setCursor(Qt::CrossCursor);
+    setGeometry(display.geometry);
+    setWindowTitle(QStringLiteral("Tavrel"));
+    setAccessibleName(QCoreApplication::translate("CaptureOverlay", "截图选区"));
+    setAccessibleDescription(QCoreApplication::translate("CaptureOverlay", "拖拽选择区域，Enter 复制，Esc 取消"));
+    m_toastTimer.setSingleShot(true);
+    m_toastTimer.setInterval(kToastMs);
+    connect(&m_toastTimer, &QTimer::timeout, this, [this] {
+        m_toast.clear();
+        scheduleUpdate();
+    });
+    setDetection({});
+    rebuildHints();
+}
+
+CaptureOverlay::~CaptureOverlay() = default;
+
+void CaptureOverlay::setConfig(const SettingsConfig &config)
+{
+    m_config = config;
+    m_hintKey = -1;
+    rebuildHints();
+    scheduleUpdate();
+}
+
+void CaptureOverlay::setWindowController(std::shared_ptr<platform::IWindowController> controller)
+{
+    m_windowController = std::move(controller);
+}
+
+void CaptureOverlay::setDetection(const QList<platform::WindowInfo> &windows)
+{
+    m_windows = windows;
+    m_windowFinder = std::make_unique<WindowHoverFinder>(windows, m_display.geometry.topLeft(), QRectF(rect()));
+}
+
+void CaptureOverlay::setHoverFinder(std::unique_ptr<IHoverFinder> finder)
+{
+    m_hoverFinder = std::move(finder);
+}
+
+void CaptureOverlay::setPickMode(bool pick)
+{
+    m_pickMode = pick;
+    layoutPanels();
+}
+
+void CaptureOverlay::setToolbar(QWidget *toolbar)
+{
+    m_toolbar = toolbar;
+    toolbar->setParent(this);
+    layoutPanels();
+}
+
+void CaptureOverlay::setAttributeBar(QWidget *bar)
+{
+    m_attributeBar = bar;
+    bar->setParent(this);
+    layoutPanels();
+}
+
+void CaptureOverlay::moveToolbar(const QPoint &position)
+{
+    m_toolbarPos = position;
+    layoutPanels();
+    scheduleUpdate();
+}
+
+void CaptureOverlay::setTool(ToolType tool)
+{
+    m_document.setTool(tool);
+    layoutPanels();
+    updateCursor(m_pointer);
+    scheduleUpdate();
+}
+
+// --- selection -------------------------------------------------------------------------------------------------------
+
+QRectF CaptureOverlay::area() const
+{
+    // A live capture covers the display, also where rounding leaves its logical size a fraction short.
+    return m_picture.origin().isNull() ? QRectF(rect()) : m_picture.area().intersected(QRectF(rect()));
+}
+
+void CaptureOverlay::changeMode(OverlayMode mode)
+{
+    m_mode = mode;
+    if (mode != OverlayMode::Resizing)
+        m_activeHandle = kNoHit;
+}
+
+void CaptureOverlay::mousePressEvent(QMouseEvent *event)
+{
+    m_pointer = event->position();
+    m_pointerInside = true;
+    if (event->button() == Qt::LeftButton)
+        pressLeft(event->position());
+    else if (event->button() == Qt::RightButton)
+        pressRight();
+    updateCursor(m_pointer);
+    scheduleUpdate();
+}
+
+void CaptureOverlay::pressLeft(const QPointF &point)
+{
+    setFocus(Qt::MouseFocusReason);
+    m_pressPoint = point;
+    m_pressSelection = m_selection;
+    if (!hasSelection()) {
+        beginSelection(point);
+        return;
+    }
+    const int hit = hasTool() ? hitNarrow(m_selection, point) : hitBroad(m_selection, point);
+    if (hit >= 0 && hit < kInsideHit) {
+        if (hasTool())
+            m_document.cancelCreation();
+        changeMode(OverlayMode::Resizing);
+        m_activeHandle = hit;
+    } else if (hasTool()) {
+        // Beside the selection only a shape can be taken, so that a stray click does not lose the selection.
+        const QPointF inside = inPicture(point);
+        if (m_selection.contains(point) || m_document.hitAny(inside.x(), inside.y(), kHandleTolerance))
+            beginDrawing(point);
+    } else if (hit == kInsideHit) {
+        changeMode(OverlayMode::Moving);
+    } else {
+        beginSelection(point);
+    }
+}
+
+void CaptureOverlay::pressRight()
+{
+    if (hasSelection())
+        clearSelection();
+    else
+        Q_EMIT closeRequested();
+}
+
+void CaptureOverlay::beginSelection(const QPointF &point)
+{
+    clearSelection();
+    changeMode(OverlayMode::Selecting);
+    m_selection = QRectF(point, QSizeF(0, 0));
+    Q_EMIT selectionStarted();
+}
+
+void CaptureOverlay::beginDrawing(const QPointF &point)
+{
+    const QPointF inside = inPicture(point);
+    m_document.press(inside.x(), inside.y(), kHandleTolerance);
+    changeMode(OverlayMode::Drawing);
+}
+
+void CaptureOverlay::mouseMoveEvent(QMouseEvent *event)
+{
+    const QPointF point = event->position();
+    m_pointer = point;
+    m_pointerInside = true;
+    const QPointF delta = point - m_pressPoint;
+    switch (m_mode) {
+    case OverlayMode::Idle:
+        updateCursor(point);
+        updateHover(point);
+        break;
+    case OverlayMode::Selecting:
+        m_selection = bandSelection(m_pressPoint, point, area());
+        break;
+    case OverlayMode::Moving:
+        m_selection = movedSelection(m_pressSelection, delta, area());
+        break;
+    case OverlayMode::Resizing: {
+        const QRectF whole = area();
+        const QPointF clamped(std::clamp(point.x(), whole.left(), whole.right()),
+                              std::clamp(point.y(), whole.top(), whole.bottom()));
+        m_selection = resizedSelection(m_pressSelection, m_activeHandle, clamped - m_pressPoint, whole);
+        break;
+    }
+    case OverlayMode::Drawing: {
+        const QPointF from = inPicture(m_pressPoint);
+        const QPointF to = inPicture(point);
+        m_document.move(from.x(), from.y(), to.x(), to.y(), event->modifiers().testFlag(Qt::ShiftModifier));
+        break;
+    }
+    }
+    scheduleUpdate();
+}
+
+void CaptureOverlay::mouseReleaseEvent(QMouseEvent *event)
+{
+    if (event->button() != Qt::LeftButton)
+        return;
+    m_pointer = event->position();
+    switch (m_mode) {
+    case OverlayMode::Idle:
+        return;
+    case OverlayMode::Selecting:
+        endSelecting();
+        break;
+    case OverlayMode::Moving:
+    case OverlayMode::Resizing:
+        changeMode(OverlayMode::Idle);
+        if (m_selection.width() < 1 || m_selection.height() < 1)
+            m_selection = m_pressSelection;
+        layoutPanels();
+        break;
+    case OverlayMode::Drawing:
+        m_document.release();
+        changeMode(OverlayMode::Idle);
+        break;
+    }
+    updateCursor(m_pointer);
+    scheduleUpdate();
+}
+
+void CaptureOverlay::endSelecting()
+{
+    changeMode(OverlayMode::Idle);
+    if (m_selection.width() >= kSmallestBand && m_selection.height() >= kSmallestBand) {
+        if (m_pickMode)
+            finishPick();
+        else
+            layoutPanels();
+        return;
+    }
+    // A click takes what is under the pointer.
+    m_selection = {};
+    updateHover(m_pointer);
+    const QRectF hover = m_hover;
+    if (hover.isEmpty())
+        return;
+    Q_EMIT selectionStarted();
+    setSelectionRect(hover);
+    if (m_pickMode)
+        finishPick();
+}
+
+void CaptureOverlay::finishPick()
+{
+    // The first receiver may close the session; the picture is cut before that.
+    const QImage image =
+        renderSelection(m_picture.image(), m_selection.translated(-m_picture.origin()), {}, ShapeFactory::standard());
+    Q_EMIT regionRectPicked(globalSelectionRect());
+    Q_EMIT regionPicked(image);
+}
+
+void CaptureOverlay::leaveEvent(QEvent *event)
+{
+    m_pointerInside = false;
+    m_hover = {};
+    m_document.setHovered(nullptr);
+    scheduleUpdate();
+    QWidget::leaveEvent(event);
+}
+
+void CaptureOverlay::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    m_painted.everything = true;
+    setDetection(m_windows);
+    layoutPanels();
+}
+
+void CaptureOverlay::clearSelection()
+{
+    m_toolbarPos.reset();
+    m_selection = {};
+    changeMode(OverlayMode::Idle);
+    m_document.loadState(QStringLiteral("[]"), QStringLiteral("{}"), {}, 0);
+    m_document.setTool(ToolType::None);
+    layoutPanels();
+    scheduleUpdate();
+}
+
+void CaptureOverlay::setSelectionRect(const QRectF &rect)
+{
+    m_hover = {};
+    m_selection = rect.intersected(area());
+    changeMode(OverlayMode::Idle);
+    layoutPanels();
+    updateCursor(m_pointer);
+    scheduleUpdate();
+}
+
+QRect CaptureOverlay::globalSelectionRect() const
+{
+    return m_selection.toAlignedRect().translated(m_display.geometry.topLeft());
+}
+
+void CaptureOverlay::updateHover(const QPointF &point)
+{
+    m_hover = {};
+    m_document.setHovered(nullptr);
+    if (hasSelection()) {
+        if (hasTool()) {
+            const QPointF inside = inPicture(point);
+            m_document.setHovered(m_document.pickAt(inside.x(), inside.y()));
+        }
+        return;
+    }
+    if (hasTool() || !m_config.autoDetectWindow)
+        return;
+    m_hover = m_hoverFinder ? m_hoverFinder->rectAt(point) : m_windowFinder->rectAt(point);
+}
+
+void CaptureOverlay::updateCursor(const QPointF &point)
+{
+    Qt::CursorShape shape = Qt::CrossCursor;
+    if (m_mode == OverlayMode::Moving)
+        shape = Qt::ClosedHandCursor;
+    else if (m_mode == OverlayMode::Resizing)
+        shape = cursorOfHit(m_activeHandle);
+    else if (m_mode == OverlayMode::Idle && hasSelection())
+        shape = cursorOfHit(hasTool() ? hitNarrow(m_selection, point) : hitBroad(m_selection, point));
+    if (cursor().shape() != shape)
+        setCursor(shape);
+}
+
+void CaptureOverlay::layoutPanels()
+{
+    const bool showsToolbar = m_toolbar && !m_pickMode && hasSelection() && m_mode != OverlayMode::Selecting;
+    const bool showsBar = showsToolbar && m_attributeBar && hasTool();
+    if (showsToolbar) {
+        m_toolbar->adjustSize();
+        if (m_attributeBar)
+            m_attributeBar->adjustSize();
+        const PanelPlacement place = placePanels(m_selection, size(), m_toolbar->size(),
+                                                 showsBar ? m_attributeBar->size() : QSize(), m_toolbarPos);
+        if (m_toolbarPos)
+            m_toolbarPos = place.toolbar;
+        m_toolbar->move(place.toolbar);
+        if (showsBar)
+            m_attributeBar->move(place.attributeBar);
+    }
+    if (m_toolbar)
+        m_toolbar->setVisible(showsToolbar);
+    if (m_attributeBar)
+        m_attributeBar->setVisible(showsBar);
+}
+
+// --- results ---------------------------------------------------------------------------------------------------------
+
+std::optional<platform::WindowInfo> CaptureOverlay::windowUnderSelection() const
+{
+    if (!hasSelection())
+        return {};
+    const platform::WindowInfo *window = m_windowFinder->windowAt(m_selection.center());
+    return window ? std::optional(*window) : std::nullopt;
+}
+
+QImage CaptureOverlay::renderedSelection() const
+{
+    if (!hasSelection())
+        return {};
+    return renderSelection(m_picture.image(), m_selection.translated(-m_picture.origin()), m_document.shapesJson(),
+                           ShapeFactory::standard());
+}
+
+void CaptureOverlay::requestCopy()
+{
+    const QImage image = renderedSelection();
+    if (!image.isNull())
+        Q_EMIT copyRequested(image);
+}
+
+void CaptureOverlay::requestSave()
+{
+    const QImage image = renderedSelection();
+    if (!image.isNull())
+        Q_EMIT saveRequested(image);
+}
+
+void CaptureOverlay::requestPin()
+{
+    const QImage image = renderedSelection();
+    if (!image.isNull())
+        Q_EMIT pinRequested(image, globalSelectionRect());
+}
+
+OverlaySnapshot CaptureOverlay::snapshot() const
+{
+    return {.image = m_picture.image(),
+            .selection = m_selection.isEmpty() ? QRectF() : m_selection.translated(-m_picture.origin()),
+            .shapesJson = m_document.shapesJson(),
+            .countersJson = m_document.countersJson(),
+            .undoStack = m_document.undoStack(),
+            .undoIndex = m_document.undoIndex(),
+            .windows = m_windows};
+}
+
+void CaptureOverlay::loadSnapshot(const OverlaySnapshot &snapshot)
+{
+    if (snapshot.image.isNull())
+        return;
+    m_hover = {};
+    const double ratio = snapshot.image.devicePixelRatio();
+    const QSizeF logical = QSizeF(snapshot.image.size()) / ratio;
+    const bool covers = std::abs(logical.width() - width()) < 1 && std::abs(logical.height() - height()) < 1;
+    m_picture = OverlayPicture(snapshot.image,
+                               covers ? QPointF() : centredOrigin(logical, QSizeF(size()), devicePixelRatioF()));
+    setDetection(snapshot.windows);
+    m_document.loadState(snapshot.shapesJson, snapshot.countersJson, snapshot.undoStack, snapshot.undoIndex);
+    m_document.setTool(ToolType::None);
+    changeMode(OverlayMode::Idle);
+    m_selection =
+        snapshot.selection.isEmpty() ? QRectF() : snapshot.selection.translated(m_picture.origin()).intersected(area());
+    m_painted.everything = true;
+    layoutPanels();
+    scheduleUpdate();
+}
+
+void CaptureOverlay::showToast(const QString &text)
+{
+    m_toast = text;
+    m_toastTimer.start();
+    scheduleUpdate();
+}
+
+} // namespace tavrel::ui

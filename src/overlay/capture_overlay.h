@@ -1,0 +1,180 @@
+#pragma once
+
+#include "annotate/shape_document.h"
+#include "overlay/hover_finder.h"
+#include "overlay/magnifier.h"
+#include "overlay/overlay_hints.h"
+#include "overlay/overlay_mode.h"
+#include "overlay/overlay_picture.h"
+#include "overlay/overlay_snapshot.h"
+#include "overlay/painted_regions.h"
+#include "platform/element_detector.h"
+#include "platform/screen_capturer.h"
+#include "record/record_request.h"
+#include "settings/settings_config.h"
+
+#include <QPointer>
+#include <QTimer>
+#include <QWidget>
+
+#include <memory>
+#include <optional>
+
+namespace tavrel::platform {
+class IWindowController;
+}
+
+namespace tavrel::ui {
+
+/// Stands over one display from the end of the grab until a result leaves it: selection, keys, annotations.
+///
+/// It never saves or copies by itself: it renders the result and raises a signal. One overlay serves one display at one
+/// pixel ratio; all coordinates are its own logical pixels. Parts of the picture are repainted only where they change.
+/// The overlay does not close itself: its owner hides and deletes it.
+///
+/// Panels are optional: those that are set are shown, placed and hidden with the selection. GUI thread only.
+class CaptureOverlay final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    CaptureOverlay(const platform::CapturedDisplay &display, const SettingsConfig &config, QWidget *parent = nullptr);
+    ~CaptureOverlay() override;
+
+    void setConfig(const SettingsConfig &config);
+    void setWindowController(std::shared_ptr<platform::IWindowController> controller);
+    /// Takes the top-level windows, top-most first, that a click may take.
+    void setDetection(const QList<platform::WindowInfo> &windows);
+    /// In place of the windows; null goes back to them.
+    void setHoverFinder(std::unique_ptr<IHoverFinder> finder);
+    /// The selection itself becomes the result: no panels, the release of the button ends it.
+    void setPickMode(bool pick);
+    void setRecordPrefs(const record::RecordPrefs &prefs) { m_recordPrefs = prefs; }
+    [[nodiscard]] const record::RecordPrefs &recordPrefs() const { return m_recordPrefs; }
+
+    /// Panels of the selection; the overlay becomes their parent. The toolbar shows with every selection, the attribute
+    /// bar only while a tool is active.
+    void setToolbar(QWidget *toolbar);
+    void setAttributeBar(QWidget *bar);
+    void moveToolbar(const QPoint &position);
+    void setTool(ToolType tool);
+
+    void clearSelection();
+    void setSelectionRect(const QRectF &rect);
+    [[nodiscard]] QRectF selection() const { return m_selection; }
+    [[nodiscard]] bool hasSelection() const { return !m_selection.isEmpty(); }
+    [[nodiscard]] QRect globalSelectionRect() const;
+    [[nodiscard]] OverlayMode mode() const { return m_mode; }
+    [[nodiscard]] QRectF hoverRect() const { return m_hover; }
+    [[nodiscard]] ShapeDocument &document() { return m_document; }
+    /// The window under the middle of the selection.
+    [[nodiscard]] std::optional<platform::WindowInfo> windowUnderSelection() const;
+
+    [[nodiscard]] OverlaySnapshot snapshot() const;
+    /// Takes up a stored capture; one of another size lies in the middle. A snapshot without a picture is ignored.
+    void loadSnapshot(const OverlaySnapshot &snapshot);
+
+    /// Shows a message for two seconds.
+    void showToast(const QString &text);
+
+Q_SIGNALS:
+    void selectionStarted();
+    void copyRequested(const QImage &image);
+    void saveRequested(const QImage &image);
+    void pinRequested(const QImage &image, const QRect &globalRect);
+    void cloudRequested(const QImage &image);
+    void closeRequested();
+    void colorCopied(const QString &text);
+    void historyNavigate(int delta); ///< -1 previous, 1 next
+    void editRequested(const QImage &image);
+    void regionPicked(const QImage &image);
+    void regionRectPicked(const QRect &rect);
+    void longCaptureStarted();
+    void longCaptureFinished();
+    void recordRequested(const tavrel::record::RecordRequest &request);
+    void recordPrefsChanged(const tavrel::record::RecordPrefs &prefs);
+    void recordMicRequested(bool on);
+    void recordCameraRequested(bool on);
+    void toolbarConfigChanged(const QString &json);
+    void toolGuideDismissed();
+    void markerSnapChanged(bool on);
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void leaveEvent(QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    // selection
+    void pressLeft(const QPointF &point);
+    void pressRight();
+    void beginSelection(const QPointF &point);
+    void beginDrawing(const QPointF &point);
+    void endSelecting();
+    void finishPick();
+    void changeMode(OverlayMode mode);
+    /// What a selection may cover: the picture, in overlay coordinates.
+    [[nodiscard]] QRectF area() const;
+    [[nodiscard]] QPointF inPicture(const QPointF &point) const { return point - m_picture.origin(); }
+    [[nodiscard]] bool hasTool() const { return m_document.tool() != ToolType::None; }
+    void updateHover(const QPointF &point);
+    void updateCursor(const QPointF &point);
+    void layoutPanels();
+    [[nodiscard]] QImage renderedSelection() const;
+    void requestCopy();
+    void requestSave();
+    void requestPin();
+
+    // keys
+    bool handleBinding(const KeyCombo &combo);
+    bool handleEditKey(const KeyCombo &combo);
+    bool handlePlainKey(const KeyCombo &combo, int key);
+    void copyColor();
+
+    // painting
+    void scheduleUpdate();
+    [[nodiscard]] PaintedRegions regionsNow() const;
+    [[nodiscard]] QString sizeText() const;
+    [[nodiscard]] bool showsMagnifier() const;
+    [[nodiscard]] MagnifierLook magnifierLook() const;
+    [[nodiscard]] QRectF hintBox() const;
+    void rebuildHints();
+    void paintSelection(QPainter &painter) const;
+    void paintHover(QPainter &painter) const;
+
+    platform::DisplayInfo m_display;
+    SettingsConfig m_config;
+    OverlayPicture m_picture;
+    ShapeDocument m_document;
+    QList<platform::WindowInfo> m_windows;
+    std::unique_ptr<WindowHoverFinder> m_windowFinder;
+    std::unique_ptr<IHoverFinder> m_hoverFinder;
+    std::shared_ptr<platform::IWindowController> m_windowController;
+    record::RecordPrefs m_recordPrefs;
+    QPointer<QWidget> m_toolbar;
+    QPointer<QWidget> m_attributeBar;
+    std::optional<QPoint> m_toolbarPos;
+
+    QRectF m_selection;
+    OverlayMode m_mode = OverlayMode::Idle;
+    int m_activeHandle = -1;
+    QPointF m_pressPoint;
+    QRectF m_pressSelection;
+    QPointF m_pointer;
+    bool m_pointerInside = false;
+    bool m_pickMode = false;
+    QRectF m_hover;
+    QString m_colorFormat;
+
+    QString m_toast;
+    QTimer m_toastTimer;
+    HintCard m_hints;
+    int m_hintKey = -1;
+    PaintedRegions m_painted;
+};
+
+} // namespace tavrel::ui

@@ -1,0 +1,144 @@
+// What the overlay shows, and which part of it has to be painted anew.
+#include "overlay/capture_overlay.h"
+
+#include "annotate/selection_marks.h"
+#include "overlay/overlay_marks.h"
+#include "overlay/selection_geometry.h"
+
+#include <QPaintEvent>
+#include <QPainter>
+#include <QScreen>
+
+namespace tavrel::ui {
+namespace {
+
+QRectF grown(const QRectF &rect, double by)
+{
+    return rect.isNull() ? QRectF() : rect.adjusted(-by, -by, by, by);
+}
+
+} // namespace
+
+void CaptureOverlay::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    if (!m_picture.area().contains(QRectF(rect())))
+        painter.fillRect(rect(), Qt::black);
+    m_picture.paintDimmed(painter, devicePixelRatioF());
+
+    if (hasSelection())
+        paintSelection(painter);
+    else if (m_mode != OverlayMode::Selecting)
+        paintHover(painter);
+
+    const PaintedRegions now = regionsNow();
+    if (!now.hint.isNull())
+        m_hints.paint(painter, now.hint.adjusted(4, 4, -4, -4).topLeft());
+    if (!now.magnifier.isNull())
+        paintMagnifier(painter, now.magnifier.adjusted(3, 3, -3, -3), m_picture, m_pointer, magnifierLook());
+    if (!m_toast.isEmpty())
+        paintToast(painter, toastBox(m_toast, QSizeF(size())), m_toast);
+    m_painted = now;
+}
+
+void CaptureOverlay::paintSelection(QPainter &painter) const
+{
+    m_picture.paintClear(painter, m_selection, devicePixelRatioF());
+
+    painter.save();
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+    painter.translate(m_picture.origin());
+    ShapeRenderContext context;
+    context.backdrop = &m_picture.image();
+    context.canvasBounds = m_selection.translated(-m_picture.origin());
+    context.contentClip = context.canvasBounds;
+    m_document.paint(painter, context);
+    painter.restore();
+
+    paintSelectionMarks(painter, m_selection, 1.0);
+    const QString text = sizeText();
+    paintSizeLabel(painter, sizeLabelBox(m_selection, text), text);
+}
+
+void CaptureOverlay::paintHover(QPainter &painter) const
+{
+    if (m_hover.isEmpty())
+        return;
+    m_picture.paintClear(painter, m_hover, devicePixelRatioF());
+    paintRectOutline(painter, m_hover, 1.0);
+}
+
+QString CaptureOverlay::sizeText() const
+{
+    return sizeLabelText(
+        cropRect(m_selection.translated(-m_picture.origin()), m_picture.ratio(), m_picture.image().size()).size());
+}
+
+bool CaptureOverlay::showsMagnifier() const
+{
+    return magnifierLook().isShown() && m_mode != OverlayMode::Drawing && !hasTool() && m_pointerInside &&
+           m_picture.hasPixelAt(m_pointer);
+}
+
+MagnifierLook CaptureOverlay::magnifierLook() const
+{
+    return {.lens = m_config.showMagnifier, .colors = m_config.showColorPicker, .colorFormat = m_colorFormat};
+}
+
+void CaptureOverlay::rebuildHints()
+{
+    const int key = static_cast<int>(m_document.tool()) * 4;
+    if (key == m_hintKey)
+        return;
+    m_hintKey = key;
+    m_hints = HintCard(hintRows(m_document.tool(), m_document.attributes().markerRectMode, m_config.builtin));
+}
+
+QRectF CaptureOverlay::hintBox() const
+{
+    if (!m_config.showOperationTips || m_hints.isEmpty())
+        return {};
+    const QScreen *display = screen();
+    const double inset = display ? display->geometry().bottom() - display->availableGeometry().bottom() : 0;
+    const QRectF box = m_hints.place(height(), inset);
+    const QRectF reach = grown(box, 8);
+    const auto isCovered = [&reach](const QRectF &other) { return !other.isEmpty() && reach.intersects(other); };
+    const auto isPanelOver = [&](const QWidget *panel) {
+        return panel && panel->isVisible() && isCovered(QRectF(panel->geometry()));
+    };
+    if (box.top() < 0 || isCovered(m_selection) || isCovered(m_hover) || isPanelOver(m_toolbar) ||
+        isPanelOver(m_attributeBar))
+        return {};
+    return box;
+}
+
+PaintedRegions CaptureOverlay::regionsNow() const
+{
+    PaintedRegions now;
+    now.everything = false;
+    if (hasSelection()) {
+        now.selectionBox = grown(m_selection, 16);
+        if (m_mode == OverlayMode::Selecting || m_mode == OverlayMode::Moving || m_mode == OverlayMode::Resizing)
+            now.selectionRect = m_selection;
+        now.sizeLabel = grown(sizeLabelBox(m_selection, sizeText()), 4);
+        const QRectF shapes = m_document.boundsPadded();
+        now.shapes = shapes.isNull() ? QRectF() : shapes.translated(m_picture.origin());
+    } else if (m_mode != OverlayMode::Selecting) {
+        now.hover = grown(m_hover, 4);
+    }
+    now.hint = grown(hintBox(), 4);
+    now.hintKey = m_hintKey;
+    if (showsMagnifier())
+        now.magnifier = grown(magnifierBox(m_pointer, magnifierLook(), QSizeF(size())), 3);
+    if (!m_toast.isEmpty())
+        now.toast = grown(toastBox(m_toast, QSizeF(size())), 4);
+    return now;
+}
+
+void CaptureOverlay::scheduleUpdate()
+{
+    rebuildHints();
+    update(dirtyRegion(m_painted, regionsNow(), rect()));
+}
+
+} // namespace tavrel::ui

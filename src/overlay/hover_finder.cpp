@@ -1,0 +1,27 @@
+#include "overlay/hover_finder.h"
+
+#include <algorithm>
+
+namespace tavrel::ui {
+
+WindowHoverFinder::WindowHoverFinder(QList<platform::WindowInfo> windows, const QPoint &origin, const QRectF &area)
+    : m_windows(std::move(windows)),
+      m_origin(origin),
+      m_area(area)
+{}
+
+const platform::WindowInfo *WindowHoverFinder::windowAt(const QPointF &point) const
+{
+    const QPointF global = point + m_origin;
+    const auto found = std::find_if(m_windows.begin(), m_windows.end(),
+                                    [&global](const auto &window) { return window.geometry.contains(global); });
+    return found == m_windows.end() ? nullptr : &*found;
+}
+
+QRectF WindowHoverFinder::rectAt(const QPointF &point) const
+{
+    const platform::WindowInfo *window = windowAt(point);
+    return window ? window->geometry.translated(-m_origin).intersected(m_area) : QRectF();
+}
+
+} // namespace tavrel::ui

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "platform/element_detector.h"
+
+#include <QList>
+#include <QPoint>
+#include <QPointF>
+#include <QRectF>
+
+namespace tavrel::ui {
+
+/// Says what a click without a drag takes.
+class IHoverFinder
+{
+public:
+    IHoverFinder() = default;
+    IHoverFinder(const IHoverFinder &) = delete;
+    IHoverFinder &operator=(const IHoverFinder &) = delete;
+    virtual ~IHoverFinder() = default;
+
+    /// The rectangle under a point, both in overlay coordinates; empty for none.
+    [[nodiscard]] virtual QRectF rectAt(const QPointF &point) const = 0;
+};
+
+/// Takes the top-most window under the pointer, cut to the overlay.
+class WindowHoverFinder final : public IHoverFinder
+{
+public:
+    /// windows  top-most first, global coordinates
+    /// origin   top-left corner of the display in global coordinates
+    /// area     of the overlay, in its own coordinates
+    WindowHoverFinder(QList<platform::WindowInfo> windows, const QPoint &origin, const QRectF &area);
+
+    [[nodiscard]] QRectF rectAt(const QPointF &point) const override;
+    /// The top-most window at a point of overlay coordinates, null for none.
+    [[nodiscard]] const platform::WindowInfo *windowAt(const QPointF &point) const;
+
+private:
+    QList<platform::WindowInfo> m_windows;
+    QPointF m_origin;
+    QRectF m_area;
+};
+
+} // namespace tavrel::ui

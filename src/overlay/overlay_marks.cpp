@@ -1,0 +1,85 @@
+#include "overlay/overlay_marks.h"
+
+#include "annotate/selection_marks.h"
+
+#include <QFontMetricsF>
+#include <QGuiApplication>
+#include <QPainter>
+
+#include <algorithm>
+
+namespace tavrel::ui {
+namespace {
+
+QFont labelFont()
+{
+    QFont font = QGuiApplication::font();
+    font.setPixelSize(12);
+    return font;
+}
+
+QFont toastFont()
+{
+    QFont font = QGuiApplication::font();
+    font.setPixelSize(14);
+    return font;
+}
+
+} // namespace
+
+void paintSelectionMarks(QPainter &painter, const QRectF &selection, double handleScale)
+{
+    const double side = std::min(selection.width(), selection.height());
+    paintCornerBrackets(painter, selection, std::max(std::min(0.4 * side, 12.0 * handleScale), 5.0), 5.0, handleScale);
+    paintEdgeTicks(painter, selection, std::max(std::min(0.6 * side, 21.0), 6.0), 4.0, handleScale);
+}
+
+QString sizeLabelText(const QSize &pixels)
+{
+    return QStringLiteral("%1 × %2").arg(pixels.width()).arg(pixels.height());
+}
+
+QRectF sizeLabelBox(const QRectF &selection, const QString &text)
+{
+    const QFontMetricsF metrics(labelFont());
+    const QSizeF size(metrics.horizontalAdvance(text) + 10, metrics.height() + 6);
+    double top = selection.top() - size.height() - 5;
+    if (top < 0)
+        top = selection.top() + 5;
+    return {QPointF(std::max(selection.left(), 0.0), top), size};
+}
+
+void paintSizeLabel(QPainter &painter, const QRectF &box, const QString &text)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(QColor(0, 0, 0, 153));
+    painter.drawRoundedRect(box, 4, 4);
+    painter.setPen(Qt::white);
+    painter.setFont(labelFont());
+    painter.drawText(box, Qt::AlignCenter, text);
+    painter.restore();
+}
+
+QRectF toastBox(const QString &text, const QSizeF &overlay)
+{
+    const QFontMetricsF metrics(toastFont());
+    const QSizeF size(metrics.horizontalAdvance(text) + 32, metrics.height() + 18);
+    return {QPointF((overlay.width() - size.width()) / 2, overlay.height() * 0.12), size};
+}
+
+void paintToast(QPainter &painter, const QRectF &box, const QString &text)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(QColor(0, 0, 0, 170));
+    painter.drawRoundedRect(box, 10, 10);
+    painter.setPen(QColor(255, 255, 255, 235));
+    painter.setFont(toastFont());
+    painter.drawText(box, Qt::AlignCenter, text);
+    painter.restore();
+}
+
+} // namespace tavrel::ui

@@ -1,0 +1,54 @@
+#include "overlay/painted_regions.h"
+
+namespace tavrel::ui {
+namespace {
+
+constexpr int kGrow = 2;
+constexpr int kFrame = 18; ///< how far the marks of a selection reach to either side of its edge
+
+QRect grown(const QRectF &rect, int by)
+{
+    return rect.isNull() ? QRect() : rect.toAlignedRect().adjusted(-by, -by, by, by);
+}
+
+QRegion frameOf(const QRectF &rect)
+{
+    const QRect outer = grown(rect, kFrame);
+    const QRect inner = rect.toAlignedRect().adjusted(kFrame, kFrame, -kFrame, -kFrame);
+    return inner.isValid() ? QRegion(outer).subtracted(inner) : QRegion(outer);
+}
+
+} // namespace
+
+QRegion dirtyRegion(const PaintedRegions &before, const PaintedRegions &now, const QRect &overlay)
+{
+    if (before.everything || now.everything)
+        return overlay;
+    QRegion dirty;
+    const auto add = [&dirty](const QRectF &rect) {
+        const QRect area = grown(rect, kGrow);
+        if (!area.isEmpty())
+            dirty += area;
+    };
+    const auto addBoth = [&](QRectF PaintedRegions::*part) {
+        add(before.*part);
+        add(now.*part);
+    };
+    addBoth(&PaintedRegions::shapes);
+    if (before.selectionRect.isNull() || now.selectionRect.isNull()) {
+        addBoth(&PaintedRegions::selectionBox);
+    } else {
+        dirty += frameOf(before.selectionRect);
+        dirty += frameOf(now.selectionRect);
+        dirty += QRegion(grown(before.selectionRect, 1)).xored(grown(now.selectionRect, 1));
+    }
+    addBoth(&PaintedRegions::sizeLabel);
+    addBoth(&PaintedRegions::hover);
+    addBoth(&PaintedRegions::magnifier);
+    addBoth(&PaintedRegions::toast);
+    if (before.hint != now.hint || before.hintKey != now.hintKey)
+        addBoth(&PaintedRegions::hint);
+    return dirty.intersected(overlay);
+}
+
+} // namespace tavrel::ui

@@ -1,0 +1,293 @@
+#include "ui/dialog_card.h"
+
+#include "ui/paint_helpers.h"
+
+#include <QAccessible>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPainter>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace tavrel::ui::dialogs {
+namespace {
+
+constexpr int kBadgeSide = 28;
+constexpr int kTextWidth = 320; ///< texts wrap here; the card is this wide and its margins
+
+QString css(const QColor &color)
+{
+    return QStringLiteral("rgba(%1, %2, %3, %4)")
+        .arg(color.red())
+        .arg(color.green())
+        .arg(color.blue())
+        .arg(color.alpha());
+}
+
+QString cardStyle(const Theme &theme)
+{
+    return QStringLiteral(
+               "QWidget#dlgHead, QWidget#dlgBody, QLabel#dlgIcon { background: transparent; }"
+               "QLabel#dlgTitle { color: %1; font-size: 15px; font-weight: 600; background: transparent; }"
+               "QLabel#dlgText { color: %2; font-size: 13px; background: transparent; }"
+               "QLineEdit { color: %1; background: %3; border: 1px solid %4; border-radius: 8px; padding: 6px 9px; "
+               "font-size: 13px; selection-background-color: %5; }"
+               "QLineEdit:focus { border: 1px solid %5; }")
+        .arg(css(theme.primaryText()), css(theme.secondaryText()), css(theme.fieldSurface()), css(theme.fieldBorder()),
+             css(theme.accent()));
+}
+
+/// Filled in the accent or in red, plain for cancel; the border shows the keyboard's place.
+QString buttonStyle(const Theme &theme, ButtonSpec::Role role)
+{
+    const QColor fill = role == ButtonSpec::Primary       ? theme.accent()
+                        : role == ButtonSpec::Destructive ? destructiveRed
+                                                          : theme.fieldFill();
+    const bool plain = role == ButtonSpec::Cancel;
+    const QColor hover = plain ? theme.hoverFill() : fill.lighter(112);
+    const QColor pressed = plain ? theme.strongBorder() : fill.darker(115);
+    const QColor ring = plain ? theme.accent() : theme.primaryText();
+    return QStringLiteral("QPushButton { color: %1; background: %2; border: 2px solid transparent; border-radius: 8px; "
+                          "padding: 5px 14px; font-size: 13px; min-width: 52px; }"
+                          "QPushButton:hover { background: %3; }"
+                          "QPushButton:pressed { background: %4; }"
+                          "QPushButton:focus { border: 2px solid %5; }")
+        .arg(plain ? css(theme.primaryText()) : QStringLiteral("white"), css(fill), css(hover), css(pressed),
+             css(ring));
+}
+
+QColor badgeColor(Icon icon)
+{
+    switch (icon) {
+    case Icon::Warning:
+        return {255, 149, 0};
+    case Icon::Error:
+        return destructiveRed;
+    default:
+        return selectionBlue;
+    }
+}
+
+QString badgeLetter(Icon icon)
+{
+    switch (icon) {
+    case Icon::Information:
+        return QStringLiteral("i");
+    case Icon::Question:
+        return QStringLiteral("?");
+    default:
+        return QStringLiteral("!");
+    }
+}
+
+} // namespace
+
+IconBadge::IconBadge(QWidget *parent) : QWidget(parent)
+{
+    setFixedSize(kBadgeSide, kBadgeSide);
+}
+
+void IconBadge::setIcon(Icon icon)
+{
+    m_icon = icon;
+    setVisible(icon != Icon::None);
+    update();
+}
+
+QSize IconBadge::sizeHint() const
+{
+    return {kBadgeSide, kBadgeSide};
+}
+
+void IconBadge::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(badgeColor(m_icon));
+    painter.drawEllipse(QRectF(rect()).adjusted(1, 1, -1, -1));
+    QFont letter = font();
+    letter.setPixelSize(17);
+    letter.setBold(true);
+    painter.setFont(letter);
+    painter.setPen(Qt::white);
+    painter.drawText(rect(), Qt::AlignCenter, badgeLetter(m_icon));
+}
+
+DialogCard::DialogCard(const Theme &theme, QWidget *parent)
+    : QWidget(parent),
+      m_theme(theme),
+      m_head(new QWidget(this)),
+      m_icon(new IconBadge(m_head)),
+      m_title(new QLabel(m_head)),
+      m_text(new QLabel(m_head)),
+      m_body(new QWidget(this)),
+      m_bodyLayout(new QVBoxLayout(m_body)),
+      m_buttonRow(new QHBoxLayout)
+{
+    setObjectName(QStringLiteral("dialogCard"));
+    m_head->setObjectName(QStringLiteral("dlgHead"));
+    m_icon->setObjectName(QStringLiteral("dlgIcon"));
+    m_title->setObjectName(QStringLiteral("dlgTitle"));
+    m_text->setObjectName(QStringLiteral("dlgText"));
+    m_body->setObjectName(QStringLiteral("dlgBody"));
+    setStyleSheet(cardStyle(theme));
+    setFocusPolicy(Qt::StrongFocus);
+    for (QLabel *label : {m_title, m_text}) {
+        label->setWordWrap(true);
+        label->setFixedWidth(kTextWidth);
+        label->setTextFormat(Qt::PlainText);
+    }
+    m_text->setTextInteractionFlags(Qt::TextSelectableByMouse);
+
+    auto *texts = new QVBoxLayout;
+    texts->setSpacing(6);
+    texts->addWidget(m_title);
+    texts->addWidget(m_text);
+    auto *head = new QHBoxLayout(m_head);
+    head->setContentsMargins(0, 0, 0, 0);
+    head->setSpacing(12);
+    head->addWidget(m_icon, 0, Qt::AlignTop);
+    head->addLayout(texts);
+
+    m_bodyLayout->setContentsMargins(0, 0, 0, 0);
+    m_buttonRow->setSpacing(8);
+    auto *all = new QVBoxLayout(this);
+    all->setContentsMargins(22, 20, 22, 18);
+    all->setSpacing(16);
+    all->addWidget(m_head);
+    all->addWidget(m_body);
+    all->addLayout(m_buttonRow);
+    m_icon->hide();
+    m_body->hide();
+    updateHead();
+}
+
+void DialogCard::setIcon(Icon icon)
+{
+    m_icon->setIcon(icon);
+    updateHead();
+}
+
+void DialogCard::setTitle(const QString &title)
+{
+    m_title->setText(title);
+    setAccessibleName(title);
+    updateHead();
+}
+
+void DialogCard::setText(const QString &text)
+{
+    m_text->setText(text);
+    setAccessibleDescription(text);
+    updateHead();
+}
+
+void DialogCard::updateHead()
+{
+    const bool hasTitle = !m_title->text().isEmpty();
+    const bool hasText = !m_text->text().isEmpty();
+    m_title->setVisible(hasTitle);
+    m_text->setVisible(hasText);
+    m_head->setVisible(hasTitle || hasText || !m_icon->isHidden());
+}
+
+void DialogCard::setContent(QWidget *content)
+{
+    m_bodyLayout->addWidget(content);
+    m_body->show();
+}
+
+void DialogCard::setButtons(const QList<ButtonSpec> &buttons)
+{
+    while (QLayoutItem *item = m_buttonRow->takeAt(0))
+        delete item;
+    for (QPushButton *old : std::as_const(m_buttonWidgets)) {
+        old->hide();
+        old->deleteLater();
+    }
+    m_buttonWidgets.clear();
+    m_buttons = buttons;
+    m_buttonRow->addStretch(1);
+    for (const ButtonSpec &spec : buttons) {
+        auto *button = new QPushButton(spec.text, this);
+        button->setAutoDefault(false);
+        button->setStyleSheet(buttonStyle(m_theme, spec.role));
+        button->setAccessibleName(spec.text);
+        connect(button, &QPushButton::clicked, this, [this, id = spec.id] { finish(id); });
+        m_buttonRow->addWidget(button);
+        m_buttonWidgets.append(button);
+    }
+}
+
+void DialogCard::takeFocus()
+{
+    if (auto *field = m_body->findChild<QLineEdit *>()) {
+        field->setFocus(Qt::ActiveWindowFocusReason);
+        field->selectAll();
+        return;
+    }
+    for (qsizetype i = 0; i < m_buttons.size(); ++i) {
+        if (m_buttons[i].isDefault) {
+            m_buttonWidgets[i]->setFocus(Qt::ActiveWindowFocusReason);
+            return;
+        }
+    }
+    setFocus(Qt::ActiveWindowFocusReason);
+}
+
+void DialogCard::finish(int id)
+{
+    if (std::exchange(m_finished, true))
+        return;
+    Q_EMIT finished(id);
+}
+
+const ButtonSpec *DialogCard::defaultButton() const
+{
+    const auto found = std::find_if(m_buttons.begin(), m_buttons.end(), [](const auto &b) { return b.isDefault; });
+    return found == m_buttons.end() ? nullptr : &*found;
+}
+
+const ButtonSpec *DialogCard::escapeButton() const
+{
+    const auto found =
+        std::find_if(m_buttons.begin(), m_buttons.end(), [](const auto &b) { return b.role == ButtonSpec::Cancel; });
+    if (found != m_buttons.end())
+        return &*found;
+    return m_buttons.size() == 1 ? &m_buttons.first() : nullptr;
+}
+
+void DialogCard::keyPressEvent(QKeyEvent *event)
+{
+    event->accept();
+    const ButtonSpec *button = nullptr;
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        // A focused button is what the user sees as chosen; it wins over the default.
+        for (qsizetype i = 0; i < m_buttonWidgets.size(); ++i) {
+            if (m_buttonWidgets[i]->hasFocus())
+                button = &m_buttons[i];
+        }
+        if (!button)
+            button = defaultButton();
+    } else if (event->key() == Qt::Key_Escape) {
+        button = escapeButton();
+    }
+    if (button)
+        finish(button->id);
+}
+
+void DialogCard::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(m_theme.cardBorder(), 0.5));
+    painter.setBrush(m_theme.cardSurface());
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.25, 0.25, -0.25, -0.25), 14, 14);
+}
+
+} // namespace tavrel::ui::dialogs

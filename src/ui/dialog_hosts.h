@@ -1,0 +1,80 @@
+#pragma once
+
+#include "ui/dialog_card.h"
+
+#include <QHash>
+#include <QList>
+#include <QObject>
+#include <QPointer>
+#include <QWidget>
+
+#include <functional>
+
+namespace tavrel::ui::dialogs {
+
+/// A top-level window around a card, for when no window of the program is there to hold it.
+class FloatingDialog final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// Takes the card.
+    explicit FloatingDialog(DialogCard *card);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    void fitToCard();
+
+    DialogCard *m_card;
+};
+
+/// Covers a window and shows a card on it.
+class DialogSheet final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// Takes the card; the sheet is a child of `window`.
+    DialogSheet(QWidget *window, DialogCard *card);
+
+    [[nodiscard]] DialogCard *card() const { return m_card; }
+    /// Where a card of this size goes on a sheet of that size: in the middle, above the centre, 20 from the top at
+    /// least.
+    [[nodiscard]] static QPoint cardPosition(const QSize &sheet, const QSize &card);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+
+private:
+    void follow();
+
+    DialogCard *m_card;
+};
+
+/// Lets the sheets of one window show one after the other.
+class SheetQueue final : public QObject
+{
+    Q_OBJECT
+
+public:
+    static SheetQueue &instance();
+
+    /// Shows the card on the window as soon as the sheets before it have ended.
+    void enqueue(QWidget *window, DialogCard *card);
+    [[nodiscard]] int openCount() const;
+
+private:
+    void showNext(QWidget *window);
+
+    QHash<QWidget *, QList<QPointer<DialogSheet>>> m_sheets;
+};
+
+} // namespace tavrel::ui::dialogs
