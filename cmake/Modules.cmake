@@ -96,7 +96,7 @@ function(tavrel_test folder name)
   endif()
   set(common LANG=C.UTF-8 LC_ALL=C.UTF-8 TZ=UTC QT_HASH_SEED=0 QT_SCALE_FACTOR= QT_LOGGING_RULES=
       "ASAN_OPTIONS=detect_leaks=0" "UBSAN_OPTIONS=print_stacktrace=1"
-      "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/tsan.supp" ${T_ENVIRONMENT})
+      "TSAN_OPTIONS=die_after_fork=0 suppressions=${PROJECT_SOURCE_DIR}/tests/support/tsan.supp" ${T_ENVIRONMENT})
   if(T_LIVE)
     if(NOT T_SCREEN)
       set(T_SCREEN 1920x1080)
