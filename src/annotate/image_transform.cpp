@@ -15,4 +15,9 @@ QPointF ImageTransform::map(const QPointF &point) const
     return point;
 }
 
+QRectF ImageTransform::mapBox(const QRectF &box) const
+{
+    return QRectF(map(box.topLeft()), map(box.bottomRight())).normalized();
+}
+
 } // namespace tavrel

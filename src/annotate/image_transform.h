@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QPointF>
+#include <QRectF>
 
 namespace tavrel {
 
@@ -14,6 +15,8 @@ struct ImageTransform
     double extent = 0;
 
     [[nodiscard]] QPointF map(const QPointF &point) const;
+    /// Maps two opposite corners; normalised.
+    [[nodiscard]] QRectF mapBox(const QRectF &box) const;
     /// Whether width and height of what lies in the picture change places.
     [[nodiscard]] bool swapsAxes() const { return kind != Kind::FlipHorizontal; }
 };
