@@ -1,8 +1,10 @@
 #include "annotate/base_shape.h"
 
 #include "annotate/selection_marks.h"
+#include "annotate/stored_number.h"
 #include "base/json_read.h"
 
+#include <QJsonDocument>
 #include <QRandomGenerator>
 
 #include <algorithm>
@@ -11,7 +13,7 @@
 namespace tavrel {
 namespace {
 
-constexpr double kLargestLength = 1'000'000;
+constexpr double kLargestThickness = 10'000;
 constexpr double kSmallestShape = 3.0;
 
 QRectF boxOf(const QList<QPointF> &points)
@@ -38,7 +40,7 @@ QString newShapeId()
 
 double readLength(const QJsonObject &in, const QString &key, double fallback)
 {
-    return std::clamp(readDouble(in, key, fallback), -kLargestLength, kLargestLength);
+    return storedLength(readDouble(in, key, fallback));
 }
 
 double readNonZero(const QJsonObject &in, const QString &key, double fallback)
@@ -81,6 +83,15 @@ void BaseShape::scale(double factor)
     thickness *= factor;
 }
 
+QByteArray BaseShape::toJsonText() const
+{
+    QJsonObject object;
+    toJson(object);
+    return QJsonDocument(object).toJson(QJsonDocument::Compact);
+}
+
+void BaseShape::takePoints(QList<QPointF>) {}
+
 void BaseShape::takeAttributes(const ShapeAttributes &attributes)
 {
     color = attributes.color;
@@ -90,7 +101,8 @@ void BaseShape::takeAttributes(const ShapeAttributes &attributes)
 void BaseShape::giveAttributes(ShapeAttributes &attributes) const
 {
     attributes.color = color;
-    attributes.arrowStyle = arrowStyle;
+    if (m_type == ToolType::Arrow)
+        attributes.arrowStyle = arrowStyle;
     if (m_type == ToolType::Mosaic || m_type == ToolType::MosaicPen || m_type == ToolType::Spotlight)
         return;
     attributes.thickness = thickness;
@@ -123,12 +135,26 @@ bool BaseShape::straighten(const QPointF &, const QPointF &)
     return false;
 }
 
+QList<std::shared_ptr<BaseShape>> BaseShape::snappedTo(const QList<QRectF> &, const ShapeAttributes &) const
+{
+    return {};
+}
+
 bool BaseShape::paintHoverOutline(QPainter &, double) const
 {
     return false;
 }
 
 void BaseShape::setNumber(int) {}
+
+QRect BaseShape::EraseBox::pixelRect(double scale, const QPointF &origin) const
+{
+    const auto pixels = [factor = scale > 0 ? scale : 1.0](double length) {
+        return static_cast<int>(std::lround(length * factor));
+    };
+    return QRect(pixels(rect.x()), pixels(rect.y()), pixels(rect.width()), pixels(rect.height()))
+        .translated(-pixels(origin.x()), -pixels(origin.y()));
+}
 
 bool BaseShape::isEffect() const
 {
@@ -155,8 +181,10 @@ void BaseShape::readBase(const QJsonObject &in)
     };
     takeText(QStringLiteral("id"), id);
     takeText(QStringLiteral("color"), color);
-    thickness = readNonZero(in, QStringLiteral("thickness"), 3.0);
-    opacity = std::clamp(readNonZero(in, QStringLiteral("opacity"), 1.0), 0.0, 1.0);
+    const double width = readNonZero(in, QStringLiteral("thickness"), 3.0);
+    thickness = width > 0 ? std::min(width, kLargestThickness) : 3.0;
+    const double stored = readNonZero(in, QStringLiteral("opacity"), 1.0);
+    opacity = stored > 0 ? std::min(stored, 1.0) : 1.0;
     compositeOperation = QStringLiteral("source-over");
     takeText(QStringLiteral("compositeOperation"), compositeOperation);
     const QString style = readString(in, QStringLiteral("arrowStyle"));

@@ -6,13 +6,16 @@
 #include "annotate/shape_render_context.h"
 #include "annotate/tool_type.h"
 
+#include <QByteArray>
 #include <QJsonObject>
 #include <QList>
 #include <QPainter>
 #include <QPointF>
+#include <QRect>
 #include <QRectF>
 #include <QString>
 
+#include <memory>
 #include <optional>
 
 namespace tavrel {
@@ -52,10 +55,16 @@ public:
     virtual void toJson(QJsonObject &out) const = 0;
     /// Reads the keys of the class; the base keys follow by readBase(). Never fails: a missing key has a default.
     virtual void readJson(const QJsonObject &in) = 0;
+    /// What toJson() says as compact JSON. A class with thousands of points writes them straight into the text, see
+    /// jsonTextWithPoints(); the points come back through takePoints().
+    [[nodiscard]] virtual QByteArray toJsonText() const;
+    /// Called after readJson() with points that were read apart from the rest.
+    virtual void takePoints(QList<QPointF> points);
 
     /// Takes what a new shape of this class has from the attributes. The default takes colour and thickness.
     virtual void takeAttributes(const ShapeAttributes &attributes);
-    /// Gives back what the next shape shall have after this one was picked.
+    /// Gives back what the next shape shall have after this one was picked. The default gives the colour, the thickness
+    /// unless the class has none to see, and the style of an arrow.
     virtual void giveAttributes(ShapeAttributes &attributes) const;
     /// Applies one attribute if the class has it; true when the shape has changed.
     virtual bool applyAttribute(ShapeAttribute attribute, const ShapeAttributes &attributes);
@@ -63,6 +72,10 @@ public:
     [[nodiscard]] virtual bool isTooSmall() const;
     /// Replaces a stroke under creation by a straight one; false for shapes that are no strokes.
     virtual bool straighten(const QPointF &from, const QPointF &to);
+    /// The shapes that stand for a stroke just drawn once it is pulled onto the text lines it touches; none when it
+    /// stays as drawn.
+    [[nodiscard]] virtual QList<std::shared_ptr<BaseShape>> snappedTo(const QList<QRectF> &lines,
+                                                                      const ShapeAttributes &attributes) const;
     /// Draws the hover mark along an outline of its own; false to get the common one.
     virtual bool paintHoverOutline(QPainter &painter, double handleScale) const;
     /// Whether a release leaves the shape without a commit because the host now opens its editor.
@@ -84,6 +97,10 @@ public:
     {
         QRectF rect;
         EraseSolver solver = EraseSolver::Auto;
+
+        /// The pixels of the box in a picture of `scale` pixels per unit (not positive: 1) whose corner lies at
+        /// `origin`. The engine finds its result by this very rectangle, so that painting has to ask here too.
+        [[nodiscard]] QRect pixelRect(double scale, const QPointF &origin = {}) const;
     };
     [[nodiscard]] virtual std::optional<EraseBox> eraseBox() const { return {}; }
 
@@ -116,7 +133,7 @@ private:
 /// 7 characters of 0-9 and a-z from the global random generator.
 [[nodiscard]] QString newShapeId();
 
-/// A stored coordinate or size: finite and within ±1,000,000, so that no painting can hang on it.
+/// A stored coordinate or size, see storedLength().
 [[nodiscard]] double readLength(const QJsonObject &in, const QString &key, double fallback = 0.0);
 /// As readLength(), where 0 stands for the default too.
 [[nodiscard]] double readNonZero(const QJsonObject &in, const QString &key, double fallback);

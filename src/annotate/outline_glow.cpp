@@ -1,7 +1,7 @@
+#include "annotate/outline_glow.h"
+
 #include "annotate/base_shape.h"
 #include "annotate/selection_marks.h"
-
-#include <QImage>
 
 #include <array>
 #include <cmath>
@@ -11,7 +11,7 @@ namespace tavrel {
 namespace {
 
 constexpr double kLargestGlow = 1'500'000; ///< pixels
-constexpr int kDirections = 32;
+constexpr int kDirections = 32;            ///< of each layer
 
 struct Layer
 {
@@ -46,22 +46,19 @@ QImage spread(const QImage &silhouette, double radius)
 
 } // namespace
 
-bool paintOutlineGlow(QPainter &painter, const BaseShape &shape, const ShapeRenderContext &context)
+OutlineGlow makeOutlineGlow(const BaseShape &shape, const ShapeRenderContext &context, double deviceScale)
 {
     const std::optional<QRectF> bounds = shape.bounds();
-    if (shape.type() == ToolType::Spotlight || !bounds)
-        return false;
-    const QTransform device = painter.deviceTransform();
-    const double deviceScale = std::hypot(device.m11(), device.m12());
-    if (!(deviceScale > 0))
-        return false;
+    if (shape.type() == ToolType::Spotlight || !bounds || !(deviceScale > 0))
+        return {};
     const double working = std::min(deviceScale, 1.0);
-    const double pad = 7.0 + std::max(shape.thickness * 1.5, 4.0);
+    // In a view that shows less than one pixel per unit the rings are wider than a unit and need more room.
+    const double pad = 7.0 * std::max(context.handleScale, 1.0) + std::max(shape.thickness * 1.5, 4.0);
     const QRectF area = bounds->adjusted(-pad, -pad, pad, pad);
     const double width = std::ceil(area.width() * working);
     const double height = std::ceil(area.height() * working);
     if (!(width >= 1 && height >= 1) || width * height > kLargestGlow)
-        return false;
+        return {};
 
     QImage image(static_cast<int>(width), static_cast<int>(height), QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
@@ -85,11 +82,38 @@ bool paintOutlineGlow(QPainter &painter, const BaseShape &shape, const ShapeRend
         inside.setCompositionMode(QPainter::CompositionMode_DestinationOut);
         inside.drawImage(0, 0, image);
     }
+    return {glow, QRectF(area.topLeft(), QSizeF(width, height) / working)};
+}
+
+bool GlowCache::paint(QPainter &painter, const BaseShape &shape, const QByteArray &json,
+                      const ShapeRenderContext &context)
+{
+    const QTransform device = painter.deviceTransform();
+    const double deviceScale = std::hypot(device.m11(), device.m12());
+    const Key key{&shape, json, std::min(deviceScale, 1.0), context.handleScale};
+    if (!(key == m_key)) {
+        m_glow = makeOutlineGlow(shape, context, deviceScale);
+        m_key = key;
+    }
+    if (m_glow.image.isNull())
+        return false;
     painter.save();
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawImage(QRectF(area.topLeft(), QSizeF(width, height) / working), glow);
+    painter.drawImage(m_glow.area, m_glow.image);
     painter.restore();
     return true;
+}
+
+void GlowCache::forget(const BaseShape *shape)
+{
+    if (m_key.shape == shape)
+        clear();
+}
+
+void GlowCache::clear()
+{
+    m_key = {};
+    m_glow = {};
 }
 
 } // namespace tavrel

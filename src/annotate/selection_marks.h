@@ -7,8 +7,6 @@
 
 namespace tavrel {
 
-class BaseShape;
-
 /// Marks that show what is selected or hovered. Lengths are multiplied by the handle scale; painters are left as found.
 
 inline constexpr QRgb kGlowColor = 0xff4dadff;
@@ -30,9 +28,5 @@ void paintRoundedGlow(QPainter &painter, const QRectF &box, double handleScale);
 void paintEllipseGlow(QPainter &painter, const QRectF &box, double handleScale);
 /// Accent line over a darker, wider one.
 void paintRectOutline(QPainter &painter, const QRectF &box, double handleScale);
-
-/// The glow along the outline of what a shape paints. False, with nothing painted, for spotlights, shapes without
-/// bounds and shapes that would need more than 1,500,000 pixels.
-bool paintOutlineGlow(QPainter &painter, const BaseShape &shape, const struct ShapeRenderContext &context);
 
 } // namespace tavrel

@@ -59,6 +59,7 @@ enum class ShapeAttribute {
     MagnifierZoom,
     MagnifierDash,
     EraseWholeBox,
+    Watermark, ///< text, mode, opacity, font and colour of the watermark at once
 };
 
 } // namespace tavrel

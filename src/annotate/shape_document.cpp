@@ -14,6 +14,9 @@ namespace {
 
 constexpr double kHoverMargin = 3.0;
 constexpr double kBoundsMargin = 24.0;
+constexpr double kLowestWatermarkOpacity = 0.05;
+constexpr double kSmallestWatermark = 8.0;
+constexpr double kLargestWatermark = 200.0;
 
 } // namespace
 
@@ -52,14 +55,15 @@ void ShapeDocument::setDisplayScale(double scale)
 
 void ShapeDocument::change(ShapeAttribute attribute, Commit whether)
 {
-    if (m_selected && m_selected->applyAttribute(attribute, m_attributes)) {
+    if (!m_selected)
+        return;
+    if (m_selected->applyAttribute(attribute, m_attributes)) {
         markChanged(m_selected);
-        if (whether == Commit::Yes)
-            commit();
-    } else if (m_selected && whether == Commit::Yes && m_json.value(m_selected).isEmpty()) {
-        // The last step of a dragged slider brings no change of its own but ends those before it.
-        commit();
+        m_unsettled = true;
     }
+    // The last step of a dragged slider often brings no change of its own but ends those before it.
+    if (m_unsettled && whether == Commit::Yes)
+        commit();
 }
 
 void ShapeDocument::setColor(const QString &color, Commit commit)
@@ -154,6 +158,39 @@ void ShapeDocument::setEraseWholeBox(bool wholeBox)
     change(ShapeAttribute::EraseWholeBox, Commit::Yes);
 }
 
+void ShapeDocument::setWatermarkOpacity(double opacity)
+{
+    m_attributes.watermarkOpacity =
+        std::isnan(opacity) ? kLowestWatermarkOpacity : std::clamp(opacity, kLowestWatermarkOpacity, 1.0);
+}
+
+void ShapeDocument::setWatermarkFontSize(double logical)
+{
+    m_attributes.watermarkFontSize =
+        std::isnan(logical) ? kSmallestWatermark : std::clamp(logical, kSmallestWatermark, kLargestWatermark);
+}
+
+void ShapeDocument::setWatermark(Commit whether)
+{
+    const auto at = std::find_if(m_shapes.cbegin(), m_shapes.cend(),
+                                 [](const ShapePtr &shape) { return shape->type() == ToolType::Watermark; });
+    ShapePtr mark = at == m_shapes.cend() ? nullptr : *at;
+    if (m_attributes.watermarkText.isEmpty()) {
+        if (mark)
+            takeOut(mark.get());
+    } else {
+        if (!mark && (mark = m_factory->create(ToolType::Watermark, m_attributes)))
+            append(mark);
+        if (mark) {
+            mark->applyAttribute(ShapeAttribute::Watermark, m_attributes);
+            mark->selected = false;
+            markChanged(mark.get());
+        }
+    }
+    if (whether == Commit::Yes)
+        commit();
+}
+
 // --- shapes ----------------------------------------------------------------------------------------------------------
 
 int ShapeDocument::indexOf(const BaseShape *shape) const
@@ -190,13 +227,14 @@ void ShapeDocument::select(BaseShape *shape)
 
 void ShapeDocument::clearSelection()
 {
-    if (m_selected && m_selected->commitsOnDeselect()) {
-        markChanged(m_selected);
+    if (m_selected && m_selected->commitsOnDeselect())
         commit();
-    }
+    // An editor may have written to the selected shape; afterwards nobody is left to tell.
+    markChanged(m_selected);
     for (const ShapePtr &shape : std::as_const(m_shapes))
         shape->selected = false;
     m_selected = nullptr;
+    m_activeHandle = -1;
     m_dragging = false;
     m_creating = false;
 }
@@ -210,11 +248,16 @@ void ShapeDocument::raise(BaseShape *shape)
 
 void ShapeDocument::forget(const BaseShape *shape)
 {
+    if (m_selected == shape) {
+        m_activeHandle = -1;
+        m_dragging = m_creating = false;
+    }
     for (BaseShape **tracked : {&m_selected, &m_hovered, &m_lastCreated, &m_activated}) {
         if (*tracked == shape)
             *tracked = nullptr;
     }
-    m_json.remove(shape);
+    m_stored.remove(shape);
+    m_glow.forget(shape);
 }
 
 void ShapeDocument::takeOut(BaseShape *shape)
@@ -224,9 +267,21 @@ void ShapeDocument::takeOut(BaseShape *shape)
         return;
     const auto numbering = shape->numbering();
     forget(shape);
-    const ShapePtr keep = m_shapes.takeAt(index);
+    m_shapes.removeAt(index);
     if (numbering)
         closeGap(*numbering);
+}
+
+void ShapeDocument::takeOutUnfinished(BaseShape *shape)
+{
+    const int index = indexOf(shape);
+    if (index < 0)
+        return;
+    const bool counts = shape->numbering().has_value();
+    forget(shape);
+    m_shapes.removeAt(index);
+    if (counts)
+        recomputeCounters();
 }
 
 void ShapeDocument::removeShape(BaseShape *shape)
@@ -252,9 +307,7 @@ void ShapeDocument::duplicateSelected(double offset)
 {
     if (!m_selected || m_selected->isBeingEdited())
         return;
-    QJsonObject object;
-    m_selected->toJson(object);
-    ShapePtr copy = m_factory->read(object);
+    ShapePtr copy = m_factory->read(m_selected->toJsonText());
     if (!copy)
         return;
     copy->id = newShapeId();
@@ -269,10 +322,10 @@ void ShapeDocument::duplicateSelected(double offset)
         copy->setNumber(highest + 1);
     }
     BaseShape *raw = copy.get();
-    clearSelection();
     append(std::move(copy));
     select(raw);
-    recomputeCounters();
+    if (raw->numbering())
+        recomputeCounters();
     m_lastCreated = raw;
     m_activated = raw;
     adopt(*raw);
@@ -281,7 +334,8 @@ void ShapeDocument::duplicateSelected(double offset)
 
 void ShapeDocument::markChanged(const BaseShape *shape)
 {
-    m_json.remove(shape);
+    if (const auto stored = m_stored.find(shape); stored != m_stored.end())
+        stored->isCurrent = false;
 }
 
 void ShapeDocument::closeGap(const BaseShape::Numbering &removed)
@@ -352,18 +406,18 @@ int ShapeDocument::sequenceValue() const
 
 void ShapeDocument::scaleAll(double factor)
 {
-    if (!(factor > 0) || factor == 1.0)
+    if (!(factor > 0) || !std::isfinite(factor) || factor == 1.0)
         return;
     for (const ShapePtr &shape : std::as_const(m_shapes))
         shape->scale(factor);
-    m_json.clear();
+    m_stored.clear();
 }
 
 void ShapeDocument::translateAll(double dx, double dy)
 {
     for (const ShapePtr &shape : std::as_const(m_shapes))
         shape->translate(dx, dy);
-    m_json.clear();
+    m_stored.clear();
 }
 
 int ShapeDocument::cropTo(const QRectF &rect)
@@ -382,7 +436,7 @@ int ShapeDocument::cropTo(const QRectF &rect)
     }
     for (BaseShape *shape : std::as_const(outside))
         takeOut(shape);
-    m_json.clear();
+    m_stored.clear();
     return static_cast<int>(outside.size());
 }
 
@@ -390,43 +444,43 @@ void ShapeDocument::rotateAllCW(double imageHeight)
 {
     for (const ShapePtr &shape : std::as_const(m_shapes))
         shape->transformRotate90(imageHeight);
-    m_json.clear();
+    m_stored.clear();
 }
 
 void ShapeDocument::rotateAllCCW(double imageWidth)
 {
     for (const ShapePtr &shape : std::as_const(m_shapes))
         shape->transformRotate90CCW(imageWidth);
-    m_json.clear();
+    m_stored.clear();
 }
 
 void ShapeDocument::flipAllH(double imageWidth)
 {
     for (const ShapePtr &shape : std::as_const(m_shapes))
         shape->transformFlipH(imageWidth);
-    m_json.clear();
+    m_stored.clear();
 }
 
 // --- state -----------------------------------------------------------------------------------------------------------
 
-const QByteArray &ShapeDocument::jsonOf(qsizetype index) const
+QByteArray ShapeDocument::jsonOf(const BaseShape *shape) const
 {
-    const BaseShape *shape = m_shapes[index].get();
-    QByteArray &json = m_json[shape];
-    if (json.isEmpty()) {
-        QJsonObject object;
-        shape->toJson(object);
-        json = QJsonDocument(object).toJson(QJsonDocument::Compact);
+    StoredShape &stored = m_stored[shape];
+    if (!stored.isCurrent) {
+        const QByteArray json = shape->toJsonText();
+        if (json != stored.json)
+            stored.json = json;
+        stored.isCurrent = true;
     }
-    return json;
+    return stored.json;
 }
 
 ShapeState ShapeDocument::currentState() const
 {
     ShapeState state;
     state.reserve(m_shapes.size());
-    for (qsizetype i = 0; i < m_shapes.size(); ++i)
-        state.append(jsonOf(i));
+    for (const ShapePtr &shape : m_shapes)
+        state.append(jsonOf(shape.get()));
     return state;
 }
 
@@ -434,6 +488,7 @@ void ShapeDocument::commit()
 {
     // What is selected may have been changed through its pointer, by an editor for instance.
     markChanged(m_selected);
+    m_unsettled = false;
     m_history.commit(currentState());
 }
 
@@ -453,55 +508,56 @@ void ShapeDocument::resetInteraction()
 {
     m_selected = m_hovered = m_lastCreated = m_activated = nullptr;
     m_activeHandle = -1;
-    m_dragging = m_creating = m_erasing = m_moved = false;
+    m_dragging = m_creating = m_erasing = m_moved = m_renumbered = m_unsettled = false;
 }
 
 void ShapeDocument::restore(const ShapeState &state)
 {
-    markChanged(m_selected);
     // A shape whose bytes stand in the new state as well is the same shape: reading it again would cost the time of
-    // a long stroke for nothing.
+    // a long stroke for nothing. What is selected may have been changed through its pointer and is always read.
+    markChanged(m_selected);
     QMultiHash<QByteArray, ShapePtr> known;
     for (const ShapePtr &shape : std::as_const(m_shapes)) {
-        const QByteArray json = m_json.value(shape.get());
-        if (!json.isEmpty())
-            known.insert(json, shape);
+        const StoredShape stored = m_stored.value(shape.get());
+        if (stored.isCurrent)
+            known.insert(stored.json, shape);
     }
     resetInteraction();
     m_shapes.clear();
-    QMap<const BaseShape *, QByteArray> json;
+    m_stored.clear();
+    m_glow.clear();
     for (const QByteArray &bytes : state) {
         ShapePtr shape = known.take(bytes);
         if (!shape)
-            shape = m_factory->read(QJsonDocument::fromJson(bytes).object());
+            shape = m_factory->read(bytes);
         if (!shape)
             continue;
         shape->selected = false;
-        json.insert(shape.get(), bytes);
+        m_stored.insert(shape.get(), {bytes, true});
         m_shapes.append(std::move(shape));
     }
-    m_json = json;
     recomputeCounters();
     ++m_generation;
     if (m_tool == ToolType::Watermark) {
-        const ShapeAttributes defaults;
-        m_attributes.watermarkText = defaults.watermarkText;
+        m_attributes.watermarkText.clear();
         loadWatermarkFields();
     }
 }
 
 QString ShapeDocument::shapesJson() const
 {
-    if (m_selected)
-        m_json.remove(m_selected);
+    if (const auto stored = m_stored.find(m_selected); stored != m_stored.end())
+        stored->isCurrent = false;
     return QString::fromUtf8(stateToJson(currentState()));
 }
 
 QString ShapeDocument::countersJson() const
 {
     QJsonObject object;
-    for (auto it = m_counters.cbegin(); it != m_counters.cend(); ++it)
-        object.insert(enumName(it.key()), it.value());
+    for (int i = 0; i < kNumberTypeCount; ++i) {
+        const auto type = static_cast<NumberType>(i);
+        object.insert(enumName(type), m_counters.value(type, 1));
+    }
     return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
 }
 
@@ -509,17 +565,16 @@ void ShapeDocument::loadState(const QString &shapes, const QString &counters, co
                               int undoIndex)
 {
     m_shapes.clear();
-    m_json.clear();
+    m_stored.clear();
+    // Counters without an entry of their own go on behind the highest number there is.
     restore(stateFromJson(shapes.toUtf8()));
-    m_counters.clear();
     const QJsonObject stored = QJsonDocument::fromJson(counters.toUtf8()).object();
     for (int i = 0; i < kNumberTypeCount; ++i) {
         const auto type = static_cast<NumberType>(i);
         const QJsonValue value = stored.value(enumName(type));
         if (value.isDouble())
-            m_counters.insert(type, value.toInt(1));
+            m_counters.insert(type, std::max(value.toInt(1), 1));
     }
-    clearSelection();
     m_history.load(undoStack, undoIndex, currentState());
 }
 
@@ -552,9 +607,14 @@ void ShapeDocument::paint(QPainter &painter, const ShapeRenderContext &context) 
 
     if (m_selected && !m_selected->isBeingEdited())
         m_selected->paintSelection(painter, context);
-    if (!m_hovered || m_hovered->selected)
-        return;
-    if (m_hovered->paintHoverOutline(painter, context.handleScale) || paintOutlineGlow(painter, *m_hovered, context))
+    if (m_hovered && !m_hovered->selected)
+        paintHoverMark(painter, context);
+}
+
+void ShapeDocument::paintHoverMark(QPainter &painter, const ShapeRenderContext &context) const
+{
+    if (m_hovered->paintHoverOutline(painter, context.handleScale) ||
+        m_glow.paint(painter, *m_hovered, jsonOf(m_hovered), context))
         return;
     if (const auto bounds = m_hovered->bounds())
         paintRoundedGlow(painter, bounds->adjusted(-kHoverMargin, -kHoverMargin, kHoverMargin, kHoverMargin),
@@ -577,11 +637,8 @@ QList<QPair<QRect, EraseSolver>> ShapeDocument::eraseRegions(double imageScale, 
 {
     QList<QPair<QRect, EraseSolver>> regions;
     for (const ShapePtr &shape : m_shapes) {
-        const auto box = shape->eraseBox();
-        if (!box)
-            continue;
-        const QRectF pixels((box->rect.topLeft() - origin) * imageScale, box->rect.size() * imageScale);
-        regions.append({pixels.normalized().toAlignedRect(), box->solver});
+        if (const auto box = shape->eraseBox())
+            regions.append({box->pixelRect(imageScale, origin), box->solver});
     }
     return regions;
 }

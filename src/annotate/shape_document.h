@@ -1,11 +1,13 @@
 #pragma once
 
 #include "annotate/base_shape.h"
+#include "annotate/outline_glow.h"
 #include "annotate/shape_attributes.h"
 #include "annotate/shape_factory.h"
 #include "annotate/shape_history.h"
 #include "annotate/shape_render_context.h"
 
+#include <QHash>
 #include <QList>
 #include <QMap>
 #include <QPainter>
@@ -32,8 +34,6 @@ class ShapeDocument final
 {
 public:
     using TextLineProvider = std::function<QList<QRectF>()>;
-    /// Pulls a stroke just drawn onto the lines of text under it; the shape that stands afterwards.
-    using TextSnap = std::function<std::shared_ptr<BaseShape>(const BaseShape &, const QList<QRectF> &)>;
 
     explicit ShapeDocument(const ShapeFactory &factory = ShapeFactory::standard());
 
@@ -68,13 +68,20 @@ public:
     void setMarkerRectMode(bool rect) { m_attributes.markerRectMode = rect; }
     void setSequenceType(NumberType type) { m_attributes.sequenceType = type; }
 
+    void setWatermarkText(const QString &text) { m_attributes.watermarkText = text; }
+    void setWatermarkMode(const QString &mode) { m_attributes.watermarkMode = mode; }
+    void setWatermarkOpacity(double opacity);
+    void setWatermarkFontSize(double logical);
+    /// Brings the one watermark of the document in line with the fields: made when missing, removed for an empty text.
+    void setWatermark(Commit commit = Commit::Yes);
+
     void setEraserRadius(double logical) { m_eraserRadius = logical; }
     [[nodiscard]] double eraserRadius() const { return m_eraserRadius; }
     /// Extra radius of a pick after a click that drew nothing.
     void setHitSlop(double slop) { m_hitSlop = slop; }
     void setMarkerSnapText(bool snap) { m_markerSnapText = snap; }
+    /// Where the picture has text, for strokes that are pulled onto it.
     void setTextLineProvider(TextLineProvider provider) { m_textLines = std::move(provider); }
-    void setTextSnap(TextSnap snap) { m_textSnap = std::move(snap); }
 
     // --- pointer -------------------------------------------------------------------------------------------------
 
@@ -173,7 +180,10 @@ private:
     [[nodiscard]] bool mayRegrab() const;
     [[nodiscard]] bool isPickedAt(const BaseShape &shape, double x, double y) const;
     void raise(BaseShape *shape);
+    /// Takes a shape out of the list and renumbers those behind it.
     void takeOut(BaseShape *shape);
+    /// Takes out a shape that never counted, because it was still being created.
+    void takeOutUnfinished(BaseShape *shape);
     void forget(const BaseShape *shape);
     void closeGap(const BaseShape::Numbering &removed);
     void recomputeCounters();
@@ -181,16 +191,23 @@ private:
     void eraseAt(double x, double y);
     BaseShape *releaseCreated(BaseShape *shape, bool wasCreating);
     void adopt(const BaseShape &shape);
-    [[nodiscard]] const QByteArray &jsonOf(qsizetype index) const;
+    [[nodiscard]] QByteArray jsonOf(const BaseShape *shape) const;
     [[nodiscard]] ShapeState currentState() const;
     void restore(const ShapeState &state);
     void resetInteraction();
+    void paintHoverMark(QPainter &painter, const ShapeRenderContext &context) const;
     void loadWatermarkFields();
 
     const ShapeFactory *m_factory;
     QList<ShapePtr> m_shapes;
-    /// JSON of each shape, empty when it has to be written anew.
-    mutable QMap<const BaseShape *, QByteArray> m_json;
+    struct StoredShape
+    {
+        QByteArray json;
+        bool isCurrent = false; ///< false: has to be written anew
+    };
+    /// Bytes that prove equal after writing anew are kept, so that undo states go on sharing them.
+    mutable QHash<const BaseShape *, StoredShape> m_stored;
+    mutable GlowCache m_glow;
     ShapeHistory m_history;
     ShapeAttributes m_attributes;
     ToolType m_tool = ToolType::None;
@@ -202,7 +219,6 @@ private:
     double m_hitSlop = 0;
     bool m_markerSnapText = false;
     TextLineProvider m_textLines;
-    TextSnap m_textSnap;
     QMap<NumberType, int> m_counters;
     int m_activeHandle = -1;
     bool m_dragging = false;
@@ -210,6 +226,7 @@ private:
     bool m_erasing = false;
     bool m_moved = false;
     bool m_renumbered = false;
+    bool m_unsettled = false; ///< an attribute was applied without the commit that is due
     QPointF m_pressPoint;
     QPointF m_dragPoint;
     quint64 m_generation = 0;

@@ -146,7 +146,8 @@ BaseShape *ShapeDocument::press(double x, double y, double tolerance)
 BaseShape *ShapeDocument::beginShape(double x, double y)
 {
     m_lastCreated = nullptr;
-    ShapePtr shape = m_factory->create(m_tool, m_attributes);
+    // The watermark is one and covers everything; setWatermark() makes it.
+    ShapePtr shape = m_tool == ToolType::Watermark ? nullptr : m_factory->create(m_tool, m_attributes);
     if (!shape) {
         clearSelection();
         return nullptr;
@@ -239,7 +240,7 @@ BaseShape *ShapeDocument::releaseCreated(BaseShape *shape, bool wasCreating)
     if (wasCreating && shape->waitsForEditor())
         return shape;
     if (wasCreating && shape->isTooSmall()) {
-        takeOut(shape);
+        takeOutUnfinished(shape);
         BaseShape *picked = pickAt(m_pressPoint.x(), m_pressPoint.y());
         if (picked) {
             select(picked);
@@ -252,14 +253,15 @@ BaseShape *ShapeDocument::releaseCreated(BaseShape *shape, bool wasCreating)
     }
     if (wasCreating) {
         m_lastCreated = shape;
-        if (m_markerSnapText && m_tool == ToolType::Marker && m_textLines && m_textSnap) {
-            if (ShapePtr snapped = m_textSnap(*shape, m_textLines())) {
-                BaseShape *raw = snapped.get();
-                takeOut(shape);
-                append(std::move(snapped));
-                select(raw);
-                m_lastCreated = raw;
-                shape = raw;
+        if (m_markerSnapText && m_textLines) {
+            const QList<QRectF> lines = m_textLines();
+            const auto pieces = lines.isEmpty() ? QList<ShapePtr>() : shape->snappedTo(lines, m_attributes);
+            if (!pieces.isEmpty()) {
+                takeOutUnfinished(shape);
+                m_shapes.append(pieces);
+                shape = pieces.last().get();
+                select(shape);
+                m_lastCreated = shape;
             }
         }
     }
@@ -295,10 +297,9 @@ bool ShapeDocument::cancelCreation()
     if (!m_creating)
         return false;
     if (m_selected)
-        takeOut(m_selected);
+        takeOutUnfinished(m_selected);
     m_creating = m_dragging = m_moved = false;
     m_activeHandle = -1;
-    recomputeCounters();
     commit();
     return true;
 }

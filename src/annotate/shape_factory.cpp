@@ -1,7 +1,10 @@
 #include "annotate/shape_factory.h"
 
 #include "annotate/base_shape.h"
+#include "annotate/stroke_points.h"
 #include "base/json_read.h"
+
+#include <QJsonDocument>
 
 namespace tavrel {
 
@@ -31,6 +34,15 @@ std::shared_ptr<BaseShape> ShapeFactory::read(const QJsonObject &object) const
         shape->readJson(object);
         shape->readBase(object);
     }
+    return shape;
+}
+
+std::shared_ptr<BaseShape> ShapeFactory::read(const QByteArray &json) const
+{
+    std::optional<PartedStroke> stroke = partStroke(json);
+    std::shared_ptr<BaseShape> shape = read(QJsonDocument::fromJson(stroke ? stroke->rest : json).object());
+    if (shape && stroke)
+        shape->takePoints(std::move(stroke->points));
     return shape;
 }
 

@@ -2,6 +2,7 @@
 
 #include "annotate/tool_type.h"
 
+#include <QByteArray>
 #include <QJsonObject>
 #include <QMap>
 
@@ -28,6 +29,8 @@ public:
     [[nodiscard]] std::shared_ptr<BaseShape> create(ToolType tool, const ShapeAttributes &attributes) const;
     /// The shape of a stored object; null for an unknown type.
     [[nodiscard]] std::shared_ptr<BaseShape> read(const QJsonObject &object) const;
+    /// The shape of a stored object's text; null as above and for malformed text. The quick way for long strokes.
+    [[nodiscard]] std::shared_ptr<BaseShape> read(const QByteArray &json) const;
 
     /// The factory of this program, with every class that it has.
     [[nodiscard]] static const ShapeFactory &standard();

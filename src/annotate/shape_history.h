@@ -41,7 +41,8 @@ private:
 
 /// `[a,b,...]` of a state.
 [[nodiscard]] QByteArray stateToJson(const ShapeState &state);
-/// The elements of a JSON array as compact texts; malformed text gives no elements.
+/// The objects of a JSON array, each as the text it stands in there. An array whose brackets or quotes do not fit gives
+/// none; an object that is malformed inside is found out by who reads it.
 [[nodiscard]] ShapeState stateFromJson(const QByteArray &json);
 
 } // namespace tavrel

@@ -1,0 +1,412 @@
+#include "annotate/shape_document.h"
+#include "annotate/test_shapes.h"
+#include "support/test_main.h"
+
+#include <QCoreApplication>
+#include <QJsonDocument>
+#include <QRandomGenerator>
+#include <QSet>
+
+using namespace tavrel;
+using test::box;
+using test::stroke;
+
+namespace {
+
+BaseShape *addBox(ShapeDocument &document, double x, ToolType type = ToolType::Rect)
+{
+    auto shape = std::make_shared<test::BoxShape>(type);
+    shape->box = QRectF(x, 0, 10, 10);
+    BaseShape *raw = shape.get();
+    document.append(std::move(shape));
+    return raw;
+}
+
+/// What the text would be without any bytes kept from before.
+QString writtenAnew(const ShapeDocument &document)
+{
+    QByteArrayList all;
+    for (const auto &shape : document.shapes()) {
+        QJsonObject object;
+        shape->toJson(object);
+        all.append(QJsonDocument(object).toJson(QJsonDocument::Compact));
+    }
+    return QString::fromUtf8('[' + all.join(',') + ']');
+}
+
+QList<double> places(const ShapeDocument &document)
+{
+    QList<double> all;
+    for (const auto &shape : document.shapes())
+        all.append(box(shape.get())->box.x());
+    return all;
+}
+
+} // namespace
+
+class ShapeStateTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void wordsAndValuesBelongTogether()
+    {
+        QSet<QString> words;
+        for (int i = 0; i <= 26; ++i) {
+            const QString word = toolTypeName(static_cast<ToolType>(i));
+            QCOMPARE(toolTypeFromName(word), static_cast<ToolType>(i));
+            words.insert(word);
+        }
+        QCOMPARE(words.size(), 27);
+        QCOMPARE(toolTypeName(static_cast<ToolType>(27)), QString());
+        QCOMPARE(toolTypeName(static_cast<ToolType>(-1)), QString());
+        QCOMPARE(toolTypeFromName(QStringLiteral("Rect"), ToolType::Pen), ToolType::Pen);
+        QCOMPARE(enumName(static_cast<NumberType>(6)), QString());
+        for (int i = 0; i < kNumberTypeCount; ++i)
+            QCOMPARE(static_cast<int>(numberTypeFromName(enumName(static_cast<NumberType>(i)))), i);
+        QCOMPARE(eraseSolverFromName(QStringLiteral("wholeBox")), EraseSolver::WholeBox);
+        QCOMPARE(arrowStyleFromName(QStringLiteral("no"), ArrowStyle::Double), ArrowStyle::Double);
+    }
+
+    void storedBaseKeys_data()
+    {
+        QTest::addColumn<QByteArray>("json");
+        QTest::addColumn<double>("thickness");
+        QTest::addColumn<double>("opacity");
+        QTest::addColumn<QString>("color");
+        QTest::addColumn<QString>("composite");
+        QTest::addColumn<ArrowStyle>("arrow");
+        const QString red = QStringLiteral("#F93442");
+        const QString over = QStringLiteral("source-over");
+        QTest::newRow("nothing") << QByteArray(R"({"type":"rect"})") << 3.0 << 1.0 << red << over
+                                 << ArrowStyle::Standard;
+        QTest::newRow("all") << QByteArray(R"({"type":"rect","thickness":5.5,"opacity":0.25,"color":"#abc",)"
+                                           R"("compositeOperation":"multiply","arrowStyle":"double"})")
+                             << 5.5 << 0.25 << QStringLiteral("#abc") << QStringLiteral("multiply")
+                             << ArrowStyle::Double;
+        QTest::newRow("zero and empty") << QByteArray(R"({"type":"rect","thickness":0,"opacity":0,"color":"",)"
+                                                      R"("compositeOperation":"","arrowStyle":""})")
+                                        << 3.0 << 1.0 << red << over << ArrowStyle::Standard;
+        QTest::newRow("invalid: ranges") << QByteArray(R"({"type":"rect","thickness":-4,"opacity":7})") << 3.0 << 1.0
+                                         << red << over << ArrowStyle::Standard;
+        QTest::newRow("invalid: huge") << QByteArray(R"({"type":"rect","thickness":1e300,"opacity":-1})") << 10000.0
+                                       << 1.0 << red << over << ArrowStyle::Standard;
+        QTest::newRow("invalid: types") << QByteArray(R"({"type":"rect","thickness":"5","opacity":[],"color":5,)"
+                                                      R"("compositeOperation":null,"arrowStyle":"fancy"})")
+                                        << 3.0 << 1.0 << red << over << ArrowStyle::Standard;
+    }
+
+    void storedBaseKeys()
+    {
+        QFETCH(QByteArray, json);
+        const auto shape = test::shapeFactory().read(json);
+        QVERIFY(shape);
+        QTEST(shape->thickness, "thickness");
+        QTEST(shape->opacity, "opacity");
+        QTEST(shape->color, "color");
+        QTEST(shape->compositeOperation, "composite");
+        QTEST(shape->arrowStyle, "arrow");
+        QCOMPARE(shape->id.size(), 7);
+        const auto again = test::shapeFactory().read(shape->toJsonText());
+        QCOMPARE(again->toJsonText(), shape->toJsonText());
+    }
+
+    void storedTypes_data()
+    {
+        QTest::addColumn<QByteArray>("json");
+        QTest::addColumn<bool>("isShape");
+        QTest::addColumn<bool>("isStroke");
+        QTest::newRow("marker path") << QByteArray(R"({"type":"marker","markerRect":false})") << true << true;
+        QTest::newRow("marker box") << QByteArray(R"({"type":"marker","markerRect":true})") << true << false;
+        QTest::newRow("none") << QByteArray(R"({"type":"none"})") << false << false;
+        QTest::newRow("eraser") << QByteArray(R"({"type":"eraser"})") << false << false;
+        QTest::newRow("action") << QByteArray(R"({"type":"undo"})") << false << false;
+        QTest::newRow("unknown") << QByteArray(R"({"type":"hexagon"})") << false << false;
+        QTest::newRow("no type") << QByteArray("{}") << false << false;
+        QTest::newRow("malformed") << QByteArray(R"({"type":"rect",)") << false << false;
+    }
+
+    void storedTypes()
+    {
+        QFETCH(QByteArray, json);
+        QFETCH(bool, isShape);
+        QFETCH(bool, isStroke);
+        const auto shape = test::shapeFactory().read(json);
+        QCOMPARE(shape != nullptr, isShape);
+        QCOMPARE(stroke(shape.get()) != nullptr, isStroke);
+    }
+
+    void loadedStates_data()
+    {
+        QTest::addColumn<QString>("shapes");
+        QTest::addColumn<QStringList>("stack");
+        QTest::addColumn<int>("index");
+        QTest::addColumn<qsizetype>("count");
+        QTest::addColumn<int>("indexAfter");
+        const QString one = QStringLiteral(R"([{"type":"rect","id":"a","x":5}])");
+        const QString odd =
+            QStringLiteral(" [ {\"type\":\"hexagon\"} , {\"type\":\"rect\",\"color\":\"]}\\\\\\\"[{\"}, {}, "
+                           "{\"type\":\"circle\"} ] ");
+        const QStringList three{QStringLiteral("[]"), one, odd};
+        QTest::newRow("nothing") << QString() << QStringList() << 0 << qsizetype(0) << 0;
+        QTest::newRow("no stack") << one << QStringList() << 7 << qsizetype(1) << 0;
+        QTest::newRow("index in range") << one << three << 1 << qsizetype(1) << 1;
+        QTest::newRow("index too small") << one << three << -3 << qsizetype(1) << 0;
+        QTest::newRow("index too large") << one << three << 99 << qsizetype(1) << 2;
+        QTest::newRow("strange entries") << odd << three << 2 << qsizetype(2) << 2;
+        QTest::newRow("mixed elements") << QStringLiteral(R"([1,{"type":"rect"},"x",null,[{"type":"rect"}]])")
+                                        << QStringList() << 0 << qsizetype(1) << 0;
+        QTest::newRow("one malformed inside")
+            << QStringLiteral(R"([{"type":"rect"},{"type":}])") << QStringList() << 0 << qsizetype(1) << 0;
+        for (const char *text : {"nonsense", "[", "[{", "[{]}", "[{\"type\":\"rect\"}", "[{\"type\":\"rect\\\"",
+                                 "[{\"type\":\"rect\"}]]", "[{\"type\":\"rect\"},]", "{\"type\":\"rect\"}", "[\\"})
+            QTest::newRow(text) << QString::fromLatin1(text) << QStringList{QString::fromLatin1(text)} << 0
+                                << qsizetype(0) << 0;
+    }
+
+    void loadedStates()
+    {
+        QFETCH(QString, shapes);
+        QFETCH(QStringList, stack);
+        QFETCH(int, index);
+        ShapeDocument document(test::shapeFactory());
+        document.setTool(ToolType::Pen);
+        document.press(0, 0, 6);
+        const quint64 generation = document.generation();
+        document.loadState(shapes, QString(), stack, index);
+        QCOMPARE(document.generation(), generation + 1);
+        QVERIFY(!document.isInteracting() && !document.selected() && !document.lastCreated());
+        document.move(0, 0, 50, 50, false);
+        document.release();
+        QTEST(document.shapes().size(), "count");
+        QTEST(document.undoIndex(), "indexAfter");
+        QCOMPARE(document.undoStack().size(), std::max<qsizetype>(stack.size(), 1));
+        // Walking through whatever was stored ends at both ends.
+        for (int i = 0; i < 5; ++i)
+            document.undo();
+        QCOMPARE(document.undoIndex(), 0);
+        for (int i = 0; i < 5; ++i)
+            document.redo();
+        QVERIFY(!document.canRedo());
+    }
+
+    void aLoadedStateIsNoChange()
+    {
+        ShapeDocument document(test::shapeFactory());
+        const QString shapes = QStringLiteral(R"([{"type":"rect","x":5, "thickness": 0}])");
+        document.loadState(shapes, QString(), {QStringLiteral("[]"), shapes}, 1);
+        document.commit();
+        QCOMPARE(document.undoStack().size(), 2);
+        document.translateAll(1, 0);
+        document.commit();
+        QCOMPARE(document.undoIndex(), 2);
+    }
+
+    void countersAreLoadedEntryByEntry()
+    {
+        ShapeDocument document(test::shapeFactory());
+        const QString badges = QStringLiteral(R"([{"type":"sequence","number":4}])");
+        document.loadState(badges, QStringLiteral(R"({"chinese":12,"roman_upper":-5,"arabic":"x","other":3})"), {}, 0);
+        QCOMPARE(document.countersJson(), QStringLiteral(R"({"arabic":5,"chinese":12,"lower_letter":1,)"
+                                                         R"("roman_lower":1,"roman_upper":1,"upper_letter":1})"));
+        document.loadState(badges, QStringLiteral("{"), {}, 0);
+        QCOMPARE(document.sequenceValue(), 5);
+    }
+
+    // --- undo ----------------------------------------------------------------------------------------------------
+
+    void thirtyStatesAreKept()
+    {
+        ShapeDocument document(test::shapeFactory());
+        QCOMPARE(document.undoStack(), QStringList{QStringLiteral("[]")});
+        document.commit();
+        QCOMPARE(document.undoStack().size(), 1);
+        for (int i = 0; i < 29; ++i) {
+            addBox(document, i);
+            document.commit();
+            document.commit();
+        }
+        QCOMPARE(document.undoStack().size(), 30);
+        QCOMPARE(document.undoStack().first(), QStringLiteral("[]"));
+        addBox(document, 29);
+        document.commit();
+        QCOMPARE(document.undoStack().size(), 30);
+        QCOMPARE(document.undoIndex(), 29);
+        while (document.canUndo())
+            document.undo();
+        QCOMPARE(document.shapes().size(), 1);
+        document.undo();
+        QCOMPARE(document.undoIndex(), 0);
+        while (document.canRedo())
+            document.redo();
+        QCOMPARE(document.shapes().size(), 30);
+    }
+
+    void drawingAfterUndoDropsWhatWasUndone()
+    {
+        ShapeDocument document(test::shapeFactory());
+        for (const double x : {1.0, 2.0, 3.0}) {
+            addBox(document, x);
+            document.commit();
+        }
+        document.undo();
+        document.undo();
+        document.commit();
+        QVERIFY(document.canRedo());
+        addBox(document, 9);
+        document.commit();
+        QVERIFY(!document.canRedo());
+        QCOMPARE(document.undoStack().size(), 3);
+        document.undo();
+        QCOMPARE(places(document), QList<double>({1}));
+        document.redo();
+        QCOMPARE(places(document), QList<double>({1, 9}));
+    }
+
+    void undoLetsGoOfEveryPointer()
+    {
+        ShapeDocument document(test::shapeFactory());
+        BaseShape *kept = addBox(document, 1);
+        document.commit();
+        BaseShape *gone = addBox(document, 50);
+        document.commit();
+        document.select(gone);
+        document.duplicateSelected(5);
+        document.setHovered(kept);
+        document.setTool(ToolType::None);
+        document.press(52, 2, 6);
+        QVERIFY(document.isInteracting());
+        const quint64 generation = document.generation();
+        document.undo();
+        QVERIFY(!document.selected() && !document.hovered() && !document.lastCreated() && !document.takeActivated());
+        QVERIFY(!document.isInteracting());
+        QCOMPARE(document.generation(), generation + 1);
+        for (const auto &shape : document.shapes())
+            QVERIFY(!shape->selected);
+        QCOMPARE(places(document), QList<double>({1, 50}));
+        document.move(52, 2, 90, 90, false);
+        document.release();
+        QCOMPARE(places(document), QList<double>({1, 50}));
+    }
+
+    void equalShapesAreNotMixedUp()
+    {
+        ShapeDocument document(test::shapeFactory());
+        BaseShape *first = addBox(document, 1);
+        BaseShape *second = addBox(document, 1);
+        second->id = first->id;
+        document.commit();
+        addBox(document, 2);
+        document.commit();
+        document.undo();
+        QCOMPARE(document.shapes().size(), 2);
+        QVERIFY(document.shapes().at(0) != document.shapes().at(1));
+    }
+
+    void whatDidNotChangeIsNeitherWrittenNorRead()
+    {
+        ShapeDocument document(test::shapeFactory());
+        auto line = std::make_shared<test::StrokeShape>(ToolType::Pen);
+        line->points.assign({{0, 0}, {5, 5}});
+        document.append(line);
+        for (int i = 0; i < 10; ++i) {
+            addBox(document, i);
+            document.commit();
+        }
+        QCOMPARE(line->written, 1);
+        document.undo();
+        document.redo();
+        QCOMPARE(document.shapes().first(), std::static_pointer_cast<BaseShape>(line));
+        document.select(line.get());
+        line->translate(1, 1);
+        document.commit();
+        QCOMPARE(line->written, 2);
+        document.undo();
+        QCOMPARE(stroke(document.shapes().first().get())->points.list().first(), QPointF(0, 0));
+    }
+
+    /// Whatever a user does, the kept bytes say the same as writing every shape anew, and every step comes back.
+    void keptBytesNeverLieUnderAnyOrderOfGestures_data()
+    {
+        QTest::addColumn<quint32>("seed");
+        for (quint32 seed = 1; seed <= 12; ++seed)
+            QTest::newRow(qPrintable(QString::number(seed))) << seed;
+    }
+
+    void keptBytesNeverLieUnderAnyOrderOfGestures()
+    {
+        QFETCH(quint32, seed);
+        QRandomGenerator random(seed);
+        const auto pick = [&random](int below) { return random.bounded(below); };
+        ShapeDocument document(test::shapeFactory());
+        const QList<ToolType> tools{ToolType::None,     ToolType::Rect, ToolType::Pen,    ToolType::Sequence,
+                                    ToolType::Sequence, ToolType::Text, ToolType::Marker, ToolType::Eraser};
+        for (int step = 0; step < 300; ++step) {
+            const double x = pick(300);
+            const double y = pick(300);
+            switch (pick(14)) {
+            case 0:
+                document.setTool(tools.at(pick(static_cast<int>(tools.size()))));
+                break;
+            case 1:
+                document.undo();
+                break;
+            case 2:
+                document.redo();
+                break;
+            case 3:
+                document.setThickness(1 + pick(9), pick(2) ? ShapeDocument::Commit::Yes : ShapeDocument::Commit::No);
+                break;
+            case 4:
+                document.duplicateSelected(pick(20));
+                break;
+            case 5:
+                document.setSequenceValue(pick(20));
+                document.commit();
+                break;
+            case 6:
+                pick(3) ? document.removeSelected() : static_cast<void>(document.cancelCreation());
+                break;
+            case 7:
+                if (box(document.selected()))
+                    box(document.selected())->text = QString::number(step);
+                document.clearSelection();
+                break;
+            case 8:
+                pick(2) ? document.rotateAllCW(300) : document.flipAllH(300);
+                document.commit();
+                break;
+            case 9:
+                document.press(x, y, 6);
+                if (pick(3) == 0)
+                    document.undo();
+                document.move(x, y, pick(300), pick(300), pick(2) == 0);
+                break;
+            default:
+                document.press(x, y, 6);
+                document.move(x, y, pick(300), pick(300), false);
+                document.release();
+                break;
+            }
+            QCOMPARE(document.shapesJson(), writtenAnew(document));
+            QVERIFY(document.undoStack().size() <= 30);
+            QVERIFY(document.undoIndex() >= 0 && document.undoIndex() < document.undoStack().size());
+        }
+        document.commit();
+        const QStringList stack = document.undoStack();
+        while (document.canUndo())
+            document.undo();
+        for (int i = 0; i < stack.size(); ++i) {
+            QCOMPARE(document.shapesJson(), stack.at(i));
+            QCOMPARE(writtenAnew(document), stack.at(i));
+            document.redo();
+        }
+        ShapeDocument other(test::shapeFactory());
+        other.loadState(document.shapesJson(), document.countersJson(), stack, document.undoIndex());
+        QCOMPARE(other.undoStack(), stack);
+        QCOMPARE(other.countersJson(), document.countersJson());
+    }
+};
+
+TAVREL_TEST_MAIN(QCoreApplication, ShapeStateTest)
+#include "test_shape_state.moc"
