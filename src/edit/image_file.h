@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QByteArray>
+#include <QImage>
+#include <QString>
+
+#include <functional>
+
+class QIODevice;
+
+namespace tavrel {
+
+enum class ImageFileFormat { Png, Jpg };
+
+/// From a name in any case: "jpg" and "jpeg" are Jpg, everything else is Png.
+[[nodiscard]] ImageFileFormat imageFileFormat(const QString &name);
+/// "png" or "jpg".
+[[nodiscard]] QString imageFileExtension(ImageFileFormat format);
+
+/// The picture on white, RGB32, at a device pixel ratio of 1: as many pixels as before.
+[[nodiscard]] QImage flattenedOnWhite(const QImage &image);
+
+/// Encodes the pixels and nothing else: no texts of the image, no device pixel ratio. PNG at default compression,
+/// JPEG on white at `jpegQuality` (0 to 100). False when the device refuses data or the format the size.
+/// Takes 0.1 to 1 s for a whole screen (see bench_edit_image_file): not for the GUI thread. Safe on any other.
+[[nodiscard]] bool encodeImage(const QImage &image, QIODevice &device, ImageFileFormat format, int jpegQuality = 92);
+[[nodiscard]] QByteArray encodedPng(const QImage &image);
+
+/// Fills the file; false gives it up.
+using FileContent = std::function<bool(QIODevice &device)>;
+
+/// Writes `path` in one step: it holds all the content or what it held before.
+[[nodiscard]] bool replaceFile(const QString &path, const FileContent &content);
+
+/// Creates a file under the first free name of numberedPath() and returns its path. The content is written beside it
+/// under a hidden temporary name, and the finished file gets its name by an operation that fails on an existing one,
+/// so neither half a file nor a file that another process made meanwhile overwritten can be the outcome.
+/// Empty on failure, with nothing left behind; `failedPath` is then the name that was tried.
+[[nodiscard]] QString createFile(const QString &directory, const QString &baseName, const QString &extension,
+                                 const FileContent &content, QString *failedPath = nullptr);
+
+} // namespace tavrel
