@@ -32,17 +32,23 @@ public:
     void remove(WId window);
     [[nodiscard]] const QSet<WId> &windows() const noexcept { return m_windows; }
 
-    /// Has the server keep the windows' contents from now on. False when they may still be incomplete: the
-    /// redirection is younger than the time that clients get for repainting what was covered until then.
-    bool keepContents();
+    /// Has the server keep the windows' contents from now on.
+    void keepContents();
+    /// False for the short time after a window that was already on the screen made the server keep what it covers:
+    /// clients are still repainting that.
+    [[nodiscard]] bool contentsComplete() const;
+
+    /// What clients get for repainting, in milliseconds.
+    static constexpr int kRepaintMs = 80;
 
 private:
+    void redirect();
     void letGo();
 
     std::shared_ptr<XConnection> m_x;
     QSet<WId> m_windows;
     QTimer m_linger;
-    double m_keptSinceMs = 0; ///< host clock
+    double m_incompleteUntilMs = 0; ///< host clock
     bool m_kept = false;
 };
 

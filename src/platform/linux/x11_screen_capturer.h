@@ -16,7 +16,7 @@ class XConnection;
 /// Pictures of all displays from the X server, pixel for pixel what is on them at any scale factor.
 ///
 /// Budget: 15 ms for a display of 3840 x 2160, at most twice that when a picture has to be put together behind an
-/// excluded window. Windows that were not kept by the server until now first get X11ScreenGrabber::kRepaintMs to
+/// excluded window. Windows that were not kept by the server until now first get CaptureExclusions::kRepaintMs to
 /// repaint what was covered; this only happens when a window to be left out was already on the screen when it
 /// was first named.
 class X11ScreenCapturer final : public IScreenCapturer
@@ -33,9 +33,10 @@ public:
 
 private:
     [[nodiscard]] QSet<WId> windowsToHide(const CaptureOptions &options) const;
-    void grabAll(const CaptureOptions &options, QElapsedTimer started);
+    void grabAll(const CaptureOptions &options, const QElapsedTimer &started, const X11ScreenGrabber::Hidden &hidden);
 
     std::shared_ptr<XConnection> m_x;
+    std::shared_ptr<CaptureExclusions> m_exclusions;
     X11ScreenGrabber m_grabber;
 };
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <QByteArray>
-#include <QHash>
+#include "platform/linux/root_children.h"
+
 #include <QImage>
 #include <QRegion>
 #include <QSet>
@@ -12,7 +12,6 @@
 namespace tavrel::platform {
 
 class CaptureExclusions;
-class XConnection;
 
 /// Takes pictures of rectangles of the root window: the engine below the screen capturer. GUI thread only.
 ///
@@ -27,28 +26,27 @@ public:
     X11ScreenGrabber(const X11ScreenGrabber &) = delete;
     X11ScreenGrabber &operator=(const X11ScreenGrabber &) = delete;
 
-    /// The frames of windows to leave out, found for all displays at once: children of the root.
+    /// What has to be left out of the pictures of one moment, found for all displays at once.
     struct Hidden
     {
-        QSet<quint32> frames;
-        QRegion region; ///< what they cover, in pixels of the root
+        QSet<quint32> frames;   ///< children of the root
+        QRegion region;         ///< what they cover, in pixels of the root
+        QList<RootChild> stack; ///< every window on the screen, bottom to top; empty with nothing hidden
+        quint32 rootPixmap = 0; ///< the desktop's picture, 0 when there is none
+
+        [[nodiscard]] bool meets(const QRect &rect) const { return region.intersects(rect); }
     };
-    /// Finds the mapped frames of `windows` and of those in the shared set. One to four round trips; none when there
-    /// is nothing to look for.
+    /// Finds the mapped frames of `windows` and of those in the shared set. A few round trips; none when there is
+    /// nothing to look for.
     [[nodiscard]] Hidden findHidden(const QSet<WId> &windows) const;
-    /// False when looking behind `hidden` may show holes yet: ask again after kRepaintMs.
-    [[nodiscard]] bool prepare(const Hidden &hidden, const QRect &rect);
 
     /// A picture of `rect` (pixels of the root window) in Format_ARGB32_Premultiplied, opaque, ratio 1; null on
     /// failure. `slot` names the kept segment of shared memory, one per display.
     [[nodiscard]] QImage grab(const QString &slot, const QRect &rect, const Hidden &hidden);
     /// Draws the pointer into a picture of `rect`, if it lies within 64 pixels of it on every side.
     void drawCursor(QImage &image, const QRect &rect) const;
-    /// Frees the segments of all displays but these.
-    void keepOnly(const QSet<QString> &slots);
-
-    /// What clients get for repainting parts that had been covered, in milliseconds.
-    static constexpr int kRepaintMs = 80;
+    /// Frees what is kept for all displays but these.
+    void keepOnly(const QSet<QString> &names);
 
 private:
     struct Private;

@@ -2,8 +2,6 @@
 
 #include "platform/window_controller.h"
 
-#include <QHash>
-#include <QObject>
 #include <QWindow>
 
 #include <memory>
@@ -44,6 +42,8 @@ public:
 
 private:
     class Roles;
+
+    void rememberActive();
 
     std::shared_ptr<XConnection> m_x;
     std::unique_ptr<Roles> m_roles;

@@ -193,6 +193,7 @@ QString XConnection::brokenText() const
 
 void XConnection::drainEvents() const
 {
+    const std::scoped_lock lock(m_reading);
     while (const XReply<xcb_generic_event_t> event{xcb_poll_for_event(m_connection)}) {
         if (event->response_type != 0)
             continue;
@@ -204,6 +205,27 @@ void XConnection::drainEvents() const
                                       .arg(error->minor_code)
                                       .arg(error->resource_id, 0, 16);
     }
+}
+
+xcb_timestamp_t XConnection::serverTime() const
+{
+    const std::scoped_lock lock(m_reading);
+    if (m_clockWindow == XCB_WINDOW_NONE) {
+        m_clockWindow = xcb_generate_id(m_connection);
+        const quint32 events = XCB_EVENT_MASK_PROPERTY_CHANGE;
+        xcb_create_window(m_connection, 0, m_clockWindow, root(), -1, -1, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
+                          XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &events);
+    }
+    // Appending nothing changes nothing, and tells the time.
+    xcb_change_property(m_connection, XCB_PROP_MODE_APPEND, m_clockWindow, atom(XAtom::Timestamp), XCB_ATOM_INTEGER, 32,
+                        0, nullptr);
+    xcb_flush(m_connection);
+    while (const XReply<xcb_generic_event_t> event{xcb_wait_for_event(m_connection)}) {
+        const auto *change = reinterpret_cast<const xcb_property_notify_event_t *>(event.get());
+        if ((event->response_type & 0x7f) == XCB_PROPERTY_NOTIFY && change->window == m_clockWindow)
+            return change->time;
+    }
+    return XCB_CURRENT_TIME;
 }
 
 bool XConnection::sync() const
@@ -227,11 +249,7 @@ xcb_get_property_cookie_t XConnection::requestProperty(xcb_window_t window, XAto
 
 XReply<xcb_get_property_reply_t> XConnection::property(xcb_get_property_cookie_t cookie) const
 {
-    // An error pointer keeps the error out of the event queue: a vanished window is an ordinary answer.
-    xcb_generic_error_t *error = nullptr;
-    XReply<xcb_get_property_reply_t> reply{xcb_get_property_reply(m_connection, cookie, &error)};
-    std::free(error);
-    return reply;
+    return xAnswer<xcb_get_property_reply_t>(m_connection, cookie, xcb_get_property_reply);
 }
 
 QList<quint32> propertyItems(const xcb_get_property_reply_t *reply)

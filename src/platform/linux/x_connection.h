@@ -9,6 +9,7 @@
 
 #include <cstdlib>
 #include <memory>
+#include <mutex>
 
 namespace tavrel::platform {
 
@@ -20,6 +21,17 @@ struct FreeDeleter
 /// Owner of what xcb hands out with malloc: replies, errors, events. Null stands for "no answer".
 template <typename Reply>
 using XReply = std::unique_ptr<Reply, FreeDeleter>;
+
+/// Reads an answer whose failure is an ordinary thing, such as that of a window that is gone: null then, and no
+/// error left behind for others to trip over. `fetch` is xcb's function for the reply.
+template <typename Reply, typename Cookie, typename Fetch>
+[[nodiscard]] XReply<Reply> xAnswer(xcb_connection_t *connection, Cookie cookie, Fetch fetch)
+{
+    xcb_generic_error_t *error = nullptr;
+    XReply<Reply> reply{fetch(connection, cookie, &error)};
+    std::free(error);
+    return reply;
+}
 
 /// The atoms that the program uses, fetched in one flight when the connection is made.
 enum class XAtom {
@@ -102,6 +114,9 @@ public:
     void drainEvents() const;
     /// Waits until the server has done everything sent so far. False when the connection is broken.
     bool sync() const;
+    /// The server's time at this moment, as window managers want it in a request to activate a window; 0 when the
+    /// connection is broken. Like drainEvents() not for a connection whose owner reads events itself.
+    [[nodiscard]] xcb_timestamp_t serverTime() const;
     /// True when a request that was sent checked has succeeded; a failure is swallowed.
     [[nodiscard]] bool succeeded(xcb_void_cookie_t cookie) const;
 
@@ -118,6 +133,8 @@ private:
     xcb_screen_t *m_screen = nullptr;
     xcb_atom_t m_atoms[static_cast<std::size_t>(XAtom::Count)] = {};
     Extensions m_extensions;
+    mutable std::mutex m_reading; ///< one reader of events at a time, or serverTime() could miss its answer
+    mutable xcb_window_t m_clockWindow = XCB_WINDOW_NONE;
 };
 
 /// The 32-bit items of a property (atoms, windows, cardinals); empty for a missing one or another format.
