@@ -76,8 +76,9 @@ endfunction()
 # tavrel_test(annotate shape_document USES annotate QT Gui)   tests/annotate/test_shape_document.cpp, offscreen
 # tavrel_test(... LIVE openbox)   runs under a virtual X server of its own, see tests/support/with_display.sh;
 #                                 LIVE is one of: openbox, bare (no window manager), picom (openbox + compositor)
+# tavrel_test(... VARIANT ratio2 ENVIRONMENT QT_SCALE_FACTOR=2)   the same program once more, in other surroundings
 function(tavrel_test folder name)
-  cmake_parse_arguments(T "" "LIVE;SCREEN" "SOURCES;USES;QT;PRIVATE;ENVIRONMENT" ${ARGN})
+  cmake_parse_arguments(T "" "LIVE;SCREEN;VARIANT" "SOURCES;USES;QT;PRIVATE;ENVIRONMENT" ${ARGN})
   if(T_UNPARSED_ARGUMENTS)
     message(FATAL_ERROR "tavrel_test(${name}): unknown ${T_UNPARSED_ARGUMENTS}")
   endif()
@@ -97,17 +98,21 @@ function(tavrel_test folder name)
   set(common LANG=C.UTF-8 LC_ALL=C.UTF-8 TZ=UTC QT_HASH_SEED=0 QT_SCALE_FACTOR= QT_LOGGING_RULES=
       "ASAN_OPTIONS=detect_leaks=0" "UBSAN_OPTIONS=print_stacktrace=1"
       "TSAN_OPTIONS=die_after_fork=0 suppressions=${PROJECT_SOURCE_DIR}/tests/support/tsan.supp" ${T_ENVIRONMENT})
+  set(variant "")
+  if(T_VARIANT)
+    set(variant "+${T_VARIANT}")
+  endif()
   if(T_LIVE)
     if(NOT T_SCREEN)
       set(T_SCREEN 1920x1080)
     endif()
-    set(label ${prefix}.${name}@${T_LIVE})
+    set(label ${prefix}.${name}@${T_LIVE}${variant})
     add_test(NAME ${label} COMMAND ${PROJECT_SOURCE_DIR}/tests/support/with_display.sh
       --wm ${T_LIVE} --screen ${T_SCREEN} $<TARGET_FILE:${target}>)
     set_tests_properties(${label} PROPERTIES LABELS live TIMEOUT 300
       ENVIRONMENT "${common};QT_QPA_PLATFORM=xcb")
   else()
-    set(label ${prefix}.${name})
+    set(label ${prefix}.${name}${variant})
     add_test(NAME ${label} COMMAND ${target})
     set_tests_properties(${label} PROPERTIES LABELS unit TIMEOUT 120
       ENVIRONMENT "${common};QT_QPA_PLATFORM=offscreen")

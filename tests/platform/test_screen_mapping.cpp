@@ -1,0 +1,84 @@
+#include "platform/linux/screen_mapping.h"
+#include "support/test_main.h"
+
+#include <QGuiApplication>
+
+using namespace tavrel;
+using namespace tavrel::platform;
+
+namespace {
+
+/// 1920 x 1080 at ratio 1, and right of it 1366 x 768 at ratio 1.5, whose logical size 911 x 512 is a rounded one.
+ScreenMapping twoDisplays()
+{
+    return ScreenMapping({{1, u"A"_qs, QRect(0, 0, 1920, 1080), 1.0, true},
+                          {2, u"B"_qs, QRect(1920, 100, 911, 512), 1.5, false},
+                          {3, u"gone"_qs, QRect(5000, 0, 100, 100), 1.0, false}},
+                         {{u"B"_qs, QRect(1920, 100, 1366, 768)}, {u"A"_qs, QRect(0, 0, 1920, 1080)}});
+}
+
+} // namespace
+
+class ScreenMappingTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void joinsByName()
+    {
+        const ScreenMapping mapping = twoDisplays();
+        QCOMPARE(mapping.entries().size(), 3);
+        QCOMPARE(mapping.entries()[0].native, QRect(0, 0, 1920, 1080));
+        QCOMPARE(mapping.entries()[1].native, QRect(1920, 100, 1366, 768));
+        QVERIFY(mapping.entries()[2].native.isNull());
+    }
+
+    void rectangles_data()
+    {
+        QTest::addColumn<QRect>("native");
+        QTest::addColumn<QRectF>("logical");
+        QTest::newRow("first display") << QRect(10, 20, 300, 200) << QRectF(10, 20, 300, 200);
+        QTest::newRow("second display starts at the first one's width")
+            << QRect(1920, 100, 300, 150) << QRectF(1920, 100, 200, 100);
+        QTest::newRow("within the second") << QRect(2070, 250, 300, 150) << QRectF(2020, 200, 200, 100);
+        QTest::newRow("mostly on the second") << QRect(1890, 250, 300, 150) << QRectF(1900, 200, 200, 100);
+        QTest::newRow("mostly on the first") << QRect(1700, 250, 300, 150) << QRectF(1700, 250, 300, 150);
+        QTest::newRow("off every display, nearest to the second")
+            << QRect(3400, 100, 30, 30) << QRectF(1920 + 1480 / 1.5, 100, 20, 20);
+    }
+
+    void rectangles()
+    {
+        QFETCH(QRect, native);
+        QFETCH(QRectF, logical);
+        QCOMPARE(twoDisplays().toLogical(native), logical);
+    }
+
+    void wholeDisplayIsWholeMonitor()
+    {
+        const ScreenMapping mapping = twoDisplays();
+        for (const auto &entry : mapping.entries().first(2))
+            QCOMPARE(mapping.toNative(QRectF(entry.display.geometry)), entry.native);
+        QCOMPARE(mapping.toNative(QRectF(1930, 110, 100, 50)), QRect(1935, 115, 150, 75));
+    }
+
+    void pointsThereAndBack()
+    {
+        const ScreenMapping mapping = twoDisplays();
+        for (const QPoint native : {QPoint(0, 0), QPoint(1919, 1079), QPoint(1920, 100), QPoint(2501, 333)})
+            QCOMPARE(mapping.toNative(mapping.toLogical(native)), native);
+    }
+
+    void withoutDisplaysNumbersStand()
+    {
+        const ScreenMapping empty;
+        QCOMPARE(empty.toLogical(QRect(1, 2, 3, 4)), QRectF(1, 2, 3, 4));
+        QCOMPARE(empty.toNative(QRectF(1, 2, 3, 4)), QRect(1, 2, 3, 4));
+        // A server that does not know about monitors has one nameless picture.
+        const ScreenMapping plain({{1, u"screen"_qs, QRect(0, 0, 400, 300), 2.0, true}}, {{{}, QRect(0, 0, 800, 600)}});
+        QCOMPARE(plain.toLogical(QRect(400, 300, 20, 20)), QRectF(200, 150, 10, 10));
+    }
+};
+
+TAVREL_TEST_MAIN(QGuiApplication, ScreenMappingTest)
+#include "test_screen_mapping.moc"
