@@ -27,7 +27,10 @@ namespace tavrel {
 /// A plain object without widget or signals: the host feeds it press, move and release in image logical units and
 /// paints it. The last shape of the list is on top. Undo is by snapshots: an operation ends in commit(), which costs
 /// the JSON of the shapes that changed since the last one and nothing for the others. A shape changed from outside
-/// must be told by markChanged().
+/// must be told by markChanged(); the selected one is always looked at anew.
+///
+/// Budget with 100,000 freehand points in the document: commit 30 ms, undo 80 ms, a pick 1 ms, a stored undo list of
+/// 30 states 30 ms; bench_annotate_shape_document shows it.
 ///
 /// GUI thread; an off-screen render on another thread builds a document of its own from shapesJson().
 class ShapeDocument final

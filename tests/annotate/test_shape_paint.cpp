@@ -118,6 +118,39 @@ private Q_SLOTS:
         QCOMPARE(painted(document).pixelColor(76, 100).alpha(), 0);
     }
 
+    void largeShapesGlowAsSmallOnesDo_data()
+    {
+        QTest::addColumn<int>("side");
+        QTest::addColumn<bool>("isOutline");
+        for (const int side : {150, 333, 1000}) {
+            QTest::addRow("filled %d", side) << side << false;
+            QTest::addRow("outline %d", side) << side << true;
+        }
+    }
+
+    /// Large shapes are glowing in parts; no part may be missing.
+    void largeShapesGlowAsSmallOnesDo()
+    {
+        QFETCH(int, side);
+        QFETCH(bool, isOutline);
+        const auto profile = [isOutline](int length) {
+            const double end = 20.0 + length;
+            test::BoxShape filled(ToolType::Rect);
+            filled.box = QRectF(20, 20, length, length);
+            test::StrokeShape outline(ToolType::Pen);
+            outline.points.assign({{20, 20}, {end, 20}, {end, end}, {20, end}, {20, 20}});
+            const OutlineGlow glow = isOutline ? makeOutlineGlow(outline, {}, 1.0) : makeOutlineGlow(filled, {}, 1.0);
+            const QImage &image = glow.image;
+            QList<QRgb> pixels;
+            for (int i = 0; i < 30; ++i) {
+                pixels << image.pixel(i, 50) << image.pixel(50, i) << image.pixel(image.width() - 1 - i, 50);
+                pixels << image.pixel(50, image.height() - 1 - i);
+            }
+            return pixels;
+        };
+        QCOMPARE(profile(side), profile(80));
+    }
+
     void theGlowFollowsAChangedShape()
     {
         ShapeDocument document(test::shapeFactory());
