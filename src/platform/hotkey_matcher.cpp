@@ -9,7 +9,7 @@ HotkeyMatcher::Outcome HotkeyMatcher::press(KeyStroke stroke, quint32 timeMs, Ho
     if (isKnownPress(stroke.key, timeMs, path))
         return {.fired = {}, .swallowed = true};
     const auto pressedEnd = m_pressed.begin() + static_cast<std::ptrdiff_t>(m_pressedCount);
-    if (std::any_of(m_pressed.begin(), pressedEnd, [&](const Pressed &pressed) { return pressed.key == stroke.key; }))
+    if (std::find(m_pressed.begin(), pressedEnd, stroke.key) != pressedEnd)
         return {.fired = {}, .swallowed = true};
 
     const auto entry = std::find_if(m_table.begin(), m_table.end(),
@@ -19,19 +19,18 @@ HotkeyMatcher::Outcome HotkeyMatcher::press(KeyStroke stroke, quint32 timeMs, Ho
 
     if (m_pressedCount == kMaxPressed)
         removePressed(0);
-    m_pressed[m_pressedCount++] = {.key = stroke.key, .path = path};
+    m_pressed[m_pressedCount++] = stroke.key;
     m_recent[m_nextRecent] = {.key = stroke.key, .timeMs = timeMs, .paths = static_cast<quint8>(path)};
     m_nextRecent = (m_nextRecent + 1) % m_recent.size();
     return {.fired = entry->id, .swallowed = true};
 }
 
-HotkeyMatcher::Outcome HotkeyMatcher::release(quint32 key, HotkeyPath path)
+HotkeyMatcher::Outcome HotkeyMatcher::release(quint32 key)
 {
     for (std::size_t i = 0; i < m_pressedCount; ++i) {
-        if (m_pressed[i].key != key)
+        if (m_pressed[i] != key)
             continue;
-        if (m_pressed[i].path == path)
-            removePressed(i);
+        removePressed(i);
         return {.fired = {}, .swallowed = true};
     }
     return {};

@@ -56,8 +56,8 @@ public:
 
     /// `timeMs` is the system's stamp of the press, the same on all paths.
     Outcome press(KeyStroke stroke, quint32 timeMs, HotkeyPath path);
-    /// Only the path that fired a key ends its press.
-    Outcome release(quint32 key, HotkeyPath path);
+    /// The release may come on any path, since a system may tell the press on one and the release on the other.
+    Outcome release(quint32 key);
 
     [[nodiscard]] bool hasPressed() const noexcept { return m_pressedCount > 0; }
     /// Forgets the pressed keys that are not down according to `isDown`: repairs a release that was never reported.
@@ -65,17 +65,12 @@ public:
     void keepPressed(Predicate isDown)
     {
         for (std::size_t i = m_pressedCount; i-- > 0;) {
-            if (!isDown(m_pressed[i].key))
+            if (!isDown(m_pressed[i]))
                 removePressed(i);
         }
     }
 
 private:
-    struct Pressed
-    {
-        quint32 key = 0;
-        HotkeyPath path = HotkeyPath::Listener;
-    };
     struct Recent
     {
         quint32 key = 0;
@@ -87,7 +82,7 @@ private:
     void removePressed(std::size_t index);
 
     std::vector<Entry> m_table;
-    std::array<Pressed, kMaxPressed> m_pressed; ///< oldest first
+    std::array<quint32, kMaxPressed> m_pressed{}; ///< keys, oldest first
     std::size_t m_pressedCount = 0;
     std::array<Recent, kMaxPressed> m_recent; ///< a ring of the last presses that fired
     std::size_t m_nextRecent = 0;

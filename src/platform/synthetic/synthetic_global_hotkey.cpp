@@ -70,7 +70,7 @@ bool SyntheticGlobalHotkey::keyDown(const KeyCombo &combo)
 
 bool SyntheticGlobalHotkey::keyUp(const KeyCombo &combo)
 {
-    return m_matcher.release(strokeOf(combo).key, HotkeyPath::Grab).swallowed;
+    return m_matcher.release(strokeOf(combo).key).swallowed;
 }
 
 void SyntheticGlobalHotkey::setTakenElsewhere(const KeyCombo &combo, bool taken)
