@@ -34,10 +34,12 @@ public:
     void setSuspended(bool suspended) override;
 
 private:
+    void ensureListener();
     void deliverFired();
 
+    const QByteArray m_display;
     std::unique_ptr<X11HotkeyListener> m_listener;
-    std::unique_ptr<QSocketNotifier> m_firedNotifier;
+    std::unique_ptr<QSocketNotifier> m_notifier; ///< of the listener's descriptor
     QSet<int> m_bound;
     int m_suspended = 0;
 };
