@@ -10,7 +10,7 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <vector>
+#include <memory>
 
 namespace tavrel::test {
 namespace {
@@ -128,6 +128,15 @@ void ForeignXClient::releaseEverything()
     sync();
 }
 
+void ForeignXClient::setServerGrabbed(bool grabbed)
+{
+    if (grabbed)
+        xcb_grab_server(m_connection);
+    else
+        xcb_ungrab_server(m_connection);
+    sync();
+}
+
 bool ForeignXClient::focusOwnWindow()
 {
     m_window = xcb_generate_id(m_connection);
@@ -171,22 +180,43 @@ void ForeignXClient::swapKeys(xcb_keycode_t one, xcb_keycode_t other)
     sync();
 }
 
-bool ForeignXClient::swapModifiers(int one, int other)
+bool ForeignXClient::changeModifiers(const std::function<void(std::vector<xcb_keycode_t> &keys, int width)> &change)
 {
     const Reply<xcb_get_modifier_mapping_reply_t> mapping{
         xcb_get_modifier_mapping_reply(m_connection, xcb_get_modifier_mapping(m_connection), nullptr)};
     const int width = mapping->keycodes_per_modifier;
     std::vector<xcb_keycode_t> keys(xcb_get_modifier_mapping_keycodes(mapping.get()),
                                     xcb_get_modifier_mapping_keycodes(mapping.get()) + 8 * width);
-    std::swap_ranges(keys.begin() + one * width, keys.begin() + (one + 1) * width, keys.begin() + other * width);
+    change(keys, width);
     const Reply<xcb_set_modifier_mapping_reply_t> reply{xcb_set_modifier_mapping_reply(
         m_connection, xcb_set_modifier_mapping(m_connection, mapping->keycodes_per_modifier, keys.data()), nullptr)};
     return reply && reply->status == XCB_MAPPING_STATUS_SUCCESS;
 }
 
+bool ForeignXClient::swapModifiers(int one, int other)
+{
+    return changeModifiers([one, other](std::vector<xcb_keycode_t> &keys, int width) {
+        std::swap_ranges(keys.begin() + one * width, keys.begin() + (one + 1) * width, keys.begin() + other * width);
+    });
+}
+
+bool ForeignXClient::setModifierKey(int modifier, xcb_keycode_t key)
+{
+    return changeModifiers([modifier, key](std::vector<xcb_keycode_t> &keys, int width) {
+        std::fill_n(keys.begin() + modifier * width, width, xcb_keycode_t(0));
+        keys[static_cast<std::size_t>(modifier * width)] = key;
+    });
+}
+
 void ForeignXClient::lockGroup(int group)
 {
     xcb_xkb_latch_lock_state(m_connection, XCB_XKB_ID_USE_CORE_KBD, 0, 0, 1, quint8(group), 0, 0, 0);
+    sync();
+}
+
+void ForeignXClient::lockModifiers(quint32 modifiers)
+{
+    xcb_xkb_latch_lock_state(m_connection, XCB_XKB_ID_USE_CORE_KBD, 0xff, quint8(modifiers), 0, 0, 0, 0, 0);
     sync();
 }
 

@@ -5,7 +5,8 @@
 #include <xcb/xcb.h>
 #include <xcb/xcb_keysyms.h>
 
-#include <memory>
+#include <functional>
+#include <vector>
 
 namespace tavrel::test {
 
@@ -37,6 +38,8 @@ public:
     /// releaseEverything().
     bool takeKeyboardAndPointer(bool frozen);
     void releaseEverything();
+    /// With true the server answers nobody else.
+    void setServerGrabbed(bool grabbed);
 
     /// Gives the keyboard focus to a window of this client.
     bool focusOwnWindow();
@@ -47,12 +50,18 @@ public:
     void swapKeys(xcb_keycode_t one, xcb_keycode_t other);
     /// Makes the keys of one modifier (0 Shift to 7 Mod5) those of another, and the other way round.
     bool swapModifiers(int one, int other);
+    /// Puts a key on a modifier that has none, or takes all keys off it with key code 0.
+    bool setModifierKey(int modifier, xcb_keycode_t key);
     void lockGroup(int group);
+    /// Locks exactly these modifiers, as their lock keys would.
+    void lockModifiers(quint32 modifiers);
     /// Auto-repeat of the whole keyboard, in milliseconds.
     void setAutoRepeat(quint16 delay, quint16 interval);
     [[nodiscard]] quint32 modifierState() const;
 
 private:
+    bool changeModifiers(const std::function<void(std::vector<xcb_keycode_t> &keys, int width)> &change);
+
     xcb_connection_t *m_connection;
     xcb_window_t m_root = XCB_WINDOW_NONE;
     xcb_window_t m_window = XCB_WINDOW_NONE;

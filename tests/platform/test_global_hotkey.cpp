@@ -295,7 +295,7 @@ class X11GlobalHotkeyTest final : public GlobalHotkeyContract
     static constexpr quint32 kCapsLock = 2;
     static constexpr quint32 kControl = 4;
     static constexpr quint32 kNumLock = 0x10;
-    static constexpr quint32 kScrollLock = 0x20;
+    static constexpr quint32 kMod3 = 0x20;
 
 protected:
     std::unique_ptr<IGlobalHotkey> makeHotkey() override { return std::make_unique<X11GlobalHotkey>(); }
@@ -372,13 +372,7 @@ private:
     }
     void setLocks(quint32 wanted)
     {
-        const quint32 different = m_client.modifierState() ^ wanted;
-        if ((different & kCapsLock) != 0)
-            m_client.stroke(m_client.keyCode(XKB_KEY_Caps_Lock));
-        if ((different & kNumLock) != 0)
-            m_client.stroke(m_client.keyCode(XKB_KEY_Num_Lock));
-        if ((different & kScrollLock) != 0)
-            m_client.stroke(m_client.keyCode(XKB_KEY_Scroll_Lock));
+        m_client.lockModifiers(wanted);
         QCOMPARE(m_client.modifierState(), wanted);
     }
     static void setLayout(const QStringList &arguments)
@@ -417,7 +411,7 @@ private Q_SLOTS:
         QVERIFY(m_client.swapModifiers(4, 5)); // Mod2, where NumLock is, and Mod3
         settle();
         m_client.stroke(m_client.keyCode(XKB_KEY_Num_Lock));
-        QCOMPARE(m_client.modifierState(), 0x20U);
+        QCOMPARE(m_client.modifierState(), kMod3);
         QVERIFY(m_client.focusOwnWindow());
         press(kCtrlA);
         expectFired({1});
@@ -427,6 +421,25 @@ private Q_SLOTS:
         settle();
         press(kCtrlA);
         expectFired({1});
+    }
+
+    void scrollLockOnAModifier()
+    {
+        QVERIFY(bind(1, kCtrlA));
+        QVERIFY(m_client.setModifierKey(5, m_client.keyCode(XKB_KEY_Scroll_Lock)));
+        settle();
+        setLocks(kCapsLock | kNumLock | kMod3);
+        QVERIFY(m_client.focusOwnWindow());
+        press(kCtrlA);
+        expectFired({1});
+        expectKeysOfWindow({});
+        setLocks(0);
+        QVERIFY(m_client.setModifierKey(5, 0));
+        settle();
+        setLocks(kMod3); // an ordinary modifier again
+        press(kCtrlA);
+        setLocks(0);
+        expectFired({});
     }
 
     void autoRepeatFiresOnce()
@@ -608,6 +621,22 @@ private Q_SLOTS:
         m_client.keyUp(control);
         m_client.stroke(keyCode(kCtrlA));
         expectFired({1});
+    }
+
+    void serverThatDoesNotAnswer()
+    {
+        m_client.setServerGrabbed(true);
+        QString error;
+        QVERIFY(!m_hotkey->registerHotkey(1, kCtrlA, &error));
+        QCOMPARE(error, QStringLiteral("无法安装键盘钩子（错误码 110）"));
+        m_client.setServerGrabbed(false);
+        settle();
+        press(kCtrlA); // refused once, it does not come true later
+        expectFired({});
+        m_client.setServerGrabbed(true);
+        QVERIFY(!m_hotkey->registerHotkey(1, kCtrlA, &error));
+        m_hotkey.reset(); // ends all the same
+        m_client.setServerGrabbed(false);
     }
 
     void serverThatIsNotThere()

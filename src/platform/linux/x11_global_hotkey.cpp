@@ -6,6 +6,8 @@
 #include <QPointer>
 #include <QSocketNotifier>
 
+#include <cerrno>
+
 namespace tavrel::platform {
 namespace {
 
@@ -41,11 +43,11 @@ bool X11GlobalHotkey::registerHotkey(int id, const KeyCombo &combo, QString *err
         break;
     }
     const int code = m_listener->errorCode();
-    if (m_bound.isEmpty()) { // the next registration may find a server
+    if (code != 0 && m_bound.isEmpty()) { // the next registration may find a server
         m_notifier.reset();
         m_listener.reset();
     }
-    return refuse(error, hotkey_texts::listenerFailed(code));
+    return refuse(error, hotkey_texts::listenerFailed(code != 0 ? code : ETIMEDOUT));
 }
 
 void X11GlobalHotkey::unregisterHotkey(int id)

@@ -166,7 +166,12 @@ void X11HotkeyListener::run()
     if (isConnected)
         listen();
     const int error = m_x ? xcb_connection_has_error(m_x->xcb()) : XCB_CONN_ERROR;
-    if (m_x && error != 0)
+    bool isLost = m_x && error != 0;
+    {
+        const std::lock_guard lock(m_mutex);
+        isLost = isLost && !m_quit;
+    }
+    if (isLost)
         qCWarning(lcHotkey).noquote()
             << QStringLiteral("与 X 服务器的连接已断开，全局热键停止工作：%1").arg(m_x->brokenText());
     for (const KeyStroke &stroke : m_grabbed)
@@ -348,8 +353,7 @@ void X11HotkeyListener::handleInputEvent(const xcb_ge_generic_event_t *event)
 
 void X11HotkeyListener::handleKey(KeyStroke stroke, bool down, quint32 timeMs, HotkeyPath path)
 {
-    const HotkeyMatcher::Outcome outcome =
-        down ? m_matcher.press(stroke, timeMs, path) : m_matcher.release(stroke.key);
+    const HotkeyMatcher::Outcome outcome = down ? m_matcher.press(stroke, timeMs, path) : m_matcher.release(stroke.key);
     traceKey(stroke, down, path, outcome);
     if (!outcome.fired)
         return;

@@ -54,7 +54,7 @@ public:
     /// The ids that have fired since the last call, in order. firedDescriptor() is readable while there are any.
     [[nodiscard]] std::vector<int> takeFired();
     [[nodiscard]] int firedDescriptor() const noexcept { return m_firedEvent; }
-    /// xcb's code for what is wrong with the connection.
+    /// xcb's code for why the thread has ended; 0 while it runs.
     [[nodiscard]] int errorCode() const;
 
 private:
