@@ -44,6 +44,8 @@ public:
     virtual void setClickThrough(QWindow *window, bool through) = 0;
     /// With true a prompt of the system may come above an overlay.
     virtual void setOverlayLowered(QWindow *window, bool lowered) = 0;
+    /// Whether a translucent window shows what lies below it; without that its empty parts are black.
+    [[nodiscard]] virtual bool isCompositing() const = 0;
     /// Height in logical pixels of the title bar that the window draws itself.
     virtual void setTitleBarHeight(QWindow *window, int height) = 0;
 };

@@ -50,7 +50,7 @@ QString buttonStyle(const Theme &theme, ButtonSpec::Role role)
     const bool plain = role == ButtonSpec::Cancel;
     const QColor hover = plain ? theme.hoverFill() : fill.lighter(112);
     const QColor pressed = plain ? theme.strongBorder() : fill.darker(115);
-    const QColor ring = plain ? theme.accent() : theme.primaryText();
+    const QColor ring = plain ? theme.accent() : theme.dark ? fill.lighter(150) : fill.darker(150);
     return QStringLiteral("QPushButton { color: %1; background: %2; border: 2px solid transparent; border-radius: 8px; "
                           "padding: 5px 14px; font-size: 13px; min-width: 52px; }"
                           "QPushButton:hover { background: %3; }"
@@ -287,7 +287,7 @@ void DialogCard::paintEvent(QPaintEvent *)
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(m_theme.cardBorder(), 0.5));
     painter.setBrush(m_theme.cardSurface());
-    painter.drawRoundedRect(QRectF(rect()).adjusted(0.25, 0.25, -0.25, -0.25), 14, 14);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.25, 0.25, -0.25, -0.25), kRadius, kRadius);
 }
 
 } // namespace tavrel::ui::dialogs

@@ -49,6 +49,8 @@ class DialogCard final : public QWidget
     Q_OBJECT
 
 public:
+    static constexpr double kRadius = 14;
+
     explicit DialogCard(const Theme &theme, QWidget *parent = nullptr);
 
     void setIcon(Icon icon);

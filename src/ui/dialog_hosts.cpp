@@ -7,6 +7,7 @@
 #include <QGuiApplication>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPainterPath>
 #include <QScreen>
 #include <QWindow>
 
@@ -26,32 +27,47 @@ void paintShadow(QPainter &painter, const QWidget *card, const QColor &color)
 
 } // namespace
 
-FloatingDialog::FloatingDialog(DialogCard *card)
+FloatingDialog::FloatingDialog(DialogCard *card, bool translucent)
     : QWidget(nullptr, Qt::Dialog | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint),
-      m_card(card)
+      m_card(card),
+      m_translucent(translucent)
 {
     setObjectName(QStringLiteral("floatingDialog"));
-    setAttribute(Qt::WA_TranslucentBackground);
+    setAttribute(Qt::WA_TranslucentBackground, translucent);
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(card->accessibleName().isEmpty() ? QStringLiteral("Tavrel") : card->accessibleName());
     setAccessibleName(windowTitle());
     card->setParent(this);
-    card->move(kCardOffset);
+    card->move(translucent ? kCardOffset : QPoint(0, 0));
     card->installEventFilter(this);
+    card->ensurePolished();
     card->adjustSize();
     card->show();
     fitToCard();
-    if (const QScreen *display = QGuiApplication::screenAt(QCursor::pos()) ? QGuiApplication::screenAt(QCursor::pos())
-                                                                           : QGuiApplication::primaryScreen()) {
-        const QRect free = display->availableGeometry();
-        move(free.center().x() - width() / 2, free.top() + static_cast<int>((free.height() - height()) * 0.38));
-    }
     connect(card, &DialogCard::finished, this, &QWidget::close);
 }
 
 void FloatingDialog::fitToCard()
 {
-    setFixedSize(m_card->size() + kShadowRoom);
+    setFixedSize(m_card->size() + (m_translucent ? kShadowRoom : QSize(0, 0)));
+    if (!m_translucent) {
+        QPainterPath shape;
+        shape.addRoundedRect(QRectF(rect()), DialogCard::kRadius, DialogCard::kRadius);
+        setMask(QRegion(shape.toFillPolygon().toPolygon()));
+    }
+    if (!m_placed)
+        moveToPlace();
+}
+
+void FloatingDialog::moveToPlace()
+{
+    const QScreen *display = QGuiApplication::screenAt(QCursor::pos());
+    if (!display)
+        display = QGuiApplication::primaryScreen();
+    if (!display)
+        return;
+    const QRect free = display->availableGeometry();
+    move(free.left() + (free.width() - width()) / 2, free.top() + static_cast<int>((free.height() - height()) * 0.38));
 }
 
 bool FloatingDialog::eventFilter(QObject *watched, QEvent *event)
@@ -65,12 +81,15 @@ bool FloatingDialog::eventFilter(QObject *watched, QEvent *event)
 
 void FloatingDialog::paintEvent(QPaintEvent *)
 {
+    if (!m_translucent)
+        return;
     QPainter painter(this);
     paintShadow(painter, m_card, m_card->theme().dark ? QColor(0, 0, 0, 150) : QColor(15, 23, 42, 52));
 }
 
 void FloatingDialog::mousePressEvent(QMouseEvent *event)
 {
+    m_placed = true;
     if (event->button() == Qt::LeftButton && windowHandle())
         windowHandle()->startSystemMove();
 }

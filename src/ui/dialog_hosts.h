@@ -18,8 +18,9 @@ class FloatingDialog final : public QWidget
     Q_OBJECT
 
 public:
-    /// Takes the card.
-    explicit FloatingDialog(DialogCard *card);
+    /// Takes the card. Without `translucent` there is no shadow and the window is cut to the card's shape, because its
+    /// empty parts would be black.
+    FloatingDialog(DialogCard *card, bool translucent);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -29,8 +30,11 @@ protected:
 
 private:
     void fitToCard();
+    void moveToPlace();
 
     DialogCard *m_card;
+    bool m_translucent;
+    bool m_placed = false; ///< by the user, or by being shown
 };
 
 /// Covers a window and shows a card on it.

@@ -5,9 +5,11 @@
 
 #include <QApplication>
 #include <QCoreApplication>
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QLineEdit>
+#include <QPalette>
 #include <QRegularExpression>
 #include <QWindow>
 
@@ -22,6 +24,7 @@ struct Services
     std::shared_ptr<platform::IWindowController> windows;
     std::shared_ptr<IFileDialogHost> fileHost;
     std::function<void(bool)> suspend;
+    QString theme = QStringLiteral("system");
     int open = 0;
 };
 
@@ -54,7 +57,7 @@ QString label(const char *source)
 
 void floatCard(DialogCard *card)
 {
-    auto *dialog = new FloatingDialog(card);
+    auto *dialog = new FloatingDialog(card, !services().windows || services().windows->isCompositing());
     dialog->winId();
     if (services().windows)
         services().windows->setWindowRole(dialog->windowHandle(), platform::WindowRole::Floating);
@@ -94,6 +97,30 @@ QString suffixOfFilter(const QString &filter)
     return pattern.match(filter).captured(1);
 }
 
+/// Qt's own file dialog takes its colours from the application, which knows nothing of the program's theme.
+QPalette paletteOf(const Theme &theme)
+{
+    QPalette palette;
+    palette.setColor(QPalette::Window, theme.studioWindow());
+    palette.setColor(QPalette::Base, theme.dark ? theme.studioPanel() : QColor(Qt::white));
+    palette.setColor(QPalette::AlternateBase, theme.studioPanel());
+    palette.setColor(QPalette::Button, theme.controlSurface());
+    palette.setColor(QPalette::Highlight, theme.accent());
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText})
+        palette.setColor(role, theme.studioText());
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, theme.studioDisabledText());
+    palette.setColor(QPalette::PlaceholderText, theme.studioSecondaryText());
+    return palette;
+}
+
+/// A folder that is gone must not throw the user into whatever folder the program was started in.
+QString existingFolder(const QString &path)
+{
+    return QFileInfo(path).isDir() ? path : QDir::homePath();
+}
+
 void configure(QFileDialog &dialog, const IFileDialogHost::Request &request)
 {
     using Mode = IFileDialogHost::Mode;
@@ -113,14 +140,14 @@ void configure(QFileDialog &dialog, const IFileDialogHost::Request &request)
         dialog.setAcceptMode(QFileDialog::AcceptSave);
         dialog.setFileMode(QFileDialog::AnyFile);
         const QFileInfo suggested(request.start);
-        dialog.setDirectory(suggested.absolutePath());
+        dialog.setDirectory(existingFolder(suggested.absolutePath()));
         dialog.selectFile(suggested.fileName());
         dialog.setDefaultSuffix(suggested.suffix().isEmpty() ? suffixOfFilter(request.filter) : suggested.suffix());
         return;
     }
     }
     if (!request.start.isEmpty())
-        dialog.setDirectory(request.start);
+        dialog.setDirectory(existingFolder(request.start));
 }
 
 void presentQtDialog(const IFileDialogHost::Request &request, const std::function<void(const QStringList &)> &answer)
@@ -128,6 +155,7 @@ void presentQtDialog(const IFileDialogHost::Request &request, const std::functio
     QWidget *owner = usableWindow(request.parent);
     auto *dialog = new QFileDialog(owner, request.title);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setPalette(paletteOf(themeFor(services().theme)));
     configure(*dialog, request);
     new OpenDialog(dialog);
     if (owner)
@@ -176,6 +204,11 @@ void setHotkeySuspender(std::function<void(bool)> suspend)
     services().suspend = std::move(suspend);
 }
 
+void setThemeName(const QString &name)
+{
+    services().theme = name;
+}
+
 int openDialogCount()
 {
     return services().open;
@@ -211,7 +244,7 @@ void message(QWidget *parent, Icon icon, const QString &title, const QString &te
 void confirm(QWidget *parent, Icon icon, const QString &title, const QString &text, const Options &options,
              std::function<void(bool)> answer, QObject *context)
 {
-    auto *card = new DialogCard(options.theme ? *options.theme : themeFor(QStringLiteral("system")));
+    auto *card = new DialogCard(options.theme ? *options.theme : themeFor(services().theme));
     card->setIcon(icon);
     card->setTitle(title);
     card->setText(text);

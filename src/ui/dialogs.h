@@ -50,7 +50,7 @@ struct Options
     QString cancelText; ///< empty means the usual label
     bool destructive = false;
     bool cancelDefault = true;
-    std::optional<Theme> theme; ///< empty follows the system
+    std::optional<Theme> theme; ///< empty takes that of setThemeName()
 };
 
 /// What the dialogs need of the rest of the program; null takes it away again.
@@ -58,6 +58,8 @@ void setWindowController(std::shared_ptr<platform::IWindowController> controller
 void setFileDialogHost(std::shared_ptr<IFileDialogHost> host);
 /// Called with true when the first dialog opens and with false when the last one has closed.
 void setHotkeySuspender(std::function<void(bool)> suspend);
+/// The theme setting (system, light, dark) for dialogs that are given none.
+void setThemeName(const QString &name);
 /// Cards and file dialogs that are open or waiting for their turn.
 [[nodiscard]] int openDialogCount();
 

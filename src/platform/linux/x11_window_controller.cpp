@@ -364,6 +364,13 @@ void X11WindowController::setOverlayLowered(QWindow *window, bool lowered)
     forget(qt, xcb_configure_window_checked(qt, id, XCB_CONFIG_WINDOW_SIBLING | XCB_CONFIG_WINDOW_STACK_MODE, values));
 }
 
+bool X11WindowController::isCompositing() const
+{
+    const XReply<xcb_get_selection_owner_reply_t> owner{xcb_get_selection_owner_reply(
+        m_x->xcb(), xcb_get_selection_owner(m_x->xcb(), m_x->atom(XAtom::CompositeManager)), nullptr)};
+    return owner && owner->owner != XCB_NONE;
+}
+
 void X11WindowController::setTitleBarHeight(QWindow *, int) {}
 
 } // namespace tavrel::platform

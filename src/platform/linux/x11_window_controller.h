@@ -38,6 +38,7 @@ public:
     void releaseActivation() override;
     void setClickThrough(QWindow *window, bool through) override;
     void setOverlayLowered(QWindow *window, bool lowered) override;
+    [[nodiscard]] bool isCompositing() const override;
     void setTitleBarHeight(QWindow *window, int height) override;
 
 private:

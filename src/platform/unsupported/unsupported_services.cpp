@@ -63,6 +63,7 @@ public:
             window->setFlag(Qt::WindowTransparentForInput, through);
     }
     void setOverlayLowered(QWindow *, bool) override {}
+    bool isCompositing() const override { return true; }
     void setTitleBarHeight(QWindow *, int) override {}
 };
 
