@@ -203,8 +203,9 @@ bool ForeignXClient::swapModifiers(int one, int other)
 bool ForeignXClient::setModifierKey(int modifier, xcb_keycode_t key)
 {
     return changeModifiers([modifier, key](std::vector<xcb_keycode_t> &keys, int width) {
-        std::fill_n(keys.begin() + modifier * width, width, xcb_keycode_t(0));
-        keys[static_cast<std::size_t>(modifier * width)] = key;
+        const auto first = keys.begin() + modifier * width;
+        std::fill_n(first, width, xcb_keycode_t(0));
+        *first = key;
     });
 }
 

@@ -44,7 +44,8 @@ public:
     X11HotkeyListener(const X11HotkeyListener &) = delete;
     X11HotkeyListener &operator=(const X11HotkeyListener &) = delete;
 
-    /// Binds a valid combo. Anything but Done leaves what was bound before.
+    /// Binds a valid combo. Anything but Done leaves what was bound before, only that a server that has answered too
+    /// late may have cost the id its earlier combo.
     [[nodiscard]] Answer bind(int id, const KeyCombo &combo);
     void unbind(int id);
     void unbindAll();
