@@ -10,8 +10,8 @@ namespace tavrel {
 /// What the words of a name template stand for.
 struct FilenameContext
 {
-    QString window; ///< title of the captured window
-    QString app;    ///< its application
+    QString window{}; ///< title of the captured window
+    QString app{};    ///< its application
     int index = 1;
     bool useUtc = false;
 

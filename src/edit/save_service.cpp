@@ -1,0 +1,166 @@
+#include "edit/save_service.h"
+
+#include "edit/image_file.h"
+#include "settings/settings_config.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QThreadPool>
+#include <QtConcurrentRun>
+
+#include <utility>
+
+namespace tavrel {
+namespace {
+
+/// One thread, so that saves keep their order. Never destroyed: its destructor would wait for a hanging network
+/// folder without end, which waitForSaves() is there to avoid.
+QThreadPool &savePool()
+{
+    static QThreadPool *const pool = [] {
+        auto *created = new QThreadPool;
+        created->setMaxThreadCount(1);
+        return created;
+    }();
+    return *pool;
+}
+
+QString textNoImage()
+{
+    return QCoreApplication::translate("SaveService", "没有可保存的图片");
+}
+
+QString textWriteFailed(const QString &path)
+{
+    return QCoreApplication::translate("SaveService", "写入文件失败：%1").arg(path);
+}
+
+QString failed(const QString &text, QString *error)
+{
+    if (error)
+        *error = text;
+    return {};
+}
+
+QString baseNameFor(double devicePixelRatio, const SaveRequest &request, const QDateTime &time)
+{
+    const bool suffix = request.retinaSuffix && devicePixelRatio >= 1.5;
+    return fileBaseName(expandName(request.nameTemplate, time, request.context),
+                        suffix ? QStringLiteral("@2x") : QString());
+}
+
+FileContent pictureContent(const QImage &image, ImageFileFormat format, int jpegQuality)
+{
+    return [&image, format, jpegQuality](QIODevice &device) { return encodeImage(image, device, format, jpegQuality); };
+}
+
+void follow(SaveJob *job, QObject *context, SaveDone done)
+{
+    QObject::connect(job, &SaveJob::finished, context, [job, done = std::move(done)](const SaveResult &result) {
+        job->deleteLater();
+        if (done)
+            done(result);
+    });
+}
+
+} // namespace
+
+SaveRequest saveRequest(const SettingsConfig &config, const QString &directory, const FilenameContext &context)
+{
+    SaveRequest request;
+    request.directory = directory;
+    request.nameTemplate = config.filenameFormat;
+    request.format = config.imageFormat;
+    request.context = context;
+    request.context.index = config.filenameCounter + 1;
+    request.context.useUtc = config.filenameUseUtc;
+    request.retinaSuffix = config.retinaSuffix;
+    return request;
+}
+
+bool usesIndex(const QString &nameTemplate)
+{
+    return nameTemplate.contains(u"{{index}}");
+}
+
+QString suggestedFileName(const QImage &image, const SaveRequest &request, const QDateTime &time,
+                          const ImageOutputOptions &options)
+{
+    const double ratio = options.scaleTo1x ? 1.0 : image.devicePixelRatio();
+    return baseNameFor(ratio, request, time) + u'.' + imageFileExtension(imageFileFormat(request.format));
+}
+
+QString saveImage(const QImage &image, const SaveRequest &request, const QDateTime &time, QString *error)
+{
+    if (image.isNull())
+        return failed(textNoImage(), error);
+    if (request.directory.isEmpty())
+        return failed(QCoreApplication::translate("SaveService", "未指定保存目录"), error);
+    if (!QDir().mkpath(request.directory))
+        return failed(QCoreApplication::translate("SaveService", "无法创建目录：%1").arg(request.directory), error);
+
+    const ImageFileFormat format = imageFileFormat(request.format);
+    QString failedPath;
+    const QString path =
+        createFile(QDir(request.directory).absolutePath(), baseNameFor(image.devicePixelRatio(), request, time),
+                   imageFileExtension(format), pictureContent(image, format, request.jpegQuality), &failedPath);
+    return path.isEmpty() ? failed(textWriteFailed(failedPath), error) : path;
+}
+
+QString saveImageTo(const QImage &image, const QString &path, int jpegQuality, QString *error)
+{
+    if (image.isNull())
+        return failed(textNoImage(), error);
+    const QFileInfo file(path);
+    if (!replaceFile(path, pictureContent(image, imageFileFormat(file.suffix()), jpegQuality)))
+        return failed(textWriteFailed(path), error);
+    return file.absoluteFilePath();
+}
+
+SaveJob::SaveJob(QObject *parent) : QObject(parent)
+{
+    connect(&m_watcher, &QFutureWatcher<SaveResult>::finished, this, [this] { Q_EMIT finished(m_watcher.result()); });
+}
+
+void SaveJob::start(const QImage &image, const SaveRequest &request, const QDateTime &time,
+                    const ImageOutputOptions &options)
+{
+    m_watcher.setFuture(QtConcurrent::run(&savePool(), [image, request, time, options] {
+        SaveResult result;
+        result.path = saveImage(prepareOutput(image, options), request, time, &result.error);
+        return result;
+    }));
+}
+
+void SaveJob::startTo(const QImage &image, const QString &path, int jpegQuality, const ImageOutputOptions &options)
+{
+    m_watcher.setFuture(QtConcurrent::run(&savePool(), [image, path, jpegQuality, options] {
+        SaveResult result;
+        result.path = saveImageTo(prepareOutput(image, options), path, jpegQuality, &result.error);
+        return result;
+    }));
+}
+
+void saveImageAsync(const QImage &image, const SaveRequest &request, const QDateTime &time,
+                    const ImageOutputOptions &options, QObject *context, SaveDone done)
+{
+    auto *job = new SaveJob(context);
+    follow(job, context, std::move(done));
+    job->start(image, request, time, options);
+}
+
+void saveImageToAsync(const QImage &image, const QString &path, int jpegQuality, const ImageOutputOptions &options,
+                      QObject *context, SaveDone done)
+{
+    auto *job = new SaveJob(context);
+    follow(job, context, std::move(done));
+    job->startTo(image, path, jpegQuality, options);
+}
+
+bool waitForSaves(int timeoutMs)
+{
+    return savePool().waitForDone(timeoutMs);
+}
+
+} // namespace tavrel
