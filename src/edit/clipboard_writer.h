@@ -31,7 +31,7 @@ public:
     static constexpr int kRoundMs = 25;
 
     /// Called from the event loop, after the call that began the write has returned, and not once `context` is
-    /// destroyed. False leaves whatever is on the clipboard.
+    /// destroyed (without one, the writer). False leaves whatever is on the clipboard.
     using Done = std::function<void(bool written)>;
 
     /// clipboard  used, must outlive the writer
@@ -64,6 +64,7 @@ private:
     void begin(Write write);
     void runRound();
     void finish(bool written);
+    void answer(QObject *context, const Done &done, bool written);
 
     IClipboard &m_clipboard;
     std::optional<Write> m_write;

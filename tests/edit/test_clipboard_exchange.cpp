@@ -1,0 +1,156 @@
+#include "edit/clipboard_writer.h"
+#include "edit/copy_image.h"
+#include "edit/image_file.h"
+#include "settings/settings_config.h"
+#include "support/test_main.h"
+
+#include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QProcess>
+#include <QRegularExpression>
+
+#include <csignal>
+
+using namespace tavrel;
+
+namespace {
+
+QImage picture(QSize size)
+{
+    QImage image(size, QImage::Format_ARGB32);
+    for (int y = 0; y < size.height(); ++y)
+        for (int x = 0; x < size.width(); ++x)
+            image.setPixel(x, y, qRgba(x % 256, y % 256, (x * y) % 256, 255 - (x + y) % 200));
+    return image;
+}
+
+/// What another program reads from the clipboard, while this one keeps answering.
+QByteArray pasted(const QString &target)
+{
+    QProcess reader;
+    reader.start(u"xclip"_qs, {u"-selection"_qs, u"clipboard"_qs, u"-t"_qs, target, u"-o"_qs});
+    [&reader] { QTRY_COMPARE_WITH_TIMEOUT(reader.state(), QProcess::NotRunning, 60'000); }();
+    return reader.readAllStandardOutput();
+}
+
+/// Another program that owns the clipboard.
+class ForeignOwner
+{
+public:
+    explicit ForeignOwner(const QByteArray &text)
+    {
+        m_process.start(u"xclip"_qs, {u"-selection"_qs, u"clipboard"_qs, u"-quiet"_qs, u"-i"_qs});
+        m_process.write(text);
+        m_process.closeWriteChannel();
+    }
+    ~ForeignOwner()
+    {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
+    Q_DISABLE_COPY_MOVE(ForeignOwner)
+
+    /// From now on it does not answer any more.
+    void freeze() { ::kill(pid_t(m_process.processId()), SIGSTOP); }
+
+private:
+    QProcess m_process;
+};
+
+} // namespace
+
+class ClipboardExchangeTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    static bool written(const std::function<void(QObject *, ClipboardWriter::Done)> &begin)
+    {
+        QObject context;
+        std::optional<bool> answer;
+        begin(&context, [&answer](bool result) { answer = result; });
+        [&answer] { QTRY_VERIFY_WITH_TIMEOUT(answer.has_value(), 60'000); }();
+        return answer.value_or(false);
+    }
+
+private Q_SLOTS:
+    void init() { QTest::failOnWarning(QRegularExpression(u".*"_qs)); }
+
+    void picturesArriveInOtherPrograms_data()
+    {
+        QTest::addColumn<QSize>("size");
+        QTest::newRow("small") << QSize(20, 10);
+        QTest::newRow("in several parts") << QSize(1920, 1080);
+    }
+
+    void picturesArriveInOtherPrograms()
+    {
+        QFETCH(QSize, size);
+        const QImage image = picture(size);
+        SystemClipboard clipboard;
+        ClipboardWriter writer(clipboard);
+        QVERIFY(written([&](QObject *context, auto done) { writer.setImage(image, context, done); }));
+        const QList<QByteArray> targets = pasted(u"TARGETS"_qs).split('\n');
+        QVERIFY2(targets.contains("image/png") && targets.contains("image/bmp"), targets.join(' ').constData());
+        QVERIFY2(!targets.contains("image/tiff"), targets.join(' ').constData());
+        QCOMPARE(QImage::fromData(pasted(u"image/png"_qs), "PNG").convertToFormat(QImage::Format_ARGB32), image);
+        QCOMPARE(QImage::fromData(pasted(u"image/bmp"_qs), "BMP").convertToFormat(QImage::Format_RGB32),
+                 flattenedOnWhite(image));
+    }
+
+    void filesArriveInOtherPrograms()
+    {
+        SettingsConfig config;
+        config.clipboardFormat = u"imageAndFile"_qs;
+        config.filenameFormat = u"a b"_qs;
+        SystemClipboard clipboard;
+        ClipboardWriter writer(clipboard);
+        ImageCopier copier(writer);
+        const QImage image = picture({300, 200});
+        QVERIFY(written([&](QObject *context, auto done) {
+            copier.copyImage(image, QDateTime::currentDateTime(), {}, config, context, done);
+        }));
+        const QByteArray uris = pasted(u"text/uri-list"_qs);
+        const QUrl url = QUrl::fromEncoded(uris.trimmed());
+        QCOMPARE(url.toLocalFile(), clipboardFileFolder() + u"/a b.png"_qs);
+        QCOMPARE(QImage(url.toLocalFile()).convertToFormat(QImage::Format_ARGB32), image);
+        QCOMPARE(pasted(u"x-special/gnome-copied-files"_qs), "copy\n" + url.toEncoded());
+        QCOMPARE(QImage::fromData(pasted(u"image/png"_qs)).convertToFormat(QImage::Format_ARGB32), image);
+    }
+
+    void takesTheClipboardBackFromOtherPrograms()
+    {
+        SystemClipboard clipboard;
+        ClipboardWriter writer(clipboard);
+        QVERIFY(written([&](QObject *context, auto done) { writer.setText(u"first"_qs, context, done); }));
+        QCOMPARE(pasted(u"UTF8_STRING"_qs), QByteArray("first"));
+        const ForeignOwner foreign("foreign");
+        QTRY_COMPARE(pasted(u"UTF8_STRING"_qs), QByteArray("foreign"));
+        QVERIFY(!clipboard.readBack());
+        const ForeignOwner another("another");
+        QTRY_COMPARE(pasted(u"UTF8_STRING"_qs), QByteArray("another"));
+        QVERIFY(!clipboard.readBack());
+        QVERIFY(written([&](QObject *context, auto done) { writer.setText(u"截图"_qs, context, done); }));
+        QCOMPARE(pasted(u"UTF8_STRING"_qs), QStringLiteral("截图").toUtf8());
+    }
+
+    // Asking such an owner for anything would take Qt's time-out of five seconds.
+    void anOwnerThatNeverAnswersIsNotAsked()
+    {
+        SystemClipboard clipboard;
+        ClipboardWriter writer(clipboard);
+        QVERIFY(written([&](QObject *context, auto done) { writer.setText(u"mine"_qs, context, done); }));
+        ForeignOwner foreign("foreign");
+        QTRY_COMPARE(pasted(u"UTF8_STRING"_qs), QByteArray("foreign"));
+        foreign.freeze();
+        QElapsedTimer timer;
+        timer.start();
+        QVERIFY(!clipboard.readBack());
+        QVERIFY(written([&](QObject *context, auto done) { writer.setImage(picture({50, 50}), context, done); }));
+        QVERIFY2(timer.elapsed() < 4000, "the frozen program was asked");
+        QCOMPARE(QImage::fromData(pasted(u"image/png"_qs)).size(), QSize(50, 50));
+    }
+};
+
+TAVREL_TEST_MAIN(QGuiApplication, ClipboardExchangeTest)
+#include "test_clipboard_exchange.moc"

@@ -1,0 +1,314 @@
+#include "edit/clipboard_writer.h"
+#include "edit/copy_image.h"
+#include "edit/image_file.h"
+#include "settings/settings_config.h"
+#include "support/test_main.h"
+
+#include <QClipboard>
+#include <QDir>
+#include <QGuiApplication>
+#include <QRegularExpression>
+
+using namespace tavrel;
+
+namespace {
+
+const QDateTime kTime(QDate(2024, 3, 7), QTime(8, 9, 10), Qt::UTC);
+
+/// A clipboard that other programs take away right after it was set, as often as told.
+class ContestedClipboard final : public IClipboard
+{
+public:
+    void set(std::unique_ptr<QMimeData> data) override
+    {
+        ++writes;
+        m_data = std::move(data);
+        m_stolen = thefts > 0;
+        if (m_stolen)
+            --thefts;
+        if (onSet)
+            onSet();
+    }
+    const QMimeData *readBack() const override { return m_stolen ? nullptr : m_data.get(); }
+    const QMimeData *contents() const { return m_data.get(); }
+
+    int thefts = 0;
+    int writes = 0;
+    std::function<void()> onSet;
+
+private:
+    std::unique_ptr<QMimeData> m_data;
+    bool m_stolen = false;
+};
+
+QImage picture(QSize size = {40, 30}, double ratio = 1.0)
+{
+    QImage image(size, QImage::Format_ARGB32);
+    for (int y = 0; y < size.height(); ++y)
+        for (int x = 0; x < size.width(); ++x)
+            image.setPixel(x, y, qRgba(x * 6 % 256, y * 8 % 256, 77, 255 - x));
+    image.setDevicePixelRatio(ratio);
+    return image;
+}
+
+QImage decoded(const QByteArray &bytes)
+{
+    return QImage::fromData(bytes).convertToFormat(QImage::Format_ARGB32);
+}
+
+} // namespace
+
+class ClipboardWriterTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    /// What `begin` was told in the end.
+    static std::optional<bool> answered(const std::function<void(QObject *, ClipboardWriter::Done)> &begin)
+    {
+        QObject context;
+        std::optional<bool> answer;
+        begin(&context, [&answer](bool written) { answer = written; });
+        [&answer] { QTRY_VERIFY(answer.has_value()); }();
+        return answer;
+    }
+
+private Q_SLOTS:
+    void init() { QTest::failOnWarning(QRegularExpression(u".*"_qs)); }
+
+    void cleanup() { QDir(clipboardFileFolder()).removeRecursively(); }
+
+    void retriesUntilItHolds_data()
+    {
+        QTest::addColumn<int>("thefts");
+        QTest::addColumn<int>("writes");
+        QTest::addColumn<bool>("expected");
+        QTest::newRow("nobody else") << 0 << 1 << true;
+        QTest::newRow("stolen twice") << 2 << 3 << true;
+        QTest::newRow("held in the last round") << 19 << 20 << true;
+        QTest::newRow("stolen for good") << 1000 << 20 << false;
+    }
+
+    void retriesUntilItHolds()
+    {
+        QFETCH(int, thefts);
+        ContestedClipboard clipboard;
+        clipboard.thefts = thefts;
+        ClipboardWriter writer(clipboard);
+        const auto answer = answered([&](QObject *context, auto done) { writer.setText(u"text"_qs, context, done); });
+        QTEST(answer.value(), "expected");
+        QTEST(clipboard.writes, "writes");
+        QCOMPARE(clipboard.contents()->text(), u"text"_qs);
+    }
+
+    void firstRoundIsOverOnReturnTheAnswerComesLater()
+    {
+        ContestedClipboard clipboard;
+        ClipboardWriter writer(clipboard);
+        int answers = 0;
+        writer.setText(u"a"_qs, this, [&answers](bool) { ++answers; });
+        QCOMPARE(clipboard.contents()->text(), u"a"_qs);
+        QCOMPARE(answers, 0);
+        QTRY_COMPARE(answers, 1);
+
+        auto owner = std::make_unique<QObject>();
+        writer.setText(u"b"_qs, owner.get(), [&answers](bool) { ++answers; });
+        clipboard.thefts = 1;
+        writer.setText(u"c"_qs, owner.get(), [&answers](bool) { ++answers; });
+        owner.reset();
+        QTRY_COMPARE(clipboard.writes, 4);
+        QCoreApplication::processEvents();
+        QCOMPARE(answers, 1);
+        writer.setText(u"d"_qs, nullptr, [&answers](bool) { ++answers; });
+        QTRY_COMPARE(answers, 2);
+    }
+
+    void aNewerWriteReplacesOneThatRetries()
+    {
+        ContestedClipboard clipboard;
+        clipboard.thefts = 1;
+        ClipboardWriter writer(clipboard);
+        QString answers;
+        writer.setText(u"old"_qs, this, [&](bool written) { answers += written ? u"+old"_qs : u"-old"_qs; });
+        writer.setImage({}, this, [&](bool written) { answers += written ? u"+null"_qs : u"-null"_qs; });
+        writer.setText(u"new"_qs, this, [&](bool written) { answers += written ? u"+new"_qs : u"-new"_qs; });
+        QTRY_COMPARE(answers, u"-null-old+new"_qs);
+        QCOMPARE(clipboard.writes, 2);
+        QCOMPARE(clipboard.contents()->text(), u"new"_qs);
+    }
+
+    void somebodyMayWriteInAnswerToAWrite()
+    {
+        ContestedClipboard clipboard;
+        ClipboardWriter writer(clipboard);
+        clipboard.onSet = [&] {
+            clipboard.onSet = {};
+            writer.setText(u"inner"_qs);
+        };
+        const auto answer = answered([&](QObject *context, auto done) { writer.setText(u"outer"_qs, context, done); });
+        QCOMPARE(answer, false);
+        QCOMPARE(clipboard.contents()->text(), u"inner"_qs);
+    }
+
+    void offersPictures()
+    {
+        ContestedClipboard clipboard;
+        ClipboardWriter writer(clipboard);
+        QImage image = picture({40, 30}, 2.0);
+        image.setText(u"Title"_qs, u"secret"_qs);
+        clipboard.thefts = 1;
+        QCOMPARE(answered([&](QObject *context, auto done) { writer.setImage(image, context, done); }), true);
+        const QMimeData *data = clipboard.contents();
+        QCOMPARE(data->formats(), (QStringList{u"image/png"_qs, u"image/bmp"_qs}));
+        QVERIFY(data->hasImage());
+        QVERIFY(!data->hasText() && !data->hasUrls());
+        QCOMPARE(qvariant_cast<QImage>(data->imageData()), image);
+        QCOMPARE(decoded(data->data(u"image/png"_qs)), picture());
+        QVERIFY(!data->data(u"image/png"_qs).contains("secret"));
+        QCOMPARE(decoded(data->data(u"image/bmp"_qs)).pixelColor(39, 0), flattenedOnWhite(picture()).pixelColor(39, 0));
+    }
+
+    void offersFiles()
+    {
+        ContestedClipboard clipboard;
+        ClipboardWriter writer(clipboard);
+        const QList<QUrl> urls{QUrl::fromLocalFile(u"/a b/截.png"_qs), QUrl::fromLocalFile(u"/c"_qs)};
+        for (const QImage &image : {QImage(), picture()}) {
+            QCOMPARE(answered([&](QObject *context, auto done) { writer.setFiles(urls, image, context, done); }), true);
+            const QMimeData *data = clipboard.contents();
+            QCOMPARE(data->urls(), urls);
+            QCOMPARE(data->data(u"text/uri-list"_qs), QByteArray("file:///a%20b/%E6%88%AA.png\r\nfile:///c\r\n"));
+            QCOMPARE(data->data(u"x-special/gnome-copied-files"_qs),
+                     QByteArray("copy\nfile:///a%20b/%E6%88%AA.png\nfile:///c"));
+            QCOMPARE(data->hasImage(), !image.isNull());
+            if (!image.isNull())
+                QCOMPARE(decoded(data->data(u"image/png"_qs)), image);
+        }
+    }
+
+    void theSystemsClipboardReadsBackItsOwnOnly()
+    {
+        SystemClipboard clipboard;
+        QVERIFY(!clipboard.readBack());
+        ClipboardWriter writer(clipboard);
+        QCOMPARE(answered([&](QObject *context, auto done) { writer.setText(u"mine"_qs, context, done); }), true);
+        QCOMPARE(QGuiApplication::clipboard()->text(), u"mine"_qs);
+        QGuiApplication::clipboard()->setText(u"another's"_qs);
+        QVERIFY(!clipboard.readBack());
+    }
+
+    void copies_data()
+    {
+        QTest::addColumn<QString>("form");
+        QTest::addColumn<double>("ratio");
+        QTest::addColumn<bool>("scaled");
+        QTest::addColumn<QStringList>("files");
+        QTest::addColumn<bool>("hasImage");
+        const QStringList plain{u"2024-5.png"_qs};
+        const QStringList retina{u"2024-5@2x.png"_qs};
+        QTest::newRow("picture") << u"image"_qs << 2.0 << false << QStringList() << true;
+        QTest::newRow("scaled picture") << u"image"_qs << 2.0 << true << QStringList() << true;
+        QTest::newRow("both") << u"imageAndFile"_qs << 1.0 << false << plain << true;
+        QTest::newRow("file") << u"file"_qs << 2.0 << false << retina << false;
+        QTest::newRow("scaled file") << u"file"_qs << 2.0 << true << plain << false;
+    }
+
+    void copies()
+    {
+        QFETCH(QString, form);
+        QFETCH(double, ratio);
+        QFETCH(bool, scaled);
+        QFETCH(QStringList, files);
+        SettingsConfig config;
+        config.clipboardFormat = form;
+        config.scaleRetinaTo1x = scaled;
+        config.retinaSuffix = true;
+        config.filenameFormat = u"{{yyyy}}-{{index}}"_qs;
+        config.filenameCounter = 4;
+        ContestedClipboard clipboard;
+        ClipboardWriter writer(clipboard);
+        ImageCopier copier(writer);
+        const QImage image = picture({40, 30}, ratio);
+        QCOMPARE(
+            answered([&](QObject *context, auto done) { copier.copyImage(image, kTime, {}, config, context, done); }),
+            true);
+        QCOMPARE(QDir(clipboardFileFolder()).entryList(QDir::Files | QDir::Hidden), files);
+        const QMimeData *data = clipboard.contents();
+        QTEST(data->hasImage(), "hasImage");
+        const QSize size = scaled ? QSize(20, 15) : QSize(40, 30);
+        if (data->hasImage())
+            QCOMPARE(decoded(data->data(u"image/png"_qs)).size(), size);
+        QCOMPARE(data->urls().size(), files.size());
+        if (!files.isEmpty()) {
+            QCOMPARE(data->urls().first().toLocalFile(), clipboardFileFolder() + u'/' + files.first());
+            QCOMPARE(QImage(data->urls().first().toLocalFile()).size(), size);
+        }
+    }
+
+    void fallsBackToThePictureWithoutAFile()
+    {
+        QDir().mkpath(QFileInfo(clipboardFileFolder()).path());
+        QFile blocker(clipboardFileFolder());
+        QVERIFY(blocker.open(QIODevice::WriteOnly));
+        SettingsConfig config;
+        config.clipboardFormat = u"file"_qs;
+        ContestedClipboard clipboard;
+        ClipboardWriter writer(clipboard);
+        ImageCopier copier(writer);
+        QCOMPARE(answered([&](QObject *context, auto done) {
+                     copier.copyImage(picture(), kTime, {}, config, context, done);
+                 }),
+                 true);
+        QVERIFY(blocker.remove());
+        QVERIFY(clipboard.contents()->hasImage());
+        QVERIFY(!clipboard.contents()->hasUrls());
+    }
+
+    void deletesFilesOfEarlierDays()
+    {
+        const QDir folder(clipboardFileFolder());
+        QVERIFY(folder.mkpath(u"kept folder"_qs));
+        const auto make = [&folder](const QString &name, qint64 age) {
+            QFile file(folder.filePath(name));
+            return file.open(QIODevice::WriteOnly) &&
+                   file.setFileTime(kTime.addSecs(-age), QFile::FileModificationTime);
+        };
+        QVERIFY(make(u"old.png"_qs, 86401) && make(u".old.part"_qs, 1'000'000));
+        QVERIFY(make(u"day.png"_qs, 86400) && make(u"future.png"_qs, -1'000'000));
+        SettingsConfig config;
+        config.clipboardFormat = u"file"_qs;
+        config.filenameFormat = u"new"_qs;
+        ContestedClipboard clipboard;
+        ClipboardWriter writer(clipboard);
+        ImageCopier copier(writer);
+        answered([&](QObject *context, auto done) { copier.copyImage(picture(), kTime, {}, config, context, done); });
+        QCOMPARE(folder.entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name),
+                 (QStringList{u"day.png"_qs, u"future.png"_qs, u"kept folder"_qs, u"new.png"_qs}));
+    }
+
+    void theLatestCopyWins()
+    {
+        SettingsConfig config;
+        config.clipboardFormat = u"file"_qs;
+        ContestedClipboard clipboard;
+        ClipboardWriter writer(clipboard);
+        ImageCopier copier(writer);
+        QString answers;
+        const auto note = [&answers](const QString &name) {
+            return [&answers, name](bool written) { answers += (written ? u'+' : u'-') + name; };
+        };
+        copier.copyImage(picture({500, 400}), kTime, {}, config, this, note(u"1"_qs));
+        copier.copyImage(picture({20, 20}), kTime, {}, config, this, note(u"2"_qs));
+        QTRY_COMPARE(answers, u"-1+2"_qs);
+        QCOMPARE(QImage(clipboard.contents()->urls().first().toLocalFile()).size(), QSize(20, 20));
+
+        copier.copyImage(picture({500, 400}), kTime, {}, config, this, note(u"3"_qs));
+        copier.copyImage({}, kTime, {}, config, this, note(u"4"_qs));
+        writer.setText(u"text"_qs, this, note(u"5"_qs));
+        QTRY_COMPARE(answers, u"-1+2-4+5-3"_qs);
+        QCOMPARE(clipboard.contents()->text(), u"text"_qs);
+    }
+};
+
+TAVREL_TEST_MAIN(QGuiApplication, ClipboardWriterTest)
+#include "test_clipboard_writer.moc"
