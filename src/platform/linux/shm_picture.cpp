@@ -3,7 +3,9 @@
 #include "platform/linux/x_connection.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
+#include <thread>
 
 #include <sys/mman.h>
 #include <unistd.h>
@@ -17,6 +19,9 @@ namespace tavrel::platform {
 namespace {
 
 constexpr quint32 kOpaque = 0xff000000U;
+// One core does not fill the memory bus. Below half a megapixel a thread costs more than it saves.
+constexpr std::size_t kMaxThreads = 3;
+constexpr std::size_t kPixelsPerThread = 500'000;
 constexpr std::size_t kHugePage = std::size_t(2) << 20;
 
 void copyOpaque(quint32 *to, const quint32 *from, std::size_t count)
@@ -25,14 +30,14 @@ void copyOpaque(quint32 *to, const quint32 *from, std::size_t count)
 #if defined(__SSE2__)
     // Past the caches: the picture is far larger than they are, and reading each line of it only to overwrite it
     // would cost as much as the copy.
-    if (reinterpret_cast<quintptr>(to) % 16 == 0) {
-        const __m128i alpha = _mm_set1_epi32(static_cast<int>(kOpaque));
-        for (; i + 4 <= count; i += 4) {
-            const __m128i pixels = _mm_loadu_si128(reinterpret_cast<const __m128i *>(from + i));
-            _mm_stream_si128(reinterpret_cast<__m128i *>(to + i), _mm_or_si128(pixels, alpha));
-        }
-        _mm_sfence();
+    const __m128i alpha = _mm_set1_epi32(static_cast<int>(kOpaque));
+    for (; i < count && reinterpret_cast<quintptr>(to + i) % 16 != 0; ++i)
+        to[i] = from[i] | kOpaque;
+    for (; i + 4 <= count; i += 4) {
+        const __m128i pixels = _mm_loadu_si128(reinterpret_cast<const __m128i *>(from + i));
+        _mm_stream_si128(reinterpret_cast<__m128i *>(to + i), _mm_or_si128(pixels, alpha));
     }
+    _mm_sfence();
 #endif
     for (; i < count; ++i)
         to[i] = from[i] | kOpaque;
@@ -80,7 +85,7 @@ ShmSegment::~ShmSegment()
     munmap(m_memory, m_bytes);
 }
 
-QImage opaqueCopy(const quint32 *pixels, const QSize &size)
+QImage makePicture(const QSize &size)
 {
     const auto count = static_cast<std::size_t>(size.width()) * static_cast<std::size_t>(size.height());
     // In pages of 2 MB the kernel clears and maps a 4K picture several times faster than in those of 4 kB, and that
@@ -90,12 +95,34 @@ QImage opaqueCopy(const quint32 *pixels, const QSize &size)
     void *memory = std::aligned_alloc(alignment, bytes);
     if (!memory)
         return {};
-    if (alignment == kHugePage)
+    if (alignment == kHugePage) {
         madvise(memory, bytes, MADV_HUGEPAGE);
-    copyOpaque(static_cast<quint32 *>(memory), pixels, count);
+#if defined(MADV_POPULATE_WRITE)
+        madvise(memory, bytes, MADV_POPULATE_WRITE);
+#endif
+    }
     return QImage(
         static_cast<uchar *>(memory), size.width(), size.height(), size.width() * 4,
         QImage::Format_ARGB32_Premultiplied, [](void *owned) { std::free(owned); }, memory);
+}
+
+void copyOpaque(QImage &picture, const quint32 *pixels)
+{
+    const auto count = static_cast<std::size_t>(picture.width()) * static_cast<std::size_t>(picture.height());
+    auto *to = reinterpret_cast<quint32 *>(picture.bits());
+    const std::size_t parts = std::min(count / kPixelsPerThread + 1, kMaxThreads);
+    const std::size_t share = count / parts;
+    std::array<std::thread, kMaxThreads - 1> helpers;
+    for (std::size_t i = 1; i < parts; ++i) {
+        const std::size_t from = i * share;
+        const std::size_t length = i + 1 == parts ? count - from : share;
+        helpers[i - 1] = std::thread([=] { copyOpaque(to + from, pixels + from, length); });
+    }
+    copyOpaque(to, pixels, parts == 1 ? count : share);
+    for (std::thread &helper : helpers) {
+        if (helper.joinable())
+            helper.join();
+    }
 }
 
 } // namespace tavrel::platform

@@ -35,8 +35,10 @@ private:
     std::size_t m_bytes;
 };
 
-/// Copies pixels of 32 bits (0xXXRRGGBB, rows without padding) into an opaque picture in one pass. Null when there is
-/// no memory for it. Budget: 8 ms for 3840 x 2160.
-[[nodiscard]] QImage opaqueCopy(const quint32 *pixels, const QSize &size);
+/// A picture whose rows have no padding, its pixels not set but their memory ready to be written to; null when there
+/// is no memory for it.
+[[nodiscard]] QImage makePicture(const QSize &size);
+/// Copies pixels of 32 bits (0xXXRRGGBB) into a picture from makePicture() and makes them opaque, in one pass.
+void copyOpaque(QImage &picture, const quint32 *pixels);
 
 } // namespace tavrel::platform

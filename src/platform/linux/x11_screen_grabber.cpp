@@ -60,6 +60,7 @@ struct X11ScreenGrabber::Private
         xcb_pixmap_t pixmap = XCB_NONE; ///< depth 24, where a picture is put together
         xcb_render_picture_t picture = XCB_NONE;
         QSize pixmapSize;
+        bool pixmapInSegment = false;
     };
 
     std::shared_ptr<XConnection> x;
@@ -75,6 +76,9 @@ struct X11ScreenGrabber::Private
     void freePixmap(Slot &slot);
     bool ensurePixmap(Slot &slot, const QSize &size);
     QImage fetch(Slot &slot, xcb_drawable_t from, const QRect &rect);
+    void ensureSegment(Slot &slot, const QSize &size);
+    QImage fetchAssembled(Slot &slot);
+    QImage fetchShared(const ShmSegment &segment, xcb_drawable_t from, const QRect &rect);
     bool assemble(Slot &slot, const QRect &rect, const Hidden &hidden);
     xcb_render_picture_t pictureOf(xcb_drawable_t drawable, xcb_render_pictformat_t format, quint32 mask = 0,
                                    quint32 value = 0) const;
@@ -145,14 +149,21 @@ void X11ScreenGrabber::Private::freePixmap(Slot &slot)
     slot.pixmapSize = {};
 }
 
+/// Where the server can draw into shared memory, the pixmap is the segment, and nothing need be fetched from it.
 bool X11ScreenGrabber::Private::ensurePixmap(Slot &slot, const QSize &size)
 {
     if (slot.pixmap != XCB_NONE && slot.pixmapSize == size)
         return true;
     freePixmap(slot);
+    ensureSegment(slot, size);
     const xcb_pixmap_t pixmap = xcb_generate_id(x->xcb());
-    if (!x->succeeded(xcb_create_pixmap_checked(x->xcb(), 24, pixmap, x->root(), static_cast<quint16>(size.width()),
-                                                static_cast<quint16>(size.height()))))
+    const auto width = static_cast<quint16>(size.width());
+    const auto height = static_cast<quint16>(size.height());
+    slot.pixmapInSegment = slot.segment && x->extensions().shmPixmaps &&
+                           x->succeeded(xcb_shm_create_pixmap_checked(x->xcb(), pixmap, x->root(), width, height, 24,
+                                                                      slot.segment->id(), 0));
+    if (!slot.pixmapInSegment &&
+        !x->succeeded(xcb_create_pixmap_checked(x->xcb(), 24, pixmap, x->root(), width, height)))
         return false;
     slot.pixmap = pixmap;
     slot.picture = pictureOf(pixmap, rgb24);
@@ -160,29 +171,61 @@ bool X11ScreenGrabber::Private::ensurePixmap(Slot &slot, const QSize &size)
     return true;
 }
 
+void X11ScreenGrabber::Private::ensureSegment(Slot &slot, const QSize &size)
+{
+    const std::size_t bytes = std::size_t(size.width()) * std::size_t(size.height()) * sizeof(quint32);
+    if (!shareMemory || (slot.segment && slot.segment->size() == bytes))
+        return;
+    slot.segment.reset(); // the old one first: two of them would be a lot of memory
+    slot.segment = ShmSegment::create(x, bytes);
+    shareMemory = slot.segment || x->isBroken();
+}
+
+/// The pixels of the slot's pixmap.
+QImage X11ScreenGrabber::Private::fetchAssembled(Slot &slot)
+{
+    if (!slot.pixmapInSegment)
+        return fetch(slot, slot.pixmap, QRect(QPoint(0, 0), slot.pixmapSize));
+    xcb_flush(x->xcb());
+    QImage image = makePicture(slot.pixmapSize);
+    if (!x->sync() || image.isNull())
+        return {};
+    copyOpaque(image, slot.segment->pixels());
+    return image;
+}
+
 /// The pixels of a drawable: through shared memory, or through the connection where memory cannot be shared.
 QImage X11ScreenGrabber::Private::fetch(Slot &slot, xcb_drawable_t from, const QRect &rect)
 {
     const auto [left, top, width, height] = toXcb(rect);
     const std::size_t bytes = std::size_t(width) * height * sizeof(quint32);
-    if (shareMemory && (!slot.segment || slot.segment->size() != bytes)) {
-        slot.segment.reset(); // the old one first: two of them would be a lot of memory
-        slot.segment = ShmSegment::create(x, bytes);
-        shareMemory = slot.segment || x->isBroken();
-    }
-    QImage image;
-    if (slot.segment) {
-        const auto cookie = xcb_shm_get_image(x->xcb(), from, left, top, width, height, ~0U, XCB_IMAGE_FORMAT_Z_PIXMAP,
-                                              slot.segment->id(), 0);
-        const auto reply = xAnswer<xcb_shm_get_image_reply_t>(x->xcb(), cookie, xcb_shm_get_image_reply);
-        if (reply)
-            image = opaqueCopy(slot.segment->pixels(), rect.size());
-    } else {
-        const auto cookie = xcb_get_image(x->xcb(), XCB_IMAGE_FORMAT_Z_PIXMAP, from, left, top, width, height, ~0U);
-        const auto reply = xAnswer<xcb_get_image_reply_t>(x->xcb(), cookie, xcb_get_image_reply);
-        if (reply && std::size_t(xcb_get_image_data_length(reply.get())) >= bytes)
-            image = opaqueCopy(reinterpret_cast<const quint32 *>(xcb_get_image_data(reply.get())), rect.size());
-    }
+    ensureSegment(slot, rect.size());
+    if (slot.segment)
+        return fetchShared(*slot.segment, from, rect);
+    const auto reply = xAnswer<xcb_get_image_reply_t>(
+        x->xcb(), xcb_get_image(x->xcb(), XCB_IMAGE_FORMAT_Z_PIXMAP, from, left, top, width, height, ~0U),
+        xcb_get_image_reply);
+    if (!reply || std::size_t(xcb_get_image_data_length(reply.get())) < bytes)
+        return {};
+    QImage image = makePicture(rect.size());
+    if (!image.isNull())
+        copyOpaque(image, reinterpret_cast<const quint32 *>(xcb_get_image_data(reply.get())));
+    return image;
+}
+
+/// Server and client work side by side: while the one fetches the pixels, the other has the memory for them made
+/// ready.
+QImage X11ScreenGrabber::Private::fetchShared(const ShmSegment &segment, xcb_drawable_t from, const QRect &rect)
+{
+    const auto [left, top, width, height] = toXcb(rect);
+    const auto asked =
+        xcb_shm_get_image(x->xcb(), from, left, top, width, height, ~0U, XCB_IMAGE_FORMAT_Z_PIXMAP, segment.id(), 0);
+    xcb_flush(x->xcb());
+    QImage image = makePicture(rect.size());
+    const auto reply = xAnswer<xcb_shm_get_image_reply_t>(x->xcb(), asked, xcb_shm_get_image_reply);
+    if (!reply || image.isNull())
+        return {};
+    copyOpaque(image, segment.pixels());
     return image;
 }
 
@@ -425,7 +468,7 @@ QImage X11ScreenGrabber::grab(const QString &slot, const QRect &rect, const Hidd
     // Roots of other pixel formats are drawn into a pixmap of the usual one; Render converts.
     if (d->rgb24 == 0 || !d->ensurePixmap(kept, rect.size()) || !d->assemble(kept, rect, hidden))
         return {};
-    return d->fetch(kept, kept.pixmap, QRect(QPoint(0, 0), rect.size()));
+    return d->fetchAssembled(kept);
 }
 
 void X11ScreenGrabber::drawCursor(QImage &image, const QRect &rect) const

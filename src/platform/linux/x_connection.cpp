@@ -144,6 +144,7 @@ void XConnection::fetchAtomsAndExtensions(int screenNumber)
         const XReply<xcb_shm_query_version_reply_t> reply{
             xcb_shm_query_version_reply(c, xcb_shm_query_version(c), nullptr)};
         m_extensions.shmDescriptors = reply && reaches(reply->major_version, reply->minor_version, 1, 2);
+        m_extensions.shmPixmaps = reply && reply->shared_pixmaps && reply->pixmap_format == XCB_IMAGE_FORMAT_Z_PIXMAP;
     }
     if (present(&xcb_xfixes_id)) {
         const XReply<xcb_xfixes_query_version_reply_t> reply{

@@ -84,6 +84,7 @@ public:
     {
         bool randrMonitors = false;  ///< RandR 1.5
         bool shmDescriptors = false; ///< MIT-SHM 1.2
+        bool shmPixmaps = false;     ///< the server draws into shared memory
         bool composite = false;      ///< 0.4, with XFixes
         bool fixes = false;          ///< 5.0
         bool render = false;
