@@ -108,13 +108,26 @@ xcb_window_t XProbe::open(const QRect &rect, const Look &look)
     const quint32 hints[18] = {1U};
     xcb_change_property(m_c, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, 32, 18,
                         hints);
-    xcb_map_window(m_c, window);
-    sync();
-    [this, window] { QTRY_VERIFY(isViewable(window)); }();
+    if (!look.mapped)
+        return window;
+    map(window);
     if (look.patterned)
         paintNoise(window, window);
-    sync();
     return window;
+}
+
+void XProbe::map(xcb_window_t window)
+{
+    xcb_map_window(m_c, window);
+    sync();
+    QTRY_VERIFY(isViewable(window));
+}
+
+void XProbe::raise(xcb_window_t window)
+{
+    const quint32 above = XCB_STACK_MODE_ABOVE;
+    xcb_configure_window(m_c, window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+    sync();
 }
 
 void XProbe::close(xcb_window_t window)

@@ -29,11 +29,14 @@ public:
         bool bypassing = true;  ///< override-redirect
         bool argb = false;      ///< a 32-bit window
         bool patterned = false; ///< the client draws noise once, after it is mapped, and never again
+        bool mapped = true;
         int border = 0;
         QRegion shape = {}; ///< bounding shape, empty for none
     };
-    /// Opens and maps a window, and waits until it is viewable.
+    /// Opens a window and waits until it is viewable.
     xcb_window_t open(const QRect &rect, const Look &look);
+    void map(xcb_window_t window);
+    void raise(xcb_window_t window);
     void close(xcb_window_t window);
     /// Draws noise over a window, as its client.
     void paintNoise(xcb_window_t window, quint32 seed);

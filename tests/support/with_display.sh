@@ -58,8 +58,9 @@ esac
 if [ "$wm" = picom ]; then
     HOME="$scratch" XDG_CONFIG_HOME="$scratch" picom --backend xrender --config /dev/null >"$scratch/picom.log" 2>&1 &
     pids+=($!)
+    # It is at work when it has its window, with which it claims the screen.
     for ((i = 0; i < 200; i++)); do
-        xdpyinfo >/dev/null 2>&1 && xprop -root 2>/dev/null | grep -q . && break
+        xwininfo -root -children 2>/dev/null | grep -q '"picom"' && break
         sleep 0.05
     done
 fi

@@ -86,7 +86,7 @@ struct X11ScreenGrabber::Private
     void drawScreen(const Slot &slot, const QRect &rect) const;
     void drawBackground(const Slot &slot, const QRect &rect, const QRegion &open, xcb_pixmap_t rootPixmap) const;
     void drawWindow(const Slot &slot, const QRect &rect, const RootChild &child, xcb_pixmap_t contents,
-                    const QRegion &visible) const;
+                    const QRegion &visible, bool blend) const;
 };
 
 void X11ScreenGrabber::Private::readFormats()
@@ -289,7 +289,7 @@ void X11ScreenGrabber::Private::drawBackground(const Slot &slot, const QRect &re
 
 /// Draws a window's pixmap, border included, where it is `visible` (pixels of the picture).
 void X11ScreenGrabber::Private::drawWindow(const Slot &slot, const QRect &rect, const RootChild &child,
-                                           xcb_pixmap_t contents, const QRegion &visible) const
+                                           xcb_pixmap_t contents, const QRegion &visible, bool blend) const
 {
     xcb_connection_t *c = x->xcb();
     const QPoint at = child.rect.topLeft() - rect.topLeft();
@@ -312,7 +312,7 @@ void X11ScreenGrabber::Private::drawWindow(const Slot &slot, const QRect &rect, 
     const VisualFormat format = visuals.value(child.visual);
     const xcb_render_picture_t source = pictureOf(contents, format.format);
     const auto [left, top, width, height] = toXcb(QRect(at, child.rect.size()));
-    xcb_render_composite(c, format.alpha ? XCB_RENDER_PICT_OP_OVER : XCB_RENDER_PICT_OP_SRC, source, XCB_NONE,
+    xcb_render_composite(c, blend && format.alpha ? XCB_RENDER_PICT_OP_OVER : XCB_RENDER_PICT_OP_SRC, source, XCB_NONE,
                          slot.picture, 0, 0, 0, 0, left, top, width, height);
     xcb_render_free_picture(c, source);
 }
@@ -346,7 +346,7 @@ bool X11ScreenGrabber::Private::assemble(Slot &slot, const QRect &rect, const Hi
             const QRegion visible = open & area;
             if (visible.isEmpty())
                 continue;
-            if (!it->shaped && !visuals.value(it->visual).alpha)
+            if (!it->shaped && !(hidden.composited && visuals.value(it->visual).alpha))
                 open -= area;
             const xcb_pixmap_t contents = xcb_generate_id(x->xcb());
             layers.push_back(
@@ -368,7 +368,7 @@ bool X11ScreenGrabber::Private::assemble(Slot &slot, const QRect &rect, const Hi
                 drawBackground(slot, rect, open, hidden.rootPixmap);
             for (auto it = layers.crbegin(); it != layers.crend(); ++it) {
                 if (!gone.contains(it->child.window))
-                    drawWindow(slot, rect, it->child, it->contents, it->visible);
+                    drawWindow(slot, rect, it->child, it->contents, it->visible, hidden.composited);
             }
         }
         for (const Layer &layer : layers) {
@@ -421,7 +421,7 @@ X11ScreenGrabber::Hidden X11ScreenGrabber::findHidden(const QSet<WId> &windows) 
             hidden.rootPixmap = items.first();
     }
     const XReply<xcb_get_selection_owner_reply_t> owner{xcb_get_selection_owner_reply(x.xcb(), manager, nullptr)};
-    const bool composited = owner && owner->owner != XCB_WINDOW_NONE;
+    hidden.composited = owner && owner->owner != XCB_WINDOW_NONE;
 
     for (const RootChild &child : std::as_const(hidden.stack)) {
         if (!hidden.frames.contains(child.window) || child.isInputOnly())
@@ -439,7 +439,7 @@ X11ScreenGrabber::Hidden X11ScreenGrabber::findHidden(const QSet<WId> &windows) 
                     covered += QRect(rects[i].x, rects[i].y, rects[i].width, rects[i].height).translated(inside);
             }
         }
-        if (composited && !child.shaped) {
+        if (hidden.composited && !child.shaped) {
             const int m = kShadowMargin;
             covered = QRegion(child.rect.adjusted(-m, -m, m, m));
         }

@@ -29,10 +29,11 @@ public:
     /// What has to be left out of the pictures of one moment, found for all displays at once.
     struct Hidden
     {
-        QSet<quint32> frames;   ///< children of the root
-        QRegion region;         ///< what they cover, in pixels of the root
-        QList<RootChild> stack; ///< every window on the screen, bottom to top; empty with nothing hidden
-        quint32 rootPixmap = 0; ///< the desktop's picture, 0 when there is none
+        QSet<quint32> frames;    ///< children of the root
+        QRegion region;          ///< what they cover, in pixels of the root
+        QList<RootChild> stack;  ///< every window on the screen, bottom to top; empty with nothing hidden
+        quint32 rootPixmap = 0;  ///< the desktop's picture, 0 when there is none
+        bool composited = false; ///< a compositing manager blends translucent windows; else they show opaque
 
         [[nodiscard]] bool meets(const QRect &rect) const { return region.intersects(rect); }
     };
