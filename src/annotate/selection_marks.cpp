@@ -17,14 +17,17 @@ struct Ring
 constexpr std::array kRings{Ring{4.4, 44}, Ring{2.4, 88}, Ring{1.0, 140}};
 constexpr std::array kGlowLines{Ring{10.0, 24}, Ring{6.0, 44}, Ring{2.8, 86}, Ring{1.6, 205}};
 
-void strokeMarks(QPainter &painter, const QPainterPath &path, double width, double handleScale)
+/// Each path by itself: the painter hands a long list of spans to other threads, and for marks as small as these that
+/// takes longer than to paint them.
+void strokeMarks(QPainter &painter, const std::array<QPainterPath, 4> &paths, double width, double handleScale)
 {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setBrush(Qt::NoBrush);
     const auto stroke = [&](const QColor &color, double penWidth) {
         painter.setPen(QPen(color, penWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-        painter.drawPath(path);
+        for (const QPainterPath &path : paths)
+            painter.drawPath(path);
     };
     for (const Ring &ring : kRings)
         stroke(QColor(0, 0, 0, ring.alpha), width + ring.extra * handleScale);
@@ -66,17 +69,16 @@ void paintRoundHandle(QPainter &painter, const QPointF &center, double handleSca
 
 void paintCornerBrackets(QPainter &painter, const QRectF &box, double armLength, double width, double handleScale)
 {
-    QPainterPath path;
-    const auto corner = [&](const QPointF &at, double towardsX, double towardsY) {
-        path.moveTo(at.x() + towardsX * armLength, at.y());
+    const auto corner = [armLength](const QPointF &at, double towardsX, double towardsY) {
+        QPainterPath path(QPointF(at.x() + towardsX * armLength, at.y()));
         path.lineTo(at);
         path.lineTo(at.x(), at.y() + towardsY * armLength);
+        return path;
     };
-    corner(box.topLeft(), 1, 1);
-    corner(box.topRight(), -1, 1);
-    corner(box.bottomLeft(), 1, -1);
-    corner(box.bottomRight(), -1, -1);
-    strokeMarks(painter, path, width, handleScale);
+    strokeMarks(painter,
+                {corner(box.topLeft(), 1, 1), corner(box.topRight(), -1, 1), corner(box.bottomLeft(), 1, -1),
+                 corner(box.bottomRight(), -1, -1)},
+                width, handleScale);
 }
 
 void paintCornerBrackets(QPainter &painter, const QRectF &box, double handleScale)
@@ -87,18 +89,18 @@ void paintCornerBrackets(QPainter &painter, const QRectF &box, double handleScal
 
 void paintEdgeTicks(QPainter &painter, const QRectF &box, double length, double width, double handleScale)
 {
-    QPainterPath path;
+    const auto tick = [](const QPointF &middle, const QPointF &half) {
+        QPainterPath path(middle - half);
+        path.lineTo(middle + half);
+        return path;
+    };
     const QPointF middle = box.center();
-    const double half = length / 2;
-    for (const double y : {box.top(), box.bottom()}) {
-        path.moveTo(middle.x() - half, y);
-        path.lineTo(middle.x() + half, y);
-    }
-    for (const double x : {box.left(), box.right()}) {
-        path.moveTo(x, middle.y() - half);
-        path.lineTo(x, middle.y() + half);
-    }
-    strokeMarks(painter, path, width, handleScale);
+    const QPointF across(length / 2, 0);
+    const QPointF down(0, length / 2);
+    strokeMarks(painter,
+                {tick({middle.x(), box.top()}, across), tick({middle.x(), box.bottom()}, across),
+                 tick({box.left(), middle.y()}, down), tick({box.right(), middle.y()}, down)},
+                width, handleScale);
 }
 
 void paintRoundedGlow(QPainter &painter, const QRectF &box, double handleScale)

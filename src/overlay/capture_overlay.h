@@ -144,7 +144,8 @@ private:
     [[nodiscard]] QRectF hintBox() const;
     void rebuildHints();
     void paintSelection(QPainter &painter) const;
-    void paintHover(QPainter &painter) const;
+    /// The hovered rectangle while it is painted.
+    [[nodiscard]] QRectF shownHover() const;
 
     platform::DisplayInfo m_display;
     SettingsConfig m_config;
@@ -172,6 +173,7 @@ private:
 
     QString m_toast;
     QTimer m_toastTimer;
+    MagnifierPainter m_magnifier;
     HintCard m_hints;
     int m_hintKey = -1;
     PaintedRegions m_painted;

@@ -19,32 +19,42 @@ QRectF grown(const QRectF &rect, double by)
 
 } // namespace
 
-void CaptureOverlay::paintEvent(QPaintEvent *)
+void CaptureOverlay::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
-    if (!m_picture.area().contains(QRectF(rect())))
-        painter.fillRect(rect(), Qt::black);
-    m_picture.paintDimmed(painter, devicePixelRatioF());
-
-    if (hasSelection())
-        paintSelection(painter);
-    else if (m_mode != OverlayMode::Selecting)
-        paintHover(painter);
+    const QRectF clear = hasSelection() ? m_selection : shownHover();
+    // Under a clip of one rectangle a picture is copied row by row; under that of the whole region it is blended span
+    // by span, which takes five times as long.
+    for (const QRect &part : event->region()) {
+        painter.setClipRect(part);
+        if (!m_picture.area().contains(QRectF(part)))
+            painter.fillRect(part, Qt::black);
+        m_picture.paintDimmed(painter, devicePixelRatioF());
+        if (!clear.isEmpty())
+            m_picture.paintClear(painter, clear, devicePixelRatioF());
+    }
+    painter.setClipping(false);
 
     const PaintedRegions now = regionsNow();
-    if (!now.hint.isNull())
-        m_hints.paint(painter, now.hint.adjusted(4, 4, -4, -4).topLeft());
-    if (!now.magnifier.isNull())
-        paintMagnifier(painter, now.magnifier.adjusted(3, 3, -3, -3), m_picture, m_pointer, magnifierLook());
-    if (!m_toast.isEmpty())
+    const auto isTouched = [event](const QRectF &part) {
+        return !part.isNull() && event->region().intersects(part.toAlignedRect());
+    };
+    if (hasSelection())
+        paintSelection(painter);
+    else if (isTouched(now.hover))
+        paintRectOutline(painter, m_hover, 1.0);
+    if (isTouched(now.hint))
+        m_hints.paint(painter, hintBox().topLeft());
+    if (isTouched(now.magnifier))
+        m_magnifier.paint(painter, magnifierBox(m_pointer, magnifierLook(), QSizeF(size())), devicePixelRatioF(),
+                          m_picture, m_pointer, magnifierLook());
+    if (isTouched(now.toast))
         paintToast(painter, toastBox(m_toast, QSizeF(size())), m_toast);
     m_painted = now;
 }
 
 void CaptureOverlay::paintSelection(QPainter &painter) const
 {
-    m_picture.paintClear(painter, m_selection, devicePixelRatioF());
-
     painter.save();
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
     painter.translate(m_picture.origin());
@@ -60,12 +70,9 @@ void CaptureOverlay::paintSelection(QPainter &painter) const
     paintSizeLabel(painter, sizeLabelBox(m_selection, text), text);
 }
 
-void CaptureOverlay::paintHover(QPainter &painter) const
+QRectF CaptureOverlay::shownHover() const
 {
-    if (m_hover.isEmpty())
-        return;
-    m_picture.paintClear(painter, m_hover, devicePixelRatioF());
-    paintRectOutline(painter, m_hover, 1.0);
+    return hasSelection() || m_mode == OverlayMode::Selecting ? QRectF() : m_hover;
 }
 
 QString CaptureOverlay::sizeText() const
@@ -123,9 +130,8 @@ PaintedRegions CaptureOverlay::regionsNow() const
         now.sizeLabel = grown(sizeLabelBox(m_selection, sizeText()), 4);
         const QRectF shapes = m_document.boundsPadded();
         now.shapes = shapes.isNull() ? QRectF() : shapes.translated(m_picture.origin());
-    } else if (m_mode != OverlayMode::Selecting) {
-        now.hover = grown(m_hover, 4);
     }
+    now.hover = grown(shownHover(), 4);
     now.hint = grown(hintBox(), 4);
     now.hintKey = m_hintKey;
     if (showsMagnifier())

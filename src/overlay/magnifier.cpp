@@ -4,11 +4,12 @@
 
 #include <QCoreApplication>
 #include <QFontMetricsF>
-#include <QImage>
+#include <QGuiApplication>
 #include <QPainter>
-#include <QPainterPath>
 
 #include <algorithm>
+#include <cmath>
+#include <vector>
 
 namespace tavrel::ui {
 namespace {
@@ -19,77 +20,138 @@ constexpr double kDistance = 20;
 constexpr int kCells = 15; ///< pixels shown in each direction, the pointer's in the middle
 constexpr double kCell = kSide / kCells;
 constexpr double kPanelGap = 4;
+constexpr QRectF kSwatch(14, 10, 16, 16);
 
-QImage lensImage(const OverlayPicture &picture, const QPoint &centre)
+const QRectF kLensBox(0, 0, kSide, kSide);
+const QRectF kCircle = kLensBox.adjusted(3, 3, -3, -3);
+
+/// An empty picture of `size` units that is painted in units.
+QImage canvas(const QSizeF &size, double ratio)
 {
-    // copy() fills what lies outside the picture with transparent pixels.
-    QImage cells = picture.image().copy(centre.x() - kCells / 2, centre.y() - kCells / 2, kCells, kCells);
-    cells.setDevicePixelRatio(1.0);
-    return cells;
+    QImage image((size * ratio).toSize(), QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(ratio);
+    image.fill(Qt::transparent);
+    return image;
 }
 
-void paintLens(QPainter &painter, const QRectF &box, const QImage &cells)
+QFont panelFont(int pixelSize, bool bold)
 {
-    const QRectF circle = box.adjusted(3, 3, -3, -3);
+    QFont font = QGuiApplication::font();
+    font.setPixelSize(pixelSize);
+    font.setBold(bold);
+    return font;
+}
+
+double panelHeight(const MagnifierLook &look)
+{
+    return kPanelHeight - (look.lens ? kPanelGap : 0);
+}
+
+QImage shadowPicture(double ratio)
+{
+    QImage image = canvas(kLensBox.size(), ratio);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(QColor(0, 0, 0, 55));
-    painter.drawEllipse(circle.translated(0, 2).adjusted(-1, -1, 1, 1));
+    painter.drawEllipse(kCircle.translated(0, 2).adjusted(-1, -1, 1, 1));
+    return image;
+}
 
-    painter.save();
-    QPainterPath clip;
-    clip.addEllipse(circle);
-    painter.setClipPath(clip, Qt::IntersectClip);
-    painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
-    painter.drawImage(box, cells);
-    painter.setPen(QPen(QColor(0, 0, 0, 28), 1.0));
-    for (int i = 1; i < kCells; ++i) {
-        const double at = i * kCell;
-        painter.drawLine(QPointF(box.left() + at, box.top()), QPointF(box.left() + at, box.bottom()));
-        painter.drawLine(QPointF(box.left(), box.top() + at), QPointF(box.right(), box.top() + at));
-    }
-    painter.restore();
+QImage discPicture(double ratio)
+{
+    QImage image = canvas(kLensBox.size(), ratio);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Qt::black);
+    painter.drawEllipse(kCircle);
+    return image;
+}
 
-    const QRectF middle(box.left() + 70, box.top() + 70, kCell, kCell);
+QImage ringPicture(double ratio)
+{
+    QImage image = canvas(kLensBox.size(), ratio);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
     painter.setBrush(Qt::NoBrush);
+    const QRectF middle(70, 70, kCell, kCell);
     painter.setPen(QPen(QColor(0, 0, 0, 200), 2.0));
     painter.drawRect(middle.adjusted(-1, -1, 1, 1));
     painter.setPen(QPen(Qt::white, 1.2));
     painter.drawRect(middle);
-
     painter.setPen(QPen(QColor(255, 255, 255, 235), 3.0));
-    painter.drawEllipse(circle);
+    painter.drawEllipse(kCircle);
     painter.setPen(QPen(QColor(0, 0, 0, 90), 1.0));
-    painter.drawEllipse(circle.adjusted(-2, -2, 2, 2));
+    painter.drawEllipse(kCircle.adjusted(-2, -2, 2, 2));
+    return image;
 }
 
-void paintColors(QPainter &painter, const QRectF &panel, const QColor &color, const QString &format)
+QImage panelPicture(double height, double ratio)
 {
+    QImage image = canvas({kSide, height}, ratio);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(QColor(28, 28, 30, 230));
-    painter.drawRoundedRect(panel, 14, 14);
-
-    const QRectF swatch(panel.left() + 14, panel.top() + 10, 16, 16);
-    painter.setPen(QPen(QColor(255, 255, 255, 140), 1.0));
-    painter.setBrush(color);
-    painter.drawEllipse(swatch);
-
-    QFont font = painter.font();
-    font.setBold(true);
-    font.setPixelSize(16);
-    painter.setFont(font);
-    painter.setPen(Qt::white);
-    painter.drawText(QPointF(swatch.right() + 10, swatch.bottom() - 2), colorText(color, format));
-
+    painter.drawRoundedRect(QRectF(0, 0, kSide, height), 14, 14);
     painter.setPen(QPen(QColor(255, 255, 255, 51), 1.0));
-    painter.drawLine(QPointF(panel.left() + 14, panel.top() + 36), QPointF(panel.left() + 136, panel.top() + 36));
-
-    font.setBold(false);
-    font.setPixelSize(12);
+    painter.drawLine(QPointF(14, 36), QPointF(136, 36));
+    const QFont font = panelFont(12, false);
     painter.setFont(font);
     painter.setPen(QColor(204, 204, 204));
     const QString keys = QCoreApplication::translate("CaptureOverlay", "Shift 切换 · C 复制");
-    painter.drawText(QPointF(panel.left() + 14, panel.top() + 54),
-                     QFontMetricsF(font).elidedText(keys, Qt::ElideRight, 122));
+    painter.drawText(QPointF(14, 54), QFontMetricsF(font).elidedText(keys, Qt::ElideRight, 122));
+    return image;
+}
+
+/// A premultiplied pixel under a line of the grid: black at alpha 28.
+QRgb underGrid(QRgb pixel)
+{
+    constexpr int alpha = 28;
+    const auto darker = [](int channel) { return (channel * (255 - alpha) + 127) / 255; };
+    return qRgba(darker(qRed(pixel)), darker(qGreen(pixel)), darker(qBlue(pixel)), darker(qAlpha(pixel)) + alpha);
+}
+
+/// All four channels times alpha / 255.
+QRgb faded(QRgb pixel, int alpha)
+{
+    const auto part = [alpha](int channel) { return (channel * alpha + 127) / 255; };
+    return qRgba(part(qRed(pixel)), part(qGreen(pixel)), part(qBlue(pixel)), part(qAlpha(pixel)));
+}
+
+/// One premultiplied pixel painted over another.
+QRgb over(QRgb top, QRgb bottom)
+{
+    const int alpha = qAlpha(top);
+    return alpha == 255 ? top : top + faded(bottom, 255 - alpha);
+}
+
+const QRgb *lineOf(const QImage &image, int y)
+{
+    return reinterpret_cast<const QRgb *>(image.constScanLine(y));
+}
+
+/// Which cell each device pixel of the lens shows, and whether a line of the grid runs there.
+struct LensPixel
+{
+    int cell = 0;
+    bool isGrid = false;
+};
+
+std::vector<LensPixel> lensPixels(int side)
+{
+    const double scale = side / kSide;
+    std::vector<LensPixel> pixels(static_cast<std::size_t>(side));
+    for (std::size_t i = 0; i < pixels.size(); ++i)
+        pixels[i].cell = std::min(static_cast<int>((static_cast<double>(i) + 0.5) / scale / kCell), kCells - 1);
+    const int width = std::max(1, qRound(scale));
+    for (int line = 1; line < kCells; ++line) {
+        const int start = qRound(line * kCell * scale) - width / 2;
+        for (int i = start; i < start + width; ++i)
+            pixels[static_cast<std::size_t>(i)].isGrid = true;
+    }
+    return pixels;
 }
 
 } // namespace
@@ -113,17 +175,65 @@ QString colorText(const QColor &color, const QString &format)
     return color.name(QColor::HexRgb).toUpper();
 }
 
-void paintMagnifier(QPainter &painter, const QRectF &box, const OverlayPicture &picture, const QPointF &pointer,
-                    const MagnifierLook &look)
+void MagnifierPainter::prepare(const MagnifierLook &look, double ratio)
 {
+    if (ratio == m_ratio && look == m_look)
+        return;
+    m_ratio = ratio;
+    m_look = look;
+    m_below = shadowPicture(ratio);
+    m_disc = discPicture(ratio);
+    m_above = ringPicture(ratio);
+    m_panel = panelPicture(panelHeight(look), ratio);
+}
+
+QImage MagnifierPainter::lensOf(const QImage &cells) const
+{
+    QImage lens(m_disc.size(), QImage::Format_ARGB32_Premultiplied);
+    const std::vector<LensPixel> pixels = lensPixels(lens.width());
+    for (int y = 0; y < lens.height(); ++y) {
+        const LensPixel &row = pixels[static_cast<std::size_t>(y)];
+        const QRgb *from = lineOf(cells, row.cell);
+        const QRgb *below = lineOf(m_below, y);
+        const QRgb *disc = lineOf(m_disc, y);
+        const QRgb *above = lineOf(m_above, y);
+        auto *to = reinterpret_cast<QRgb *>(lens.scanLine(y));
+        for (std::size_t x = 0; x < pixels.size(); ++x) {
+            const QRgb cell = from[pixels[x].cell];
+            const QRgb face = row.isGrid || pixels[x].isGrid ? underGrid(cell) : cell;
+            // Nearly all pixels are of the cells alone.
+            to[x] = qAlpha(disc[x]) == 255 && above[x] == 0 && qAlpha(face) == 255
+                        ? face
+                        : over(above[x], over(faded(face, qAlpha(disc[x])), below[x]));
+        }
+    }
+    lens.setDevicePixelRatio(m_ratio);
+    return lens;
+}
+
+void MagnifierPainter::paint(QPainter &painter, const QRectF &box, double ratio, const OverlayPicture &picture,
+                             const QPointF &pointer, const MagnifierLook &look)
+{
+    prepare(look, ratio);
     painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    if (look.lens)
-        paintLens(painter, QRectF(box.topLeft(), QSizeF(kSide, kSide)), lensImage(picture, picture.pixelAt(pointer)));
+    painter.setClipRect(box.toAlignedRect(), Qt::IntersectClip);
+    painter.translate(std::round(box.left() * ratio) / ratio, std::round(box.top() * ratio) / ratio);
+    if (look.lens) {
+        // copy() fills what lies outside the picture with transparent pixels.
+        const QPoint corner = picture.pixelAt(pointer) - QPoint(kCells / 2, kCells / 2);
+        painter.drawImage(QPointF(0, 0), lensOf(picture.image().copy(QRect(corner, QSize(kCells, kCells)))));
+        painter.translate(0, kSide + kPanelGap);
+    }
     if (look.colors) {
-        const double gap = look.lens ? kPanelGap : 0;
-        const QRectF panel(box.left(), box.top() + (look.lens ? kSide : 0) + gap, kSide, kPanelHeight - gap);
-        paintColors(painter, panel, picture.colorAt(pointer), look.colorFormat);
+        const QColor color = picture.colorAt(pointer);
+        painter.drawImage(QPointF(0, 0), m_panel);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(QColor(255, 255, 255, 140), 1.0));
+        painter.setBrush(color);
+        painter.drawEllipse(kSwatch);
+        painter.setFont(panelFont(16, true));
+        painter.setPen(Qt::white);
+        painter.drawText(QPointF(kSwatch.right() + 10, kSwatch.bottom() - 2), colorText(color, look.colorFormat));
     }
     painter.restore();
 }

@@ -34,16 +34,20 @@ QRegion dirtyRegion(const PaintedRegions &before, const PaintedRegions &now, con
         add(before.*part);
         add(now.*part);
     };
+    const auto addChanged = [&](QRectF PaintedRegions::*part) {
+        if (before.*part != now.*part)
+            addBoth(part);
+    };
     addBoth(&PaintedRegions::shapes);
     if (before.selectionRect.isNull() || now.selectionRect.isNull()) {
-        addBoth(&PaintedRegions::selectionBox);
+        addChanged(&PaintedRegions::selectionBox);
     } else {
         dirty += frameOf(before.selectionRect);
         dirty += frameOf(now.selectionRect);
         dirty += QRegion(grown(before.selectionRect, 1)).xored(grown(now.selectionRect, 1));
     }
     addBoth(&PaintedRegions::sizeLabel);
-    addBoth(&PaintedRegions::hover);
+    addChanged(&PaintedRegions::hover);
     addBoth(&PaintedRegions::magnifier);
     addBoth(&PaintedRegions::toast);
     if (before.hint != now.hint || before.hintKey != now.hintKey)

@@ -1,0 +1,1 @@
+tavrel_bench(overlay paint USES overlay_ui QT Widgets)
