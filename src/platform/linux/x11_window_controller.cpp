@@ -201,16 +201,13 @@ private:
     void applyStates(const QWindow *window, WindowRole role) const
     {
         const xcb_window_t id = nativeId(window);
-        xcb_connection_t *qt = qtConnection();
-        if (id == XCB_WINDOW_NONE || !qt)
+        if (id == XCB_WINDOW_NONE)
             return;
-        if (role == WindowRole::Overlay) {
-            const quint32 never = 2; // its pixels have to stay apart from those below
-            forget(qt,
-                   xcb_change_property_checked(qt, XCB_PROP_MODE_REPLACE, id, m_x->atom(XAtom::NetWmBypassCompositor),
-                                               XCB_ATOM_CARDINAL, 32, 1, &never));
-            return; // not the window manager's business
-        }
+        // Not the window manager's business. Nor is a compositor told to keep its hands off: with
+        // _NET_WM_BYPASS_COMPOSITOR set to "never" picom leaves the picture of a full-screen window on the screen
+        // after it has gone.
+        if (role == WindowRole::Overlay)
+            return;
         setStates(*m_x, id, {XAtom::NetWmStateAbove, XAtom::NetWmStateSkipTaskbar, XAtom::NetWmStateSkipPager},
                   role != WindowRole::Normal);
     }

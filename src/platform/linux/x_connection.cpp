@@ -27,7 +27,6 @@ constexpr std::array kAtomNames{
     "_NET_CLIENT_LIST_STACKING",
     "_NET_FRAME_EXTENTS",
     "_NET_SUPPORTING_WM_CHECK",
-    "_NET_WM_BYPASS_COMPOSITOR",
     "_NET_WM_ICON",
     "_NET_WM_NAME",
     "_NET_WM_PID",

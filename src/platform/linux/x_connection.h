@@ -39,7 +39,6 @@ enum class XAtom {
     NetClientListStacking,
     NetFrameExtents,
     NetSupportingWmCheck,
-    NetWmBypassCompositor,
     NetWmIcon,
     NetWmName,
     NetWmPid,
