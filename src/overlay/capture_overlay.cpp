@@ -143,12 +143,19 @@ void CaptureOverlay::changeMode(OverlayMode mode)
         m_activeHandle = kNoHit;
 }
 
+QPointF CaptureOverlay::pointOf(const QMouseEvent &event) const
+{
+    // Widgets get their local position rounded to whole units, which at a fractional ratio is a pixel beside the one
+    // under the pointer; the global position keeps its fraction.
+    return event.globalPosition() - QPointF(mapToGlobal(QPoint(0, 0)));
+}
+
 void CaptureOverlay::mousePressEvent(QMouseEvent *event)
 {
-    m_pointer = event->position();
+    m_pointer = pointOf(*event);
     m_pointerInside = true;
     if (event->button() == Qt::LeftButton)
-        pressLeft(event->position());
+        pressLeft(m_pointer);
     else if (event->button() == Qt::RightButton)
         pressRight();
     updateCursor(m_pointer);
@@ -207,7 +214,7 @@ void CaptureOverlay::beginDrawing(const QPointF &point)
 
 void CaptureOverlay::mouseMoveEvent(QMouseEvent *event)
 {
-    const QPointF point = event->position();
+    const QPointF point = pointOf(*event);
     m_pointer = point;
     m_pointerInside = true;
     const QPointF delta = point - m_pressPoint;
@@ -243,7 +250,7 @@ void CaptureOverlay::mouseReleaseEvent(QMouseEvent *event)
 {
     if (event->button() != Qt::LeftButton)
         return;
-    m_pointer = event->position();
+    m_pointer = pointOf(*event);
     switch (m_mode) {
     case OverlayMode::Idle:
         return;

@@ -110,6 +110,7 @@ protected:
 
 private:
     // selection
+    [[nodiscard]] QPointF pointOf(const QMouseEvent &event) const;
     void pressLeft(const QPointF &point);
     void pressRight();
     void beginSelection(const QPointF &point);
