@@ -19,8 +19,7 @@ set(TAVREL_ARROWS
   "ui|base settings platform annotate"
   "edit|base settings"
   "overlay|base settings platform annotate record ui"
-  "history|base settings"
-  "app|base settings platform platform/synthetic platform/unsupported platform/linux account cloud net annotate ui edit overlay record history")
+  "app|base settings platform platform/synthetic platform/unsupported platform/linux account cloud net annotate ui edit overlay record")
 
 function(tavrel_allowed folder out)
   foreach(row IN LISTS TAVREL_ARROWS)

@@ -133,10 +133,12 @@ QString LanguageApplier::apply(const QString &setting)
 
 int runLanguageProbe(LanguageApplier &applier)
 {
+    // In a variable, because this text belongs to Qt's catalogues and not to ours.
+    const char *const qtContext = "QPlatformTheme";
     for (const char *setting : {"system", "zh", "en"}) {
         const QString code = applier.apply(QString::fromLatin1(setting));
         const QString app = QCoreApplication::translate("AppController", "设置…");
-        const QString qt = QCoreApplication::translate("QPlatformTheme", "Cancel");
+        const QString qt = QCoreApplication::translate(qtContext, "Cancel");
         std::printf("setting=%s -> %s | app: %s | qt: %s | %s\n", setting, qPrintable(code), app.toUtf8().constData(),
                     qt.toUtf8().constData(), qPrintable(QLocale().name()));
     }

@@ -1,0 +1,417 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="en_US" sourcelanguage="zh_CN">
+<context>
+    <name>AppController</name>
+    <message>
+        <source>Tavrel 快捷键注册失败</source>
+        <translation>Tavrel: failed to register hotkey</translation>
+    </message>
+    <message>
+        <source>Tavrel 需要「屏幕录制」权限才能截图。</source>
+        <translation>Tavrel needs the Screen Recording permission to take screenshots.</translation>
+    </message>
+    <message>
+        <source>请在 系统设置 → 隐私与安全性 → 屏幕录制与系统音频录制 中勾选 Tavrel</source>
+        <translation>Turn on Tavrel under System Settings → Privacy &amp; Security → Screen &amp; System Audio Recording</translation>
+    </message>
+    <message>
+        <source>打开系统设置</source>
+        <translation>Open System Settings</translation>
+    </message>
+    <message>
+        <source>稍后</source>
+        <translation>Later</translation>
+    </message>
+    <message>
+        <source>需要屏幕录制权限</source>
+        <translation>Screen Recording permission required</translation>
+    </message>
+    <message>
+        <source>此版本还不能打开录制文件。</source>
+        <translation>This version cannot open recordings yet.</translation>
+    </message>
+    <message>
+        <source>无法打开录像</source>
+        <translation>Cannot open recording</translation>
+    </message>
+    <message>
+        <source>按 %1 开始截图。</source>
+        <translation>Press %1 to start a capture.</translation>
+    </message>
+    <message>
+        <source>截图快捷键没有生效，可以用命令 tavrel --capture 截图。</source>
+        <translation>The capture hotkey is not active; the command tavrel --capture starts a capture.</translation>
+    </message>
+    <message>
+        <source>Tavrel 正在运行</source>
+        <translation>Tavrel is running</translation>
+    </message>
+    <message>
+        <source>截图失败</source>
+        <translation>Capture failed</translation>
+    </message>
+    <message>
+        <source>此版本还不能贴图</source>
+        <translation>Pinning is not part of this version yet</translation>
+    </message>
+    <message>
+        <source>截图历史</source>
+        <translation>Capture history</translation>
+    </message>
+    <message>
+        <source>该历史记录的图像文件缺失</source>
+        <translation>The image file for this history entry is missing</translation>
+    </message>
+    <message>
+        <source>截图</source>
+        <translation>Capture</translation>
+    </message>
+    <message>
+        <source>长截图</source>
+        <translation>Scrolling Capture</translation>
+    </message>
+    <message>
+        <source>录屏</source>
+        <translation>Record Screen</translation>
+    </message>
+    <message>
+        <source>录制指南</source>
+        <translation>Record guide</translation>
+    </message>
+    <message>
+        <source>贴图剪贴板</source>
+        <translation>Pin clipboard</translation>
+    </message>
+    <message>
+        <source>图片编辑</source>
+        <translation>Image Editor</translation>
+    </message>
+    <message>
+        <source>文字识别</source>
+        <translation>Text recognition</translation>
+    </message>
+    <message>
+        <source>与「%1」冲突</source>
+        <translation>Conflicts with &quot;%1&quot;</translation>
+    </message>
+    <message>
+        <source>%1：%2</source>
+        <translation>%1: %2</translation>
+    </message>
+    <message>
+        <source>设置…</source>
+        <translation>Settings…</translation>
+    </message>
+    <message>
+        <source>复制失败</source>
+        <translation>Copy failed</translation>
+    </message>
+    <message>
+        <source>剪贴板被其他程序占用，请重试</source>
+        <translation>Another program holds the clipboard, please try again</translation>
+    </message>
+    <message>
+        <source>另存为</source>
+        <translation>Save as</translation>
+    </message>
+    <message>
+        <source>保存截图</source>
+        <translation>Save screenshot</translation>
+    </message>
+    <message>
+        <source>图片 (*.png *.jpg)</source>
+        <translation>Images (*.png *.jpg)</translation>
+    </message>
+    <message>
+        <source>保存失败</source>
+        <translation>Save failed</translation>
+    </message>
+    <message>
+        <source>已保存</source>
+        <translation>Saved</translation>
+    </message>
+    <message>
+        <source>退出 Tavrel</source>
+        <translation>Quit Tavrel</translation>
+    </message>
+</context>
+<context>
+    <name>CaptureOverlay</name>
+    <message>
+        <source>截图选区</source>
+        <translation>Capture selection</translation>
+    </message>
+    <message>
+        <source>拖拽选择区域，Enter 复制，Esc 取消</source>
+        <translation>Drag to select, Enter copies, Esc leaves</translation>
+    </message>
+    <message>
+        <source>Shift 切换 · C 复制</source>
+        <translation>Shift switch · C copy</translation>
+    </message>
+    <message>
+        <source>滚轮</source>
+        <translation>Wheel</translation>
+    </message>
+    <message>
+        <source>调整粗细</source>
+        <translation>Thickness</translation>
+    </message>
+    <message>
+        <source>Shift + 拖拽</source>
+        <translation>Shift + drag</translation>
+    </message>
+    <message>
+        <source>起点到光标画直线</source>
+        <translation>Straight line to the pointer</translation>
+    </message>
+    <message>
+        <source>保持正方形</source>
+        <translation>Keep a square</translation>
+    </message>
+    <message>
+        <source>保持正圆</source>
+        <translation>Keep a circle</translation>
+    </message>
+    <message>
+        <source>拖拽</source>
+        <translation>Drag</translation>
+    </message>
+    <message>
+        <source>框选范围，整块高亮</source>
+        <translation>Highlight a whole area</translation>
+    </message>
+    <message>
+        <source>点击 / 拖动</source>
+        <translation>Click / drag</translation>
+    </message>
+    <message>
+        <source>擦除碰到的标注</source>
+        <translation>Erase annotations you touch</translation>
+    </message>
+    <message>
+        <source>点击</source>
+        <translation>Click</translation>
+    </message>
+    <message>
+        <source>添加序号</source>
+        <translation>Add a number</translation>
+    </message>
+    <message>
+        <source>A </source>
+        <translation>A </translation>
+    </message>
+    <message>
+        <source>给选中的序号输入文字</source>
+        <translation>Label the selected number</translation>
+    </message>
+    <message>
+        <source>调整字号</source>
+        <translation>Text size</translation>
+    </message>
+    <message>
+        <source>框选要打码的区域</source>
+        <translation>Choose the area to hide</translation>
+    </message>
+    <message>
+        <source>调整马赛克 / 模糊强度</source>
+        <translation>Mosaic / blur strength</translation>
+    </message>
+    <message>
+        <source>框选</source>
+        <translation>Drag a box</translation>
+    </message>
+    <message>
+        <source>用周围背景覆盖遮住内容</source>
+        <translation>Cover the content with its surroundings</translation>
+    </message>
+    <message>
+        <source>框选高亮区域，周围压暗</source>
+        <translation>Highlight an area, dim the rest</translation>
+    </message>
+    <message>
+        <source>正方形 / 正圆</source>
+        <translation>Square / circle</translation>
+    </message>
+    <message>
+        <source>输入文字</source>
+        <translation>Type text</translation>
+    </message>
+    <message>
+        <source>在属性栏输入后立即出现水印</source>
+        <translation>The watermark appears as you type in the bar</translation>
+    </message>
+    <message>
+        <source>点击时间块</source>
+        <translation>Click a time block</translation>
+    </message>
+    <message>
+        <source>插入当前时间（退格整块删除）</source>
+        <translation>Insert the current time (Backspace removes it whole)</translation>
+    </message>
+    <message>
+        <source>调整透明度</source>
+        <translation>Opacity</translation>
+    </message>
+    <message>
+        <source>Shift + 滚轮</source>
+        <translation>Shift + wheel</translation>
+    </message>
+    <message>
+        <source>调整大小</source>
+        <translation>Size</translation>
+    </message>
+    <message>
+        <source>框选要放大的区域</source>
+        <translation>Choose the area to magnify</translation>
+    </message>
+    <message>
+        <source>调整放大倍数</source>
+        <translation>Magnification</translation>
+    </message>
+    <message>
+        <source>添加文字</source>
+        <translation>Add text</translation>
+    </message>
+    <message>
+        <source>取消截图</source>
+        <translation>Cancel capture</translation>
+    </message>
+    <message>
+        <source>快速复制</source>
+        <translation>Quick copy</translation>
+    </message>
+    <message>
+        <source>框选全屏</source>
+        <translation>Select full screen</translation>
+    </message>
+    <message>
+        <source>复制选区</source>
+        <translation>Copy selection</translation>
+    </message>
+    <message>
+        <source>保存截图</source>
+        <translation>Save screenshot</translation>
+    </message>
+    <message>
+        <source>贴图</source>
+        <translation>Pin</translation>
+    </message>
+    <message>
+        <source>上一个历史截图</source>
+        <translation>Previous history screenshot</translation>
+    </message>
+    <message>
+        <source>下一个历史截图</source>
+        <translation>Next history screenshot</translation>
+    </message>
+</context>
+<context>
+    <name>Dialogs</name>
+    <message>
+        <source>好</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>确定</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>取消</source>
+        <translation>Cancel</translation>
+    </message>
+</context>
+<context>
+    <name>QObject</name>
+    <message>
+        <source>按键组合无效</source>
+        <translation>Invalid key combination</translation>
+    </message>
+    <message>
+        <source>不支持的按键</source>
+        <translation>Unsupported key</translation>
+    </message>
+    <message>
+        <source>该组合键已被其他程序占用</source>
+        <translation>This combination is already taken by another program</translation>
+    </message>
+    <message>
+        <source>无法安装键盘钩子（错误码 %1）</source>
+        <translation>Could not install the keyboard hook (error %1)</translation>
+    </message>
+    <message>
+        <source>当前系统不支持此功能</source>
+        <translation>This system does not support this function</translation>
+    </message>
+    <message>
+        <source>无法安装键鼠监听</source>
+        <translation>Couldn&apos;t install the keyboard/mouse listener</translation>
+    </message>
+</context>
+<context>
+    <name>SaveService</name>
+    <message>
+        <source>没有可保存的图片</source>
+        <translation>There is no image to save</translation>
+    </message>
+    <message>
+        <source>写入文件失败：%1</source>
+        <translation>Failed to write file: %1</translation>
+    </message>
+    <message>
+        <source>未指定保存目录</source>
+        <translation>No save folder specified</translation>
+    </message>
+    <message>
+        <source>无法创建目录：%1</source>
+        <translation>Cannot create folder: %1</translation>
+    </message>
+</context>
+<context>
+    <name>main</name>
+    <message>
+        <source>启动后立即发起一次截图。</source>
+        <translation>Start one capture right after start-up.</translation>
+    </message>
+    <message>
+        <source>启动后直接打开设置窗口。</source>
+        <translation>Open the settings window after start-up.</translation>
+    </message>
+    <message>
+        <source>启动后直接打开截图历史页。</source>
+        <translation>Open the capture history after start-up.</translation>
+    </message>
+    <message>
+        <source>用指定语言（system / zh / en）跑这次会话，**不写回设置**（自检、界面目视检查用）。</source>
+        <translation>Run this session in the given language (system / zh / en) **without saving it to the settings** (for self-checks and looking at the interface).</translation>
+    </message>
+    <message>
+        <source>用合成图代替系统抓屏（无需屏幕录制权限，排查界面问题用）。</source>
+        <translation>Use a synthetic picture instead of grabbing the screen (needs no screen recording permission; for tracking down interface problems).</translation>
+    </message>
+    <message>
+        <source>启动后 N 毫秒自动退出（冒烟测试用）。</source>
+        <translation>Quit N milliseconds after start-up (for smoke tests).</translation>
+    </message>
+    <message>
+        <source>依次应用 system / zh / en，打印 app 与 Qt 自带翻译的结果后退出（诊断用）。</source>
+        <translation>Apply system / zh / en in turn, print the results for the app and for Qt&apos;s own translations, then exit (diagnostic).</translation>
+    </message>
+    <message>
+        <source>Tavrel 截图 / 标注 / 贴图工具</source>
+        <translation>Tavrel screenshot / annotate / pin tool</translation>
+    </message>
+    <message>
+        <source>要打开的 .tavrel 录制文件。</source>
+        <translation>The .tavrel recording to open.</translation>
+    </message>
+</context>
+<context>
+    <name>tavrel::platform::X11ScreenCapturer</name>
+    <message>
+        <source>抓取屏幕失败：%1</source>
+        <translation>Screen capture failed: %1</translation>
+    </message>
+</context>
+</TS>

@@ -1,0 +1,197 @@
+#include "app/app_controller.h"
+
+#include "app/default_services.h"
+#include "settings/settings_store.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QLoggingCategory>
+#include <QTimer>
+#include <QWindow>
+
+namespace tavrel {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kReleaseDelay = 150ms;
+constexpr int kFlushDeadlineMs = 3000;
+
+} // namespace
+
+AppController::AppController(SettingsStore &settings, Deps deps, QObject *parent)
+    : QObject(parent),
+      m_settings(settings),
+      m_deps(withDefaultServices(std::move(deps))),
+      m_flow({*m_deps.screenCapturer, m_deps.windowController, m_deps.elementDetector, settings, *m_deps.history,
+              m_notices, m_deps.cursorPosition}),
+      m_results(settings, m_notices, m_deps.clipboard),
+      m_hotkeys(*m_deps.globalHotkey)
+{
+    m_notices.setReceiver(m_deps.notices.get());
+    ui::dialogs::setWindowController(m_deps.windowController);
+    ui::dialogs::setFileDialogHost(m_deps.fileDialogHost);
+    ui::dialogs::setThemeName(settings.config().theme);
+    ui::dialogs::setHotkeySuspender([this](bool suspended) { m_deps.globalHotkey->setSuspended(suspended); });
+
+    connect(m_deps.updater.get(), &platform::IUpdater::shutdownRequested, this, &AppController::quit,
+            Qt::QueuedConnection);
+    connect(m_deps.globalHotkey.get(), &platform::IGlobalHotkey::activated, this,
+            [this](int id) { m_hotkeys.dispatch(id); });
+    m_hotkeys.setOperation(HotkeyTable::Capture, [this] { startCapture(); });
+
+    connect(&m_flow, &CaptureFlow::accessRefused, this, &AppController::onAccessRefused);
+    connect(&m_flow, &CaptureFlow::sessionStarted, this, [this] { m_deps.updater->setCanShutdown(false); });
+    connect(&m_flow, &CaptureFlow::sessionClosed, this, &AppController::captureSessionClosed);
+    connect(&m_flow, &CaptureFlow::idleReached, this, [this] {
+        m_deps.updater->setCanShutdown(true);
+        scheduleRelease();
+    });
+    connect(&m_flow, &CaptureFlow::copyReady, &m_results, &ResultActions::copyImage);
+    connect(&m_flow, &CaptureFlow::saveReady, &m_results,
+            [this](const QImage &image, const FilenameContext &context, const QString &uuid) {
+                m_results.saveImage(image, context, false, nullptr, [this, uuid](const QString &path) {
+                    if (!uuid.isEmpty())
+                        m_deps.history->setSavedPath(uuid, path);
+                });
+            });
+    connect(&m_settings, &SettingsStore::changed, this, &AppController::applySettings);
+}
+
+AppController::~AppController()
+{
+    m_flow.disconnect(this);
+    m_flow.closeSession();
+    m_deps.globalHotkey->unregisterAll();
+    ui::dialogs::setHotkeySuspender({});
+    ui::dialogs::setWindowController(nullptr);
+    ui::dialogs::setFileDialogHost(nullptr);
+    if (!waitForSaves(kFlushDeadlineMs))
+        qWarning().noquote() << QStringLiteral("退出时仍有截图没有写完");
+    m_deps.history->flush(kFlushDeadlineMs);
+    m_notices.setReceiver(nullptr);
+}
+
+void AppController::start()
+{
+    if (m_deps.enableBackground) {
+        m_tray = std::make_unique<TrayMenu>([this]() -> const SettingsConfig & { return m_settings.config(); });
+        connect(m_tray.get(), &TrayMenu::captureRequested, this, &AppController::startCapture);
+        connect(m_tray.get(), &TrayMenu::quitRequested, this, &AppController::quit);
+        if (!m_deps.notices)
+            m_notices.setReceiver(m_tray.get());
+    }
+    registerHotkeys();
+    qInfo().noquote() << QStringLiteral("就绪，等待快捷键");
+}
+
+void AppController::startCapture()
+{
+    m_flow.startCapture();
+}
+
+void AppController::registerHotkeys()
+{
+    m_hotkeys.apply(m_settings.config());
+    const QString lines = m_hotkeys.errorLines();
+    if (!lines.isEmpty() && lines != m_reportedHotkeyErrors)
+        m_notices.show(QCoreApplication::translate("AppController", "Tavrel 快捷键注册失败"), lines,
+                       IUserNotices::Kind::Warning, 5000ms);
+    m_reportedHotkeyErrors = lines;
+    if (m_tray)
+        m_tray->refresh();
+}
+
+void AppController::applySettings()
+{
+    ui::dialogs::setThemeName(m_settings.config().theme);
+    registerHotkeys();
+    m_flow.applySettings();
+}
+
+void AppController::onAccessRefused()
+{
+    Q_EMIT permissionRequired();
+    if (!m_deps.showPermissionHelp)
+        return;
+    const QString text =
+        QCoreApplication::translate("AppController", "Tavrel 需要「屏幕录制」权限才能截图。") + QStringLiteral("\n\n") +
+        QCoreApplication::translate("AppController",
+                                    "请在 系统设置 → 隐私与安全性 → 屏幕录制与系统音频录制 中勾选 Tavrel");
+    ui::dialogs::Options options;
+    options.okText = QCoreApplication::translate("AppController", "打开系统设置");
+    options.cancelText = QCoreApplication::translate("AppController", "稍后");
+    options.cancelDefault = false;
+    ui::dialogs::confirm(
+        nullptr, ui::dialogs::Icon::Warning, QCoreApplication::translate("AppController", "需要屏幕录制权限"), text,
+        options,
+        [this](bool open) {
+            if (open)
+                m_deps.permissions->openSystemSettings(platform::MediaKind::Screen);
+        },
+        this);
+}
+
+void AppController::openRecording(const QString &path)
+{
+    const QString text = QCoreApplication::translate("AppController", "此版本还不能打开录制文件。") + u'\n' +
+                         QDir::toNativeSeparators(path);
+    ui::dialogs::message(nullptr, ui::dialogs::Icon::Warning,
+                         QCoreApplication::translate("AppController", "无法打开录像"), text,
+                         ui::themeFor(m_settings.config().theme), {});
+}
+
+void AppController::showStatus()
+{
+    const HotkeyBinding &capture = m_settings.config().captureHotkey;
+    QStringList lines;
+    if (capture.isActive() && captureHotkeyError().isEmpty())
+        lines.append(
+            QCoreApplication::translate("AppController", "按 %1 开始截图。").arg(capture.combo.toDisplayText()));
+    else
+        lines.append(
+            QCoreApplication::translate("AppController", "截图快捷键没有生效，可以用命令 tavrel --capture 截图。"));
+    const QString errors = m_hotkeys.errorLines();
+    if (!errors.isEmpty())
+        lines.append(errors);
+    ui::dialogs::message(nullptr, ui::dialogs::Icon::Information,
+                         QCoreApplication::translate("AppController", "Tavrel 正在运行"),
+                         lines.join(QStringLiteral("\n")), ui::themeFor(m_settings.config().theme), {});
+}
+
+void AppController::quit()
+{
+    m_flow.closeSession();
+    QCoreApplication::quit();
+}
+
+void AppController::retranslateUi()
+{
+    if (m_tray)
+        m_tray->refresh();
+}
+
+void AppController::activate(QWindow *window)
+{
+    ++m_activations;
+    m_deps.windowController->activate(window);
+}
+
+void AppController::scheduleRelease()
+{
+    QTimer::singleShot(kReleaseDelay, this, [this, before = m_activations, active = m_flow.wasApplicationActive()] {
+        release(before, active);
+    });
+}
+
+void AppController::release(int activationsBefore, bool wasApplicationActive)
+{
+    if (m_flow.isActive() || ui::dialogs::openDialogCount() > 0)
+        return;
+    // No window of the program stays open between captures, so the foreground always goes back.
+    if (!wasApplicationActive && m_activations == activationsBefore)
+        m_deps.windowController->deactivateApplication();
+    m_deps.windowController->releaseActivation();
+}
+
+} // namespace tavrel

@@ -1,0 +1,124 @@
+#pragma once
+
+#include "account/account_service.h"
+#include "app/capture_flow.h"
+#include "app/history_keeper.h"
+#include "app/hotkey_table.h"
+#include "app/result_actions.h"
+#include "app/tray_menu.h"
+#include "cloud/cloud_service.h"
+#include "net/feedback_service.h"
+#include "platform/auto_start.h"
+#include "platform/element_detector.h"
+#include "platform/frame_source.h"
+#include "platform/global_hotkey.h"
+#include "platform/input_monitor.h"
+#include "platform/permissions.h"
+#include "platform/screen_capturer.h"
+#include "platform/screen_recorder.h"
+#include "platform/updater.h"
+#include "platform/window_controller.h"
+#include "ui/dialogs.h"
+
+#include <QObject>
+#include <QUrl>
+
+#include <functional>
+#include <memory>
+
+namespace tavrel {
+
+class SettingsStore;
+
+/// Owns the running program: services, roles and windows, and how they come up and go down. Each role is a class of
+/// its own; this one only joins them. GUI thread only.
+class AppController final : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// What can be put in place of the system's services. Everything left empty is filled with the system's own.
+    struct Deps
+    {
+        std::unique_ptr<platform::IScreenCapturer> screenCapturer;
+        std::unique_ptr<platform::IGlobalHotkey> globalHotkey;
+        std::shared_ptr<platform::IWindowController> windowController;
+        std::shared_ptr<ui::dialogs::IFileDialogHost> fileDialogHost; ///< empty means QFileDialog
+        std::shared_ptr<platform::IAutoStart> autoStart;
+        std::shared_ptr<platform::IElementDetector> elementDetector;
+        std::shared_ptr<platform::IPermissions> permissions;
+        std::unique_ptr<platform::IUpdater> updater;
+        std::unique_ptr<account::IAccountService> accountService;
+        std::unique_ptr<cloud::ICloudService> cloudService;
+        std::shared_ptr<feedback::IFeedbackService> feedbackApi;
+        std::function<void(const QUrl &)> openUrl; ///< replaces the system browser
+        std::function<QList<QImage>(const QString &path, bool isVideo)> frameExtractor;
+        bool enableBackground = true; ///< false: no tray, no periodic timers, no welcome check
+        QString historyRoot;          ///< empty means the application's data folder + "/history"
+        bool showPermissionHelp = true;
+
+        struct RecordOverrides
+        {
+            std::shared_ptr<platform::IScreenRecorder> recorder;
+            std::shared_ptr<platform::IInputMonitor> inputMonitor;
+            QString recordsDir;
+            std::function<QString(const QString &suggested, const QString &suffix)> saveTarget;
+        } record;
+
+        struct StepOverrides
+        {
+            std::shared_ptr<platform::IFrameSource> frameSource;
+            std::shared_ptr<platform::IInputMonitor> inputMonitor;
+            QString stepsDir;
+        } steps;
+
+        std::shared_ptr<IUserNotices> notices; ///< replaces the tray's messages
+        std::shared_ptr<IHistoryKeeper> history;
+        std::shared_ptr<IClipboard> clipboard;
+        std::function<QPoint()> cursorPosition;
+    };
+
+    AppController(SettingsStore &settings, Deps deps, QObject *parent = nullptr);
+    ~AppController() override;
+
+    /// Builds the tray and registers the hotkeys; called once.
+    void start();
+
+    void startCapture();
+    /// Recordings cannot be opened by this version: says so.
+    void openRecording(const QString &path);
+    /// Tells that the program runs and how to use it, since it has no window of its own.
+    void showStatus();
+    void quit();
+    void retranslateUi();
+
+    [[nodiscard]] QString lastSavedPath() const { return m_results.lastSavedPath(); }
+    [[nodiscard]] const QMap<QString, QString> &hotkeyErrors() const { return m_hotkeys.errors(); }
+    [[nodiscard]] QString captureHotkeyError() const { return hotkeyErrors().value(QStringLiteral("capture")); }
+    [[nodiscard]] QString pinHotkeyError() const { return hotkeyErrors().value(QStringLiteral("pin")); }
+    [[nodiscard]] CaptureFlow &captureFlow() { return m_flow; }
+
+Q_SIGNALS:
+    void captureSessionClosed();
+    void permissionRequired();
+
+private:
+    void applySettings();
+    void registerHotkeys();
+    void onAccessRefused();
+    void scheduleRelease();
+    void release(int activationsBefore, bool wasApplicationActive);
+    void activate(QWindow *window);
+
+    SettingsStore &m_settings;
+    Deps m_deps;
+    NoticeRelay m_notices;
+    CaptureFlow m_flow;
+    ResultActions m_results;
+    HotkeyTable m_hotkeys;
+    std::unique_ptr<TrayMenu> m_tray;
+    QString m_reportedHotkeyErrors;
+    int m_activations = 0;
+};
+
+} // namespace tavrel

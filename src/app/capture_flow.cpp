@@ -1,0 +1,276 @@
+#include "app/capture_flow.h"
+
+#include "app/history_keeper.h"
+#include "app/user_notices.h"
+#include "overlay/capture_overlay.h"
+#include "platform/window_controller.h"
+#include "settings/settings_store.h"
+
+#include <QApplication>
+#include <QCoreApplication>
+#include <QEvent>
+#include <QLoggingCategory>
+#include <QTimer>
+#include <QWindow>
+
+#include <algorithm>
+
+namespace tavrel {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// Reports the end of the first paint of a widget, once.
+class FirstPaint final : public QObject
+{
+public:
+    FirstPaint(QWidget *widget, std::function<void()> done) : QObject(widget), m_done(std::move(done))
+    {
+        widget->installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint) {
+            watched->removeEventFilter(this);
+            // The paint itself comes after the filters; the next turn of the loop finds it done and flushed.
+            QTimer::singleShot(0, this, [this] {
+                m_done();
+                deleteLater();
+            });
+        }
+        return false;
+    }
+
+private:
+    std::function<void()> m_done;
+};
+
+} // namespace
+
+void warnAboutModalWidget()
+{
+    const QWidget *modal = QApplication::activeModalWidget();
+    if (modal && modal->windowModality() == Qt::ApplicationModal) {
+        qWarning().noquote() << QStringLiteral("出现了应用级模态框（应改用 ui::dialogs）：")
+                             << modal->metaObject()->className();
+    }
+}
+
+CaptureFlow::CaptureFlow(Services services, QObject *parent)
+    : QObject(parent),
+      m_services(std::move(services)),
+      m_walk(m_services.history)
+{
+    const SettingsConfig &config = m_services.settings.config();
+    m_recordPrefs.systemAudio = config.recordSystemAudio;
+    m_recordPrefs.mouse = config.recordClickEffect;
+    m_recordPrefs.keys = config.recordKeyOsd;
+    connect(&m_services.capturer, &platform::IScreenCapturer::captured, this, &CaptureFlow::onCaptured);
+}
+
+CaptureFlow::~CaptureFlow()
+{
+    for (const auto &overlay : std::as_const(m_overlays))
+        delete overlay;
+}
+
+ui::CaptureOverlay *CaptureFlow::overlay() const
+{
+    return m_overlays.isEmpty() ? nullptr : m_overlays.first().data();
+}
+
+void CaptureFlow::startCapture()
+{
+    if (isActive())
+        return;
+    warnAboutModalWidget();
+    if (m_services.capturer.captureAccess() != platform::IScreenCapturer::Granted) {
+        m_services.capturer.requestCaptureAccess();
+        Q_EMIT accessRefused();
+        return;
+    }
+    m_timer.start();
+    m_captureRequested = true;
+    Q_EMIT sessionStarted();
+
+    platform::CaptureOptions options;
+    options.includeCursor = m_services.settings.config().captureMousePointer;
+    options.excludeOwnWindows = false;
+    // Before the grab, so that the list describes the same moment as the picture.
+    m_windows = m_services.detector ? m_services.detector->topLevelWindows() : QList<platform::WindowInfo>();
+    m_services.capturer.capture(options);
+}
+
+void CaptureFlow::onCaptured(const platform::CaptureResult &result)
+{
+    if (!m_captureRequested)
+        return;
+    m_captureRequested = false;
+    warnAboutModalWidget();
+    if (!result.isGood()) {
+        qWarning().noquote() << QStringLiteral("抓屏失败：") + result.error;
+        m_services.notices.show(QCoreApplication::translate("AppController", "截图失败"), result.error,
+                                IUserNotices::Kind::Warning, 4000ms);
+        Q_EMIT idleReached();
+        return;
+    }
+
+    const QPoint cursor = m_services.cursorPosition();
+    const auto under = std::find_if(result.displays.begin(), result.displays.end(),
+                                    [cursor](const auto &display) { return display.geometry.contains(cursor); });
+    openOverlay(under == result.displays.end() ? result.displays.first() : *under);
+    qInfo().noquote() << QStringLiteral("截图就绪：%1 个显示器，抓屏 %2 ms，覆盖层显示共 %3 ms")
+                             .arg(result.displays.size())
+                             .arg(result.elapsedMs)
+                             .arg(m_timer.elapsed());
+}
+
+void CaptureFlow::openOverlay(const platform::CapturedDisplay &display)
+{
+    auto *overlay = new ui::CaptureOverlay(display, m_services.settings.config());
+    overlay->setWindowController(m_services.windows);
+    overlay->setDetection(m_windows);
+    m_overlays.append(overlay);
+    connectResults(overlay);
+    connectSettings(overlay);
+    overlay->setRecordPrefs(m_recordPrefs);
+    logFirstPaint(overlay);
+
+    overlay->winId();
+    QWindow *handle = overlay->windowHandle();
+    m_services.windows->setWindowRole(handle, platform::WindowRole::Overlay);
+    if (QWidget *modal = QApplication::activeModalWidget(); modal && modal->windowHandle())
+        handle->setTransientParent(modal->windowHandle());
+    overlay->show();
+    m_services.windows->setWindowRole(handle, platform::WindowRole::Overlay);
+    m_services.windows->placeOnDisplay(handle, display.geometry);
+    m_wasApplicationActive = m_services.windows->isApplicationActive();
+    m_services.windows->activate(handle);
+    overlay->raise();
+    overlay->activateWindow();
+    overlay->setFocus();
+}
+
+void CaptureFlow::connectResults(ui::CaptureOverlay *overlay)
+{
+    connect(overlay, &ui::CaptureOverlay::selectionStarted, this, [this, overlay] {
+        for (const auto &other : std::as_const(m_overlays)) {
+            if (other && other != overlay)
+                other->clearSelection();
+        }
+    });
+    connect(overlay, &ui::CaptureOverlay::copyRequested, this, [this, overlay](const QImage &image) {
+        remember(overlay, QStringLiteral("copy"), image);
+        const FilenameContext context = contextOf(overlay);
+        closeSession();
+        Q_EMIT copyReady(image, context);
+    });
+    connect(overlay, &ui::CaptureOverlay::saveRequested, this, [this, overlay](const QImage &image) {
+        const QString uuid = remember(overlay, QStringLiteral("save"), image);
+        const FilenameContext context = contextOf(overlay);
+        closeSession();
+        Q_EMIT saveReady(image, context, uuid);
+    });
+    connect(overlay, &ui::CaptureOverlay::closeRequested, this, &CaptureFlow::closeSession);
+    connect(overlay, &ui::CaptureOverlay::colorCopied, this, &CaptureFlow::closeSession);
+    connect(overlay, &ui::CaptureOverlay::historyNavigate, this,
+            [this, overlay](int delta) { navigateHistory(overlay, delta); });
+    // The picture stays on the overlay, so that it can still be copied or saved.
+    connect(overlay, &ui::CaptureOverlay::pinRequested, overlay,
+            [overlay] { overlay->showToast(QCoreApplication::translate("AppController", "此版本还不能贴图")); });
+}
+
+void CaptureFlow::connectSettings(ui::CaptureOverlay *overlay)
+{
+    const auto change = [this](auto &&edit) {
+        SettingsConfig config = m_services.settings.config();
+        edit(config);
+        m_services.settings.update(config);
+    };
+    connect(overlay, &ui::CaptureOverlay::toolbarConfigChanged, this, [change](const QString &json) {
+        change([&json](SettingsConfig &config) { config.toolbarConfig = json; });
+    });
+    connect(overlay, &ui::CaptureOverlay::toolGuideDismissed, this,
+            [change] { change([](SettingsConfig &config) { config.toolGuideShown = true; }); });
+    connect(overlay, &ui::CaptureOverlay::markerSnapChanged, this,
+            [change](bool on) { change([on](SettingsConfig &config) { config.markerSnapText = on; }); });
+    connect(overlay, &ui::CaptureOverlay::recordPrefsChanged, this,
+            [this](const record::RecordPrefs &prefs) { m_recordPrefs = prefs; });
+}
+
+void CaptureFlow::logFirstPaint(ui::CaptureOverlay *overlay)
+{
+    new FirstPaint(overlay, [this] {
+        qInfo().noquote() << QStringLiteral("覆盖层首次绘制完成：请求后 %1 ms").arg(m_timer.elapsed());
+    });
+}
+
+void CaptureFlow::navigateHistory(ui::CaptureOverlay *overlay, int delta)
+{
+    const HistoryWalk::Step step = m_walk.step(overlay, delta, [overlay] { return overlay->snapshot(); });
+    switch (step.outcome) {
+    case HistoryWalk::Step::Outcome::Stay:
+        break;
+    case HistoryWalk::Step::Outcome::Show:
+        overlay->loadSnapshot(step.snapshot);
+        break;
+    case HistoryWalk::Step::Outcome::ImageMissing:
+        m_services.notices.show(QCoreApplication::translate("AppController", "截图历史"),
+                                QCoreApplication::translate("AppController", "该历史记录的图像文件缺失"),
+                                IUserNotices::Kind::Warning, 3000ms);
+        break;
+    }
+}
+
+FilenameContext CaptureFlow::contextOf(const ui::CaptureOverlay *overlay) const
+{
+    FilenameContext context;
+    if (const auto window = overlay->windowUnderSelection()) {
+        context.window = window->title.isEmpty() ? window->applicationName : window->title;
+        context.app = window->applicationName;
+    }
+    return context;
+}
+
+QString CaptureFlow::remember(ui::CaptureOverlay *overlay, const QString &source, const QImage &rendered)
+{
+    if (!m_services.settings.config().saveHistory)
+        return {};
+    const OverlaySnapshot snapshot = overlay->snapshot();
+    if (snapshot.image.isNull() || snapshot.selection.isEmpty())
+        return {};
+    return m_services.history.add(snapshot, source, rendered, contextOf(overlay));
+}
+
+void CaptureFlow::applySettings()
+{
+    for (const auto &overlay : std::as_const(m_overlays)) {
+        if (overlay)
+            overlay->setConfig(m_services.settings.config());
+    }
+}
+
+void CaptureFlow::closeSession()
+{
+    const bool wasActive = isActive();
+    m_captureRequested = false;
+    m_walk.reset();
+    m_windows.clear();
+    if (!m_overlays.isEmpty()) {
+        const auto overlays = std::exchange(m_overlays, {});
+        for (const auto &overlay : overlays) {
+            if (overlay) {
+                overlay->hide();
+                overlay->deleteLater();
+            }
+        }
+        qInfo().noquote() << QStringLiteral("截图会话结束");
+        Q_EMIT sessionClosed();
+    }
+    if (wasActive)
+        Q_EMIT idleReached();
+}
+
+} // namespace tavrel

@@ -1,0 +1,101 @@
+#pragma once
+
+#include "app/history_walk.h"
+#include "edit/name_template.h"
+#include "platform/element_detector.h"
+#include "platform/screen_capturer.h"
+#include "record/record_request.h"
+
+#include <QElapsedTimer>
+#include <QImage>
+#include <QList>
+#include <QObject>
+#include <QPoint>
+#include <QPointer>
+
+#include <functional>
+#include <memory>
+
+namespace tavrel {
+
+class IHistoryKeeper;
+class IUserNotices;
+class SettingsStore;
+
+namespace platform {
+class IUpdater;
+class IWindowController;
+} // namespace platform
+namespace ui {
+class CaptureOverlay;
+}
+
+/// One capture after the other: from the request over the grab to the overlay, and from its result back to idle.
+///
+/// A session is active from the request until the overlay is taken down. Results leave through signals after the
+/// session has been closed; the record of the result has been handed to the history before that, because it reads
+/// the overlay. GUI thread only.
+class CaptureFlow final : public QObject
+{
+    Q_OBJECT
+
+public:
+    struct Services
+    {
+        platform::IScreenCapturer &capturer;
+        std::shared_ptr<platform::IWindowController> windows;
+        std::shared_ptr<platform::IElementDetector> detector; ///< may be null
+        SettingsStore &settings;
+        IHistoryKeeper &history;
+        IUserNotices &notices;
+        std::function<QPoint()> cursorPosition; ///< global logical coordinates
+    };
+
+    explicit CaptureFlow(Services services, QObject *parent = nullptr);
+    ~CaptureFlow() override;
+
+    /// Does nothing while a session is active.
+    void startCapture();
+    /// Takes everything of the session down; safe to call at any time.
+    void closeSession();
+    void applySettings();
+
+    [[nodiscard]] bool isActive() const { return m_captureRequested || !m_overlays.isEmpty(); }
+    [[nodiscard]] ui::CaptureOverlay *overlay() const;
+    /// Whether this application was the active one when the last overlay came up.
+    [[nodiscard]] bool wasApplicationActive() const { return m_wasApplicationActive; }
+
+Q_SIGNALS:
+    void sessionStarted();
+    /// The last overlay of a session is gone.
+    void sessionClosed();
+    /// The session has ended, with or without an overlay: the program may release its activation.
+    void idleReached();
+    void accessRefused();
+    void copyReady(const QImage &image, const tavrel::FilenameContext &context);
+    void saveReady(const QImage &image, const tavrel::FilenameContext &context, const QString &historyUuid);
+
+private:
+    void onCaptured(const platform::CaptureResult &result);
+    void openOverlay(const platform::CapturedDisplay &display);
+    void connectResults(ui::CaptureOverlay *overlay);
+    void connectSettings(ui::CaptureOverlay *overlay);
+    void logFirstPaint(ui::CaptureOverlay *overlay);
+    void navigateHistory(ui::CaptureOverlay *overlay, int delta);
+    [[nodiscard]] FilenameContext contextOf(const ui::CaptureOverlay *overlay) const;
+    QString remember(ui::CaptureOverlay *overlay, const QString &source, const QImage &rendered);
+
+    Services m_services;
+    HistoryWalk m_walk;
+    QElapsedTimer m_timer;
+    QList<platform::WindowInfo> m_windows;
+    QList<QPointer<ui::CaptureOverlay>> m_overlays;
+    record::RecordPrefs m_recordPrefs;
+    bool m_captureRequested = false;
+    bool m_wasApplicationActive = true;
+};
+
+/// Logs an application-modal widget that is open: such a box blocks the overlay and has no place in this program.
+void warnAboutModalWidget();
+
+} // namespace tavrel

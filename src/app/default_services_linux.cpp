@@ -1,0 +1,58 @@
+#include "app/default_services.h"
+
+#include "platform/linux/quit_signals.h"
+#include "platform/linux/x11_global_hotkey.h"
+#include "platform/linux/x11_services.h"
+#include "platform/unsupported/unsupported_services.h"
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <QLoggingCategory>
+
+namespace tavrel {
+
+using platform::Unsupported;
+
+AppController::Deps withDefaultServices(AppController::Deps deps)
+{
+    const bool x11 = QGuiApplication::platformName() == u"xcb";
+    if (!deps.cursorPosition)
+        deps.cursorPosition = [] { return QCursor::pos(); };
+    QString error;
+    if (const auto services = x11 ? platform::X11Services::create(&error) : nullptr) {
+        if (!deps.screenCapturer)
+            deps.screenCapturer = services->screenCapturer();
+        if (!deps.globalHotkey)
+            deps.globalHotkey = std::make_unique<platform::X11GlobalHotkey>();
+        if (!deps.windowController)
+            deps.windowController = services->windowController();
+        if (!deps.elementDetector)
+            deps.elementDetector = services->elementDetector();
+    } else if (x11) {
+        qWarning().noquote() << QStringLiteral("X 服务不可用：") + error;
+    }
+    if (!deps.screenCapturer)
+        deps.screenCapturer = Unsupported::screenCapturer();
+    if (!deps.globalHotkey)
+        deps.globalHotkey = Unsupported::globalHotkey();
+    if (!deps.windowController)
+        deps.windowController = Unsupported::windowController();
+    if (!deps.elementDetector)
+        deps.elementDetector = Unsupported::elementDetector();
+    if (!deps.autoStart)
+        deps.autoStart = Unsupported::autoStart();
+    if (!deps.permissions)
+        deps.permissions = Unsupported::permissions();
+    if (!deps.updater)
+        deps.updater = Unsupported::updater();
+    if (!deps.history)
+        deps.history = std::make_shared<NoHistory>();
+    return deps;
+}
+
+void followSystemTermination(QObject *owner)
+{
+    platform::quitOnTerminationSignals(owner);
+}
+
+} // namespace tavrel

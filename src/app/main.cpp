@@ -1,0 +1,123 @@
+#include "app/app_controller.h"
+#include "app/command_line.h"
+#include "app/default_services.h"
+#include "app/fake_capture.h"
+#include "app/file_open_filter.h"
+#include "app/languages.h"
+#include "app/logging.h"
+#include "app/one_shot.h"
+#include "app/single_instance.h"
+#include "platform/synthetic/synthetic_capturer.h"
+#include "settings/settings_store.h"
+#include "ui/glyphs.h"
+
+#include <QApplication>
+#include <QLoggingCategory>
+#include <QTimer>
+
+#include <memory>
+
+namespace {
+
+using namespace tavrel;
+
+void describeApplication(QApplication &app)
+{
+    QApplication::setApplicationName(QStringLiteral("Tavrel"));
+    QApplication::setApplicationVersion(QStringLiteral(TAVREL_VERSION));
+    QApplication::setOrganizationName(QStringLiteral("corvane"));
+    QApplication::setOrganizationDomain(QStringLiteral("corvane"));
+    QApplication::setDesktopFileName(QStringLiteral("tavrel"));
+    app.setWindowIcon(ui::appIcon());
+}
+
+AppController::Deps dependencies(const StartRequest &request)
+{
+    AppController::Deps deps;
+    if (request.fakeCapture) {
+        auto capturer = std::make_unique<platform::SyntheticCapturer>();
+        setFakeCapturer(capturer.get());
+        deps.screenCapturer = std::move(capturer);
+    }
+    return deps;
+}
+
+/// Carries out what a start, this one or a later one, asks for.
+void carryOut(AppController &controller, const HandOver &request)
+{
+    const QStringList recordings = request.recordings();
+    for (const QString &path : recordings)
+        controller.openRecording(path);
+    if (request.capture)
+        controller.startCapture();
+    if (recordings.isEmpty() && !request.capture)
+        controller.showStatus();
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QApplication app(argc, argv);
+    describeApplication(app);
+    const QString log = startLogging();
+    qInfo().noquote() << QStringLiteral("Tavrel %1 启动（日志：%2）").arg(QApplication::applicationVersion(), log);
+
+    if (const int code = runOneShot(QApplication::arguments()); code >= 0)
+        return code;
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    // Help and errors of the command line come before the settings are read; they follow the system.
+    LanguageApplier language;
+    language.apply(QStringLiteral("system"));
+    const StartRequest request = readCommandLine(QApplication::arguments());
+
+    SingleInstance instance;
+    if (request.enforceSingleInstance) {
+        switch (instance.claim(request.handOver())) {
+        case SingleInstance::Claim::HandedOver:
+            return 0;
+        case SingleInstance::Claim::Held:
+        case SingleInstance::Claim::HolderUnreachable:
+            break;
+        }
+    }
+
+    SettingsStore settings((QString()));
+    language.apply(request.lang.isEmpty() ? settings.config().language : request.lang);
+    if (request.languageProbe)
+        return runLanguageProbe(language);
+    followSystemTermination(&app);
+
+    auto controller = std::make_unique<AppController>(settings, dependencies(request));
+    controller->start();
+    instance.listen();
+    QObject::connect(&instance, &SingleInstance::requested, controller.get(),
+                     [&controller](const HandOver &handOver) { carryOut(*controller, handOver); });
+    QObject::connect(&settings, &SettingsStore::changed, controller.get(),
+                     [&language, &controller](const SettingsConfig &config) {
+                         const QString before = language.applied();
+                         if (language.apply(config.language) != before)
+                             controller->retranslateUi();
+                     });
+
+    FileOpenFilter files;
+    app.installEventFilter(&files);
+    QObject::connect(&files, &FileOpenFilter::fileOpened, controller.get(), &AppController::openRecording);
+
+    for (const QString &path : request.handOver().recordings())
+        QTimer::singleShot(0, controller.get(), [&controller, path] { controller->openRecording(path); });
+    if (request.settings || request.history)
+        QTimer::singleShot(0, controller.get(), &AppController::showStatus);
+    if (request.capture)
+        QTimer::singleShot(0, controller.get(), &AppController::startCapture);
+    if (request.quitAfterMs)
+        QTimer::singleShot(*request.quitAfterMs, &app, &QCoreApplication::quit);
+
+    const int code = QApplication::exec();
+    // Nothing may reach a controller that is going down.
+    instance.close();
+    controller.reset();
+    setFakeCapturer(nullptr);
+    return code;
+}

@@ -1,0 +1,66 @@
+#include "app/one_shot.h"
+
+#include "ui/icon_sheet.h"
+
+#include <QImage>
+
+#include <array>
+#include <cstdio>
+
+namespace tavrel {
+namespace {
+
+int usage(const char *line)
+{
+    std::fprintf(stderr, "用法: %s\n", line);
+    return 2;
+}
+
+int writePicture(const QImage &image, const QString &path)
+{
+    if (image.save(path)) {
+        std::printf("%s\n", qPrintable(path));
+        return 0;
+    }
+    std::fprintf(stderr, "无法写入 %s\n", qPrintable(path));
+    return 1;
+}
+
+int renderIconSheet(const QStringList &values)
+{
+    if (values.size() != 1)
+        return usage("tavrel --render-icon-sheet <out.png>");
+    return writePicture(ui::renderIconSheet(), values.first());
+}
+
+int renderGlyphSheet(const QStringList &values)
+{
+    if (values.isEmpty())
+        return usage("tavrel --render-glyph-sheet <out.png> [name ...]");
+    return writePicture(ui::renderGlyphSheet(values.mid(1)), values.first());
+}
+
+struct OneShot
+{
+    const char *option;
+    int (*run)(const QStringList &values);
+};
+
+constexpr std::array kOneShots{
+    OneShot{"--render-icon-sheet", renderIconSheet},
+    OneShot{"--render-glyph-sheet", renderGlyphSheet},
+};
+
+} // namespace
+
+int runOneShot(const QStringList &arguments)
+{
+    for (const OneShot &shot : kOneShots) {
+        const auto at = arguments.indexOf(QString::fromLatin1(shot.option));
+        if (at > 0)
+            return shot.run(arguments.mid(at + 1));
+    }
+    return -1;
+}
+
+} // namespace tavrel

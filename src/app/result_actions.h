@@ -1,0 +1,66 @@
+#pragma once
+
+#include "edit/clipboard.h"
+#include "edit/clipboard_writer.h"
+#include "edit/copy_image.h"
+#include "edit/name_template.h"
+#include "edit/save_service.h"
+
+#include <QImage>
+#include <QObject>
+#include <QPointer>
+#include <QString>
+#include <QWidget>
+
+#include <functional>
+#include <memory>
+
+namespace tavrel {
+
+class IUserNotices;
+class SettingsStore;
+
+/// What happens to a finished picture: onto the clipboard, or into a file that the settings or the user name.
+/// Encoding runs on workers; notes, counters and errors follow on the GUI thread when the file stands. A picture that
+/// could not be written is offered for another place, so that it is not lost.
+class ResultActions final : public QObject
+{
+    Q_OBJECT
+
+public:
+    using Saved = std::function<void(const QString &path)>;
+
+    /// clipboard  null for that of the system
+    ResultActions(SettingsStore &settings, IUserNotices &notices, std::shared_ptr<IClipboard> clipboard,
+                  QObject *parent = nullptr);
+
+    void copyImage(const QImage &image, const FilenameContext &context);
+    /// saveAs  always ask for the file, even when a folder is set
+    /// anchor  window that the dialogs belong to, may be null
+    /// saved   called with the path once the file stands
+    void saveImage(const QImage &image, const FilenameContext &context, bool saveAs, QWidget *anchor, Saved saved = {});
+
+    [[nodiscard]] QString lastSavedPath() const { return m_lastSavedPath; }
+
+private:
+    /// One picture on its way into a file.
+    struct Pending
+    {
+        QImage image;
+        SaveRequest request;
+        QPointer<QWidget> anchor;
+        Saved saved;
+    };
+
+    void askForFile(const Pending &pending, const QString &title);
+    void finishSave(const Pending &pending, const SaveResult &result);
+
+    SettingsStore &m_settings;
+    IUserNotices &m_notices;
+    std::shared_ptr<IClipboard> m_clipboard;
+    ClipboardWriter m_writer;
+    ImageCopier m_copier;
+    QString m_lastSavedPath;
+};
+
+} // namespace tavrel

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QString>
+
+#include <chrono>
+
+namespace tavrel {
+
+/// Short messages about results that have no window of their own.
+class IUserNotices
+{
+public:
+    enum class Kind { Information = 1, Warning = 2 };
+
+    IUserNotices() = default;
+    IUserNotices(const IUserNotices &) = delete;
+    IUserNotices &operator=(const IUserNotices &) = delete;
+    virtual ~IUserNotices() = default;
+
+    virtual void show(const QString &title, const QString &text, Kind kind, std::chrono::milliseconds duration) = 0;
+};
+
+/// Passes messages on to whoever shows them; without a receiver they are dropped.
+class NoticeRelay final : public IUserNotices
+{
+public:
+    void setReceiver(IUserNotices *receiver) { m_receiver = receiver; }
+    void show(const QString &title, const QString &text, Kind kind, std::chrono::milliseconds duration) override
+    {
+        if (m_receiver)
+            m_receiver->show(title, text, kind, duration);
+    }
+
+private:
+    IUserNotices *m_receiver = nullptr;
+};
+
+} // namespace tavrel

@@ -1,0 +1,265 @@
+#include "app/capture_flow.h"
+#include "app/history_keeper.h"
+#include "app/user_notices.h"
+#include "overlay/capture_overlay.h"
+#include "platform/unsupported/unsupported_services.h"
+#include "settings/settings_store.h"
+#include "support/test_main.h"
+
+#include <QApplication>
+#include <QSignalSpy>
+
+using namespace tavrel;
+
+namespace {
+
+/// Delivers what it was told to, on the next turn of the loop.
+class FakeCapturer final : public platform::IScreenCapturer
+{
+public:
+    int captureAccess() const override { return access; }
+    void requestCaptureAccess() override { ++accessRequests; }
+    void capture(const platform::CaptureOptions &asked) override
+    {
+        ++grabs;
+        options = asked;
+        QMetaObject::invokeMethod(
+            this, [this] { Q_EMIT captured(result); }, Qt::QueuedConnection);
+    }
+
+    int access = Granted;
+    int accessRequests = 0;
+    int grabs = 0;
+    platform::CaptureOptions options;
+    platform::CaptureResult result;
+};
+
+class Notices final : public IUserNotices
+{
+public:
+    void show(const QString &title, const QString &text, Kind, std::chrono::milliseconds) override
+    {
+        shown.append(title + u'|' + text);
+    }
+    QStringList shown;
+};
+
+class Records final : public IHistoryKeeper
+{
+public:
+    QString add(const OverlaySnapshot &snapshot, const QString &source, const QImage &rendered,
+                const FilenameContext &) override
+    {
+        events.append(QStringLiteral("add:%1:%2").arg(source).arg(rendered.width()));
+        last = snapshot;
+        return QStringLiteral("uuid");
+    }
+    void setSavedPath(const QString &, const QString &) override {}
+    int count() const override { return 1; }
+    std::optional<OverlaySnapshot> load(int) const override
+    {
+        if (!hasImage)
+            return {};
+        OverlaySnapshot snapshot;
+        snapshot.image = QImage(50, 40, QImage::Format_ARGB32_Premultiplied);
+        snapshot.image.fill(Qt::green);
+        return snapshot;
+    }
+    bool flush(int) override { return true; }
+
+    QStringList events;
+    OverlaySnapshot last;
+    bool hasImage = true;
+};
+
+platform::CapturedDisplay display(quint32 id, const QRect &geometry, double ratio = 1.0)
+{
+    platform::CapturedDisplay captured;
+    captured.id = id;
+    captured.name = QStringLiteral("display %1").arg(id);
+    captured.geometry = geometry;
+    captured.devicePixelRatio = ratio;
+    captured.image = QImage(geometry.size() * ratio, QImage::Format_ARGB32_Premultiplied);
+    captured.image.fill(QColor(10, 20, static_cast<int>(id)));
+    captured.image.setDevicePixelRatio(ratio);
+    return captured;
+}
+
+void drag(QWidget *widget, const QPoint &from, const QPoint &to)
+{
+    QTest::mousePress(widget, Qt::LeftButton, {}, from);
+    QTest::mouseMove(widget, (from + to) / 2);
+    QTest::mouseMove(widget, to);
+    QTest::mouseRelease(widget, Qt::LeftButton, {}, to);
+}
+
+} // namespace
+
+class CaptureFlowTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_folder = std::make_unique<QTemporaryDir>();
+        m_settings = std::make_unique<SettingsStore>(m_folder->filePath(QStringLiteral("s.ini")));
+        m_capturer = std::make_unique<FakeCapturer>();
+        m_capturer->result.displays = {display(1, {0, 0, 400, 300}), display(2, {400, 0, 300, 200}, 2.0)};
+        m_records = std::make_unique<Records>();
+        m_notices = std::make_unique<Notices>();
+        m_cursor = QPoint(10, 10);
+        m_flow = std::make_unique<CaptureFlow>(
+            CaptureFlow::Services{*m_capturer, platform::Unsupported::windowController(), nullptr, *m_settings,
+                                  *m_records, *m_notices, [this] { return m_cursor; }});
+    }
+
+    void cleanup() { m_flow.reset(); }
+
+    void opensOnTheDisplayUnderThePointer_data()
+    {
+        QTest::addColumn<QPoint>("cursor");
+        QTest::addColumn<QSize>("size");
+        QTest::newRow("first") << QPoint(399, 10) << QSize(400, 300);
+        QTest::newRow("second") << QPoint(400, 10) << QSize(300, 200);
+        QTest::newRow("nowhere") << QPoint(5000, 5000) << QSize(400, 300);
+    }
+
+    void opensOnTheDisplayUnderThePointer()
+    {
+        QFETCH(QPoint, cursor);
+        QFETCH(QSize, size);
+        m_cursor = cursor;
+        m_flow->startCapture();
+        QTRY_VERIFY(m_flow->overlay());
+        QCOMPARE(m_flow->overlay()->size(), size);
+    }
+
+    void aSecondRequestDuringASessionDoesNothing()
+    {
+        m_flow->startCapture();
+        m_flow->startCapture();
+        QTRY_VERIFY(m_flow->overlay());
+        m_flow->startCapture();
+        QCOMPARE(m_capturer->grabs, 1);
+        QVERIFY(!m_capturer->options.excludeOwnWindows);
+    }
+
+    void aResultLeavesAfterTheSessionHasEndedAndTheRecordBefore()
+    {
+        m_cursor = QPoint(450, 10);
+        QStringList &order = m_records->events;
+        connect(m_flow.get(), &CaptureFlow::sessionClosed, this, [&order] { order.append(QStringLiteral("closed")); });
+        connect(m_flow.get(), &CaptureFlow::idleReached, this, [&order] { order.append(QStringLiteral("idle")); });
+        QImage copied;
+        connect(m_flow.get(), &CaptureFlow::copyReady, this, [&](const QImage &image) {
+            QVERIFY(!m_flow->isActive());
+            order.append(QStringLiteral("copy"));
+            copied = image;
+        });
+        m_flow->startCapture();
+        QTRY_VERIFY(m_flow->overlay());
+        QPointer<ui::CaptureOverlay> overlay = m_flow->overlay();
+        drag(overlay, {20, 20}, {120, 70});
+        QTest::keyClick(overlay, Qt::Key_Return);
+        QCOMPARE(order.join(u' '), QStringLiteral("add:copy:200 closed idle copy"));
+        QCOMPARE(copied.size(), QSize(200, 100));
+        QCOMPARE(copied.devicePixelRatio(), 2.0);
+        QCOMPARE(copied.pixelColor(5, 5), QColor(10, 20, 2));
+        QCOMPARE(m_records->last.selection, QRectF(20, 20, 100, 50));
+        QTRY_VERIFY(!overlay);
+    }
+
+    void nothingIsRecordedWhenTheUserDoesNotWantIt()
+    {
+        SettingsConfig config = m_settings->config();
+        config.saveHistory = false;
+        m_settings->update(config);
+        QSignalSpy saved(m_flow.get(), &CaptureFlow::saveReady);
+        m_flow->startCapture();
+        QTRY_VERIFY(m_flow->overlay());
+        drag(m_flow->overlay(), {20, 20}, {120, 70});
+        QTest::keyClick(m_flow->overlay(), Qt::Key_S, Qt::ControlModifier);
+        QCOMPARE(saved.count(), 1);
+        QVERIFY(m_records->events.isEmpty());
+    }
+
+    void aRefusedOrFailedGrabLeavesTheProgramIdle()
+    {
+        QSignalSpy refused(m_flow.get(), &CaptureFlow::accessRefused);
+        m_capturer->access = platform::IScreenCapturer::Denied;
+        m_flow->startCapture();
+        QCOMPARE(refused.count(), 1);
+        QCOMPARE(m_capturer->accessRequests, 1);
+        QVERIFY(!m_flow->isActive());
+
+        m_capturer->access = platform::IScreenCapturer::Granted;
+        m_capturer->result.error = QStringLiteral("gone");
+        QTest::ignoreMessage(QtWarningMsg, "抓屏失败：gone");
+        m_flow->startCapture();
+        QTRY_COMPARE(m_notices->shown, QStringList{QStringLiteral("截图失败|gone")});
+        QVERIFY(!m_flow->isActive());
+
+        m_capturer->result.error.clear();
+        m_flow->startCapture();
+        QTRY_VERIFY(m_flow->overlay());
+    }
+
+    void aSessionClosedBeforeItsPictureComesStaysClosed()
+    {
+        QSignalSpy idle(m_flow.get(), &CaptureFlow::idleReached);
+        m_flow->startCapture();
+        m_flow->closeSession();
+        QCOMPARE(idle.count(), 1);
+        QSignalSpy captured(m_capturer.get(), &platform::IScreenCapturer::captured);
+        QTRY_COMPARE(captured.count(), 1);
+        QVERIFY(!m_flow->overlay());
+    }
+
+    void aDisplayThatIsGoneByNowStillGetsItsOverlay()
+    {
+        m_capturer->result.displays = {display(7, {9000, 9000, 200, 100})};
+        m_flow->startCapture();
+        QTRY_VERIFY(m_flow->overlay());
+        QTest::keyClick(m_flow->overlay(), Qt::Key_Escape);
+        QVERIFY(!m_flow->isActive());
+    }
+
+    void theHistoryCanBeWalkedFromTheOverlay()
+    {
+        m_flow->startCapture();
+        QTRY_VERIFY(m_flow->overlay());
+        QTest::keyClick(m_flow->overlay(), Qt::Key_Comma);
+        QCOMPARE(m_flow->overlay()->snapshot().image.size(), QSize(50, 40));
+        QTest::keyClick(m_flow->overlay(), Qt::Key_Period);
+        QCOMPARE(m_flow->overlay()->snapshot().image.size(), QSize(400, 300));
+        m_records->hasImage = false;
+        QTest::keyClick(m_flow->overlay(), Qt::Key_Comma);
+        QCOMPARE(m_notices->shown.size(), 1);
+        QCOMPARE(m_flow->overlay()->snapshot().image.size(), QSize(400, 300));
+    }
+
+    void manySessionsLeaveNothingBehind()
+    {
+        for (int i = 0; i < 20; ++i) {
+            m_flow->startCapture();
+            QTRY_VERIFY(m_flow->overlay());
+            QPointer<ui::CaptureOverlay> overlay = m_flow->overlay();
+            QTest::keyClick(overlay, Qt::Key_Escape);
+            QTRY_VERIFY(!overlay);
+        }
+        QVERIFY(QApplication::topLevelWidgets().isEmpty());
+    }
+
+private:
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<SettingsStore> m_settings;
+    std::unique_ptr<FakeCapturer> m_capturer;
+    std::unique_ptr<Records> m_records;
+    std::unique_ptr<Notices> m_notices;
+    QPoint m_cursor;
+    std::unique_ptr<CaptureFlow> m_flow;
+};
+
+TAVREL_TEST_MAIN(QApplication, CaptureFlowTest)
+#include "test_capture_flow.moc"
