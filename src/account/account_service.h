@@ -4,7 +4,8 @@
 
 namespace tavrel::account {
 
-/// Signing in, the session and what the account knows of itself. Reached only through this interface, so that tests inject their own.
+/// Signing in, the session and what the account knows of itself. Reached only through this interface, so that tests
+/// inject their own.
 class IAccountService : public QObject
 {
     Q_OBJECT
