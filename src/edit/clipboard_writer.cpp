@@ -1,9 +1,6 @@
 #include "edit/clipboard_writer.h"
 
-#include "edit/image_file.h"
 #include "edit/picture_mime_data.h"
-
-#include <QtConcurrentRun>
 
 #include <utility>
 
@@ -56,8 +53,8 @@ void ClipboardWriter::setImage(const QImage &image, QObject *context, Done done)
         answer(context, done, false);
         return;
     }
-    begin({.make = [image, png = QtConcurrent::run(encodedPng,
-                                                   image)] { return std::make_unique<PictureMimeData>(image, png); },
+    const auto png = std::make_shared<const PngEncoding>(image);
+    begin({.make = [image, png] { return std::make_unique<PictureMimeData>(image, png); },
            .matches = [size = image.size()](const QMimeData &data) { return imageSize(data) == size; },
            .context = context,
            .done = std::move(done)});
@@ -66,9 +63,9 @@ void ClipboardWriter::setImage(const QImage &image, QObject *context, Done done)
 void ClipboardWriter::setFiles(const QList<QUrl> &urls, const QImage &image, QObject *context, Done done,
                                const QByteArray &png)
 {
-    QFuture<QByteArray> encoded;
+    std::shared_ptr<const PngEncoding> encoded;
     if (!image.isNull())
-        encoded = png.isEmpty() ? QtConcurrent::run(encodedPng, image) : QtFuture::makeReadyFuture(png);
+        encoded = png.isEmpty() ? std::make_shared<const PngEncoding>(image) : std::make_shared<const PngEncoding>(png);
     begin({.make =
                [urls, image, encoded] {
                    std::unique_ptr<QMimeData> data;

@@ -5,6 +5,7 @@
 #include "edit/save_service.h"
 #include "settings/settings_config.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFutureWatcher>
 #include <QStandardPaths>
@@ -18,15 +19,15 @@ namespace {
 
 constexpr qint64 kOldFileSeconds = 86401;
 
-/// One thread: copies keep their order, and do not wait behind a large save.
-QThreadPool &copyPool()
+/// One thread: copies keep their order, and do not wait behind a large save. Goes with the application.
+QThreadPool *copyPool()
 {
     static QThreadPool *const pool = [] {
-        auto *created = new QThreadPool;
+        auto *created = new QThreadPool(QCoreApplication::instance());
         created->setMaxThreadCount(1);
         return created;
     }();
-    return *pool;
+    return pool;
 }
 
 enum class CopyForm { Image, ImageAndFile, File };
@@ -128,7 +129,7 @@ void ImageCopier::copyImage(const QImage &image, const QDateTime &time, const Fi
                                       copy.png);
                 }
             });
-    watcher->setFuture(QtConcurrent::run(&copyPool(), prepareCopy, task));
+    watcher->setFuture(QtConcurrent::run(copyPool(), prepareCopy, task));
 }
 
 } // namespace tavrel

@@ -3,6 +3,11 @@
 #include "edit/image_file.h"
 
 #include <QBuffer>
+#include <QCoreApplication>
+#include <QThreadPool>
+#include <QtConcurrentRun>
+
+#include <utility>
 
 namespace tavrel {
 namespace {
@@ -21,9 +26,32 @@ QByteArray encodedBmp(const QImage &image)
     return buffer.data();
 }
 
+QThreadPool *encodingPool()
+{
+    // Goes with the application, and waits for the picture that is being encoded then.
+    static QThreadPool *const pool = [] {
+        auto *created = new QThreadPool(QCoreApplication::instance());
+        created->setMaxThreadCount(1);
+        return created;
+    }();
+    return pool;
+}
+
 } // namespace
 
-PictureMimeData::PictureMimeData(const QImage &image, const QFuture<QByteArray> &png) : m_image(image), m_png(png) {}
+PngEncoding::PngEncoding(const QImage &image) : m_png(QtConcurrent::run(encodingPool(), encodedPng, image)) {}
+
+PngEncoding::PngEncoding(const QByteArray &png) : m_png(QtFuture::makeReadyFuture(png)) {}
+
+PngEncoding::~PngEncoding()
+{
+    m_png.cancel();
+}
+
+PictureMimeData::PictureMimeData(const QImage &image, std::shared_ptr<const PngEncoding> png)
+    : m_image(image),
+      m_png(std::move(png))
+{}
 
 QStringList PictureMimeData::formats() const
 {
@@ -40,7 +68,7 @@ QVariant PictureMimeData::retrieveData(const QString &mimeType, QMetaType type) 
     if (mimeType == kQtImage)
         return m_image;
     if (mimeType == kPng)
-        return m_png.result();
+        return m_png->bytes();
     if (mimeType == kBmp)
         return encodedBmp(m_image);
     return QMimeData::retrieveData(mimeType, type);
