@@ -319,6 +319,24 @@ xcb_window_t XProbe::frameOf(xcb_window_t window) const
     }
 }
 
+xcb_window_t XProbe::topMostAt(const QPoint &point) const
+{
+    const Reply<xcb_query_tree_reply_t> tree{xcb_query_tree_reply(m_c, xcb_query_tree(m_c, m_screen->root), nullptr)};
+    const xcb_window_t *children = xcb_query_tree_children(tree.get());
+    for (int i = tree->children_len - 1; i >= 0; --i) {
+        const Reply<xcb_get_window_attributes_reply_t> attributes{
+            xcb_get_window_attributes_reply(m_c, xcb_get_window_attributes(m_c, children[i]), nullptr)};
+        if (!attributes || attributes->map_state != XCB_MAP_STATE_VIEWABLE ||
+            attributes->_class == XCB_WINDOW_CLASS_INPUT_ONLY || !geometry(children[i]).contains(point))
+            continue;
+        const xcb_window_t canvas = children[i]; // the composite overlay window has ids of the server's own
+        if ((canvas & ~xcb_get_setup(m_c)->resource_id_mask) == 0)
+            continue;
+        return canvas;
+    }
+    return XCB_WINDOW_NONE;
+}
+
 int XProbe::stackPosition(xcb_window_t window) const
 {
     const Reply<xcb_query_tree_reply_t> tree{xcb_query_tree_reply(m_c, xcb_query_tree(m_c, m_screen->root), nullptr)};

@@ -67,6 +67,8 @@ public:
     void setFocus(xcb_window_t window);
     /// The child of the root that a window lies in.
     [[nodiscard]] xcb_window_t frameOf(xcb_window_t window) const;
+    /// The root's child that is seen at a point: viewable, not input-only, and not a compositor's own canvas.
+    [[nodiscard]] xcb_window_t topMostAt(const QPoint &point) const;
     /// Position among the root's children, bottom to top.
     [[nodiscard]] int stackPosition(xcb_window_t window) const;
     [[nodiscard]] QList<quint32> property(xcb_window_t window, const QByteArray &name) const;

@@ -70,26 +70,15 @@ bool hasWindowManager(const XConnection &x)
     return own == named;
 }
 
-/// Adds or removes states: by the property before the window is mapped, by asking the window manager after.
+/// Asks the window manager to add or remove states of a window that is on the screen. Before that there is nobody to
+/// ask, and Qt writes the property anew when it shows the window.
 void setStates(const XConnection &x, xcb_window_t window, std::initializer_list<XAtom> states, bool on)
 {
     xcb_connection_t *qt = qtConnection();
-    if (!qt || window == XCB_WINDOW_NONE)
+    if (!qt || window == XCB_WINDOW_NONE || !isMapped(qt, window))
         return;
-    if (isMapped(qt, window)) {
-        for (const XAtom state : states)
-            sendToRoot(x, qt, window, XAtom::NetWmState, {on ? kStateAdd : kStateRemove, x.atom(state), 0, 1, 0});
-        return;
-    }
-    syncQtConnection();
-    auto atoms = propertyItems(x.property(x.requestProperty(window, XAtom::NetWmState, XCB_ATOM_ATOM)).get());
-    for (const XAtom state : states) {
-        atoms.removeAll(x.atom(state));
-        if (on)
-            atoms.append(x.atom(state));
-    }
-    forget(qt, xcb_change_property_checked(qt, XCB_PROP_MODE_REPLACE, window, x.atom(XAtom::NetWmState), XCB_ATOM_ATOM,
-                                           32, static_cast<quint32>(atoms.size()), atoms.constData()));
+    for (const XAtom state : states)
+        sendToRoot(x, qt, window, XAtom::NetWmState, {on ? kStateAdd : kStateRemove, x.atom(state), 0, 1, 0});
 }
 
 } // namespace
@@ -142,8 +131,12 @@ public:
             } else {
                 m_exclusions->remove(std::exchange(state->excludedId, 0));
             }
-        } else if (event->type() == QEvent::Show && state->role) {
-            applyStates(window, *state->role); // a withdrawn window has lost its states
+        } else if (event->type() == QEvent::Show) {
+            state->appears = true;
+        } else if (event->type() == QEvent::Expose && state->appears && window->isExposed()) {
+            state->appears = false;
+            if (state->role)
+                applyStates(window, *state->role); // a window that was withdrawn has lost its states
         }
         return false;
     }
@@ -153,7 +146,8 @@ private:
     {
         std::optional<WindowRole> role;
         bool excluded = false;
-        WId excludedId = 0; ///< under which native id it is in the shared set
+        bool appears = false; ///< shown, but not on the screen yet
+        WId excludedId = 0;   ///< under which native id it is in the shared set
     };
 
     State &stateOf(QWindow *window)
@@ -243,9 +237,10 @@ void X11WindowController::rememberActive()
     const XReply<xcb_get_input_focus_reply_t> focus{
         xcb_get_input_focus_reply(m_x->xcb(), xcb_get_input_focus(m_x->xcb()), nullptr)};
     const auto activeWindow = propertyItems(m_x->property(active).get()).value(0, XCB_WINDOW_NONE);
-    if (!focus || belongsToQt(focus->focus) || belongsToQt(activeWindow))
+    if (!focus || belongsToQt(focus->focus))
         return; // active already: what was remembered then still counts
-    m_previousActive = activeWindow;
+    // The window manager tells a moment later than the focus moves, so what it names may be our own window still.
+    m_previousActive = belongsToQt(activeWindow) ? focus->focus : activeWindow;
     m_previousFocus = focus->focus;
 }
 
