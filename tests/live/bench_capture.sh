@@ -18,8 +18,10 @@ idle=$(resident)
 "$tools/press_to_paint" 30 >"$out/press_to_paint_$screen.json" || exit 1
 echo "hotkey to painted overlay, $screen: $(cat "$out/press_to_paint_$screen.json")"
 warm=$(resident)
+sleep 13
+rested=$(resident)
 "$tools/press_to_paint" 50 >/dev/null || exit 1
-sleep 3
+sleep 13 # memory is given back after ten idle seconds
 after=$(resident)
-echo "resident memory, $screen: idle $idle MB, after 30 sessions $warm MB, after 80 sessions $after MB" |
+echo "resident memory, $screen: idle $idle MB, after 30 sessions $warm MB and rested $rested MB, after 50 more and rested $after MB" |
     tee "$out/memory_$screen.txt"

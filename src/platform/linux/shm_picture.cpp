@@ -85,6 +85,11 @@ ShmSegment::~ShmSegment()
     munmap(m_memory, m_bytes);
 }
 
+void ShmSegment::dropPages() const noexcept
+{
+    madvise(m_memory, m_bytes, MADV_REMOVE);
+}
+
 QImage makePicture(const QSize &size)
 {
     const auto count = static_cast<std::size_t>(size.width()) * static_cast<std::size_t>(size.height());

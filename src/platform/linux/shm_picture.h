@@ -25,6 +25,8 @@ public:
     [[nodiscard]] xcb_shm_seg_t id() const noexcept { return m_id; }
     [[nodiscard]] const quint32 *pixels() const noexcept { return static_cast<const quint32 *>(m_memory); }
     [[nodiscard]] std::size_t size() const noexcept { return m_bytes; }
+    /// Gives the pages back; the segment stays attached on both sides and reads as black until it is written again.
+    void dropPages() const noexcept;
 
 private:
     ShmSegment(std::shared_ptr<XConnection> x, xcb_shm_seg_t id, void *memory, std::size_t bytes);

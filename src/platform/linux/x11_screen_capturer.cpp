@@ -8,11 +8,15 @@
 #include <QLoggingCategory>
 #include <QTimer>
 
+#include <malloc.h>
+
 namespace tavrel::platform {
 
 namespace {
 
 Q_LOGGING_CATEGORY(lcCapture, "tavrel.capture")
+
+constexpr int kIdleMs = 10'000;
 
 } // namespace
 
@@ -22,7 +26,15 @@ X11ScreenCapturer::X11ScreenCapturer(std::shared_ptr<XConnection> x, std::shared
       m_x(std::move(x)),
       m_exclusions(std::move(exclusions)),
       m_grabber(m_x, m_exclusions)
-{}
+{
+    m_idle.setSingleShot(true);
+    m_idle.setInterval(kIdleMs);
+    connect(&m_idle, &QTimer::timeout, this, [this] {
+        m_grabber.dropPages();
+        // The pictures handed out are gone by now, but the allocator keeps tens of megabytes of them for later.
+        malloc_trim(0);
+    });
+}
 
 int X11ScreenCapturer::captureAccess() const
 {
@@ -91,6 +103,7 @@ void X11ScreenCapturer::grabAll(const CaptureOptions &options, const QElapsedTim
         result.displays.append(display);
     }
     m_grabber.keepOnly(names);
+    m_idle.start();
     result.elapsedMs = started.elapsed();
     QTimer::singleShot(0, this, [this, result] { Q_EMIT captured(result); });
 }

@@ -5,6 +5,7 @@
 #include "platform/linux/x11_screen_grabber.h"
 
 #include <QElapsedTimer>
+#include <QTimer>
 
 #include <memory>
 
@@ -14,6 +15,9 @@ class CaptureExclusions;
 class XConnection;
 
 /// Pictures of all displays from the X server, pixel for pixel what is on them at any scale factor.
+///
+/// What pictures took of memory is given back when none has been asked for for a while: a resident program is idle
+/// for hours between two of them, and faulting the pages of a 4K segment in again costs the next one milliseconds.
 ///
 /// Budget: 15 ms for a display of 3840 x 2160, at most twice that when a picture has to be put together behind an
 /// excluded window. Windows that were not kept by the server until now first get CaptureExclusions::kRepaintMs to
@@ -38,6 +42,7 @@ private:
     std::shared_ptr<XConnection> m_x;
     std::shared_ptr<CaptureExclusions> m_exclusions;
     X11ScreenGrabber m_grabber;
+    QTimer m_idle;
 };
 
 } // namespace tavrel::platform

@@ -395,6 +395,14 @@ X11ScreenGrabber::~X11ScreenGrabber()
     keepOnly({});
 }
 
+void X11ScreenGrabber::dropPages() const
+{
+    for (const auto &slot : std::as_const(d->slotsByName)) {
+        if (slot->segment)
+            slot->segment->dropPages();
+    }
+}
+
 X11ScreenGrabber::Hidden X11ScreenGrabber::findHidden(const QSet<WId> &windows) const
 {
     const XConnection &x = *d->x;

@@ -48,6 +48,8 @@ public:
     void drawCursor(QImage &image, const QRect &rect) const;
     /// Frees what is kept for all displays but these.
     void keepOnly(const QSet<QString> &names);
+    /// Gives the memory of the kept segments back until the next picture; they stay attached.
+    void dropPages() const;
 
 private:
     struct Private;
