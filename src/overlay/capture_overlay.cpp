@@ -145,9 +145,9 @@ void CaptureOverlay::changeMode(OverlayMode mode)
 
 QPointF CaptureOverlay::pointOf(const QMouseEvent &event) const
 {
-    // Widgets get their local position rounded to whole units, which at a fractional ratio is a pixel beside the one
-    // under the pointer; the global position keeps its fraction.
-    return event.globalPosition() - QPointF(mapToGlobal(QPoint(0, 0)));
+    // Widgets get every position but this one rounded to whole units, which at a fractional ratio is a pixel beside
+    // the one under the pointer. The overlay is a window, so its scene is itself.
+    return isWindow() ? event.scenePosition() : event.position();
 }
 
 void CaptureOverlay::mousePressEvent(QMouseEvent *event)

@@ -17,8 +17,8 @@ start "$tavrel"
 until_true 30 log_has 启动 || fail "the program did not start"
 until_true 30 log_has 就绪，等待快捷键 || fail "the hotkeys were not registered"
 
-# All points in device pixels that are whole in logical ones at every tested scale.
-left=240 top=180 right=960 bottom=720
+# Device pixels that are whole logical units at no scale but 1.
+left=241 top=183 right=961 bottom=725
 crop="$((right - left))x$((bottom - top))+$left+$top"
 
 import -window root "$home/before.png"
