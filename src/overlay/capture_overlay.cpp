@@ -6,9 +6,11 @@
 #include "platform/window_controller.h"
 
 #include <QCoreApplication>
+#include <QEnterEvent>
 #include <QMouseEvent>
 
 #include <cmath>
+#include <utility>
 
 namespace tavrel::ui {
 namespace {
@@ -85,7 +87,8 @@ void CaptureOverlay::setWindowController(std::shared_ptr<platform::IWindowContro
 void CaptureOverlay::setDetection(const QList<platform::WindowInfo> &windows)
 {
     m_windows = windows;
-    m_windowFinder = std::make_unique<WindowHoverFinder>(windows, m_display.geometry.topLeft(), QRectF(rect()));
+    m_windowFinder =
+        std::make_unique<WindowHoverFinder>(windows, m_display.geometry.topLeft() - m_picture.origin(), area());
 }
 
 void CaptureOverlay::setHoverFinder(std::unique_ptr<IHoverFinder> finder)
@@ -97,6 +100,7 @@ void CaptureOverlay::setPickMode(bool pick)
 {
     m_pickMode = pick;
     layoutPanels();
+    scheduleUpdate();
 }
 
 void CaptureOverlay::setToolbar(QWidget *toolbar)
@@ -104,6 +108,7 @@ void CaptureOverlay::setToolbar(QWidget *toolbar)
     m_toolbar = toolbar;
     toolbar->setParent(this);
     layoutPanels();
+    scheduleUpdate();
 }
 
 void CaptureOverlay::setAttributeBar(QWidget *bar)
@@ -111,6 +116,7 @@ void CaptureOverlay::setAttributeBar(QWidget *bar)
     m_attributeBar = bar;
     bar->setParent(this);
     layoutPanels();
+    scheduleUpdate();
 }
 
 void CaptureOverlay::moveToolbar(const QPoint &position)
@@ -228,12 +234,14 @@ void CaptureOverlay::mouseMoveEvent(QMouseEvent *event)
         break;
     case OverlayMode::Moving:
         m_selection = movedSelection(m_pressSelection, delta, area());
+        layoutPanels();
         break;
     case OverlayMode::Resizing: {
         const QRectF whole = area();
         const QPointF clamped(std::clamp(point.x(), whole.left(), whole.right()),
                               std::clamp(point.y(), whole.top(), whole.bottom()));
         m_selection = resizedSelection(m_pressSelection, m_activeHandle, clamped - m_pressPoint, whole);
+        layoutPanels();
         break;
     }
     case OverlayMode::Drawing: {
@@ -277,10 +285,11 @@ void CaptureOverlay::endSelecting()
 {
     changeMode(OverlayMode::Idle);
     if (m_selection.width() >= kSmallestBand && m_selection.height() >= kSmallestBand) {
+        m_hover = {};
+        layoutPanels();
+        consumeArmedStarts();
         if (m_pickMode)
             finishPick();
-        else
-            layoutPanels();
         return;
     }
     // A click takes what is under the pointer.
@@ -297,11 +306,26 @@ void CaptureOverlay::endSelecting()
 
 void CaptureOverlay::finishPick()
 {
-    // The first receiver may close the session; the picture is cut before that.
+    // The first receiver may close the session: the picture is cut before that.
     const QImage image =
         renderSelection(m_picture.image(), m_selection.translated(-m_picture.origin()), {}, ShapeFactory::standard());
+    if (image.isNull())
+        return;
     Q_EMIT regionRectPicked(globalSelectionRect());
     Q_EMIT regionPicked(image);
+}
+
+void CaptureOverlay::enterEvent(QEnterEvent *event)
+{
+    // The overlay comes up under a pointer that may not move before it is clicked.
+    m_pointerInside = true;
+    if (m_mode == OverlayMode::Idle) {
+        m_pointer = event->position();
+        updateCursor(m_pointer);
+        updateHover(m_pointer);
+    }
+    scheduleUpdate();
+    QWidget::enterEvent(event);
 }
 
 void CaptureOverlay::leaveEvent(QEvent *event)
@@ -340,6 +364,7 @@ void CaptureOverlay::setSelectionRect(const QRectF &rect)
     layoutPanels();
     updateCursor(m_pointer);
     scheduleUpdate();
+    consumeArmedStarts();
 }
 
 QRect CaptureOverlay::globalSelectionRect() const
@@ -384,8 +409,9 @@ void CaptureOverlay::layoutPanels()
         m_toolbar->adjustSize();
         if (m_attributeBar)
             m_attributeBar->adjustSize();
+        // Room for the bar is kept while it is hidden: the toolbar must not jump away from a click on a tool.
         const PanelPlacement place = placePanels(m_selection, size(), m_toolbar->size(),
-                                                 showsBar ? m_attributeBar->size() : QSize(), m_toolbarPos);
+                                                 m_attributeBar ? m_attributeBar->size() : QSize(), m_toolbarPos);
         if (m_toolbarPos)
             m_toolbarPos = place.toolbar;
         m_toolbar->move(place.toolbar);
@@ -396,6 +422,32 @@ void CaptureOverlay::layoutPanels()
         m_toolbar->setVisible(showsToolbar);
     if (m_attributeBar)
         m_attributeBar->setVisible(showsBar);
+}
+
+void CaptureOverlay::setStarter(AutoStart what, std::function<void()> starter)
+{
+    m_starts[static_cast<std::size_t>(what)].starter = std::move(starter);
+}
+
+void CaptureOverlay::armStart(AutoStart what)
+{
+    m_starts[static_cast<std::size_t>(what)].isArmed = true;
+    consumeArmedStarts();
+}
+
+void CaptureOverlay::consumeArmedStarts()
+{
+    if (!hasSelection() || m_pickMode || m_mode == OverlayMode::Selecting)
+        return;
+    for (Start &start : m_starts) {
+        if (!std::exchange(start.isArmed, false) || !start.starter)
+            continue;
+        // The selection may be gone once those who hear of it have had their say.
+        QTimer::singleShot(0, this, [this, &start] {
+            if (hasSelection())
+                start.starter();
+        });
+    }
 }
 
 // --- results ---------------------------------------------------------------------------------------------------------
@@ -466,6 +518,7 @@ void CaptureOverlay::loadSnapshot(const OverlaySnapshot &snapshot)
         snapshot.selection.isEmpty() ? QRectF() : snapshot.selection.translated(m_picture.origin()).intersected(area());
     m_painted.everything = true;
     layoutPanels();
+    updateCursor(m_pointer);
     scheduleUpdate();
 }
 

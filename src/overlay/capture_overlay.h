@@ -17,6 +17,8 @@
 #include <QTimer>
 #include <QWidget>
 
+#include <array>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -58,6 +60,13 @@ public:
     void setAttributeBar(QWidget *bar);
     void moveToolbar(const QPoint &position);
     void setTool(ToolType tool);
+
+    /// What can begin by itself as soon as a selection stands.
+    enum class AutoStart { TextRecognition, LongCapture };
+    /// Says how it is begun; without that, arming it has no effect.
+    void setStarter(AutoStart what, std::function<void()> starter);
+    /// Begins it with the selection there is, else with the next one. Not while a region is picked.
+    void armStart(AutoStart what);
 
     void clearSelection();
     void setSelectionRect(const QRectF &rect);
@@ -104,6 +113,7 @@ protected:
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
+    void enterEvent(QEnterEvent *event) override;
     void leaveEvent(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
@@ -125,6 +135,7 @@ private:
     void updateHover(const QPointF &point);
     void updateCursor(const QPointF &point);
     void layoutPanels();
+    void consumeArmedStarts();
     [[nodiscard]] QImage renderedSelection() const;
     void requestCopy();
     void requestSave();
@@ -145,6 +156,8 @@ private:
     [[nodiscard]] QRectF hintBox() const;
     void rebuildHints();
     void paintSelection(QPainter &painter) const;
+    /// What the shapes may touch on the overlay.
+    [[nodiscard]] QRectF shapesBox() const;
     /// The hovered rectangle while it is painted.
     [[nodiscard]] QRectF shownHover() const;
 
@@ -160,6 +173,12 @@ private:
     QPointer<QWidget> m_toolbar;
     QPointer<QWidget> m_attributeBar;
     std::optional<QPoint> m_toolbarPos;
+    struct Start
+    {
+        bool isArmed = false;
+        std::function<void()> starter;
+    };
+    std::array<Start, 2> m_starts; ///< by AutoStart
 
     QRectF m_selection;
     OverlayMode m_mode = OverlayMode::Idle;

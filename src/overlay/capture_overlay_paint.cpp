@@ -9,6 +9,8 @@
 #include <QPainter>
 #include <QScreen>
 
+#include <algorithm>
+
 namespace tavrel::ui {
 namespace {
 
@@ -67,7 +69,18 @@ void CaptureOverlay::paintSelection(QPainter &painter) const
 
     paintSelectionMarks(painter, m_selection, 1.0);
     const QString text = sizeText();
-    paintSizeLabel(painter, sizeLabelBox(m_selection, text), text);
+    paintSizeLabel(painter, sizeLabelBox(m_selection, text, width()), text);
+}
+
+QRectF CaptureOverlay::shapesBox() const
+{
+    const auto &shapes = m_document.shapes();
+    const bool fillsSelection = std::any_of(shapes.begin(), shapes.end(), [](const auto &shape) {
+        return shape->type() == ToolType::Spotlight || shape->type() == ToolType::Watermark;
+    });
+    const QRectF box = m_document.boundsPadded();
+    const QRectF onOverlay = box.isNull() ? QRectF() : box.translated(m_picture.origin());
+    return fillsSelection ? onOverlay.united(m_selection) : onOverlay;
 }
 
 QRectF CaptureOverlay::shownHover() const
@@ -127,9 +140,8 @@ PaintedRegions CaptureOverlay::regionsNow() const
         now.selectionBox = grown(m_selection, 16);
         if (m_mode == OverlayMode::Selecting || m_mode == OverlayMode::Moving || m_mode == OverlayMode::Resizing)
             now.selectionRect = m_selection;
-        now.sizeLabel = grown(sizeLabelBox(m_selection, sizeText()), 4);
-        const QRectF shapes = m_document.boundsPadded();
-        now.shapes = shapes.isNull() ? QRectF() : shapes.translated(m_picture.origin());
+        now.sizeLabel = grown(sizeLabelBox(m_selection, sizeText(), width()), 4);
+        now.shapes = shapesBox();
     }
     now.hover = grown(shownHover(), 4);
     now.hint = grown(hintBox(), 4);

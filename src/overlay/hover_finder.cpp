@@ -3,8 +3,18 @@
 #include <algorithm>
 
 namespace tavrel::ui {
+namespace {
 
-WindowHoverFinder::WindowHoverFinder(QList<platform::WindowInfo> windows, const QPoint &origin, const QRectF &area)
+/// A point on the right or lower edge belongs to what lies beside the window.
+bool covers(const QRectF &geometry, const QPointF &point)
+{
+    return point.x() >= geometry.left() && point.x() < geometry.right() && point.y() >= geometry.top() &&
+           point.y() < geometry.bottom();
+}
+
+} // namespace
+
+WindowHoverFinder::WindowHoverFinder(QList<platform::WindowInfo> windows, const QPointF &origin, const QRectF &area)
     : m_windows(std::move(windows)),
       m_origin(origin),
       m_area(area)
@@ -14,7 +24,7 @@ const platform::WindowInfo *WindowHoverFinder::windowAt(const QPointF &point) co
 {
     const QPointF global = point + m_origin;
     const auto found = std::find_if(m_windows.begin(), m_windows.end(),
-                                    [&global](const auto &window) { return window.geometry.contains(global); });
+                                    [&global](const auto &window) { return covers(window.geometry, global); });
     return found == m_windows.end() ? nullptr : &*found;
 }
 

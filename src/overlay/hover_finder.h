@@ -3,7 +3,6 @@
 #include "platform/element_detector.h"
 
 #include <QList>
-#include <QPoint>
 #include <QPointF>
 #include <QRectF>
 
@@ -27,9 +26,9 @@ class WindowHoverFinder final : public IHoverFinder
 {
 public:
     /// windows  top-most first, global coordinates
-    /// origin   top-left corner of the display in global coordinates
-    /// area     of the overlay, in its own coordinates
-    WindowHoverFinder(QList<platform::WindowInfo> windows, const QPoint &origin, const QRectF &area);
+    /// origin   of the overlay's coordinates in those of the windows
+    /// area     of the overlay that can be taken, in its own coordinates
+    WindowHoverFinder(QList<platform::WindowInfo> windows, const QPointF &origin, const QRectF &area);
 
     [[nodiscard]] QRectF rectAt(const QPointF &point) const override;
     /// The top-most window at a point of overlay coordinates, null for none.

@@ -20,7 +20,9 @@ constexpr double kDistance = 20;
 constexpr int kCells = 15; ///< pixels shown in each direction, the pointer's in the middle
 constexpr double kCell = kSide / kCells;
 constexpr double kPanelGap = 4;
-constexpr QRectF kSwatch(14, 10, 16, 16);
+constexpr double kLeft = 14; ///< what the panel holds lies between these
+constexpr double kRight = 136;
+constexpr QRectF kSwatch(kLeft, 10, 16, 16);
 
 const QRectF kLensBox(0, 0, kSide, kSide);
 const QRectF kCircle = kLensBox.adjusted(3, 3, -3, -3);
@@ -40,6 +42,15 @@ QFont panelFont(int pixelSize, bool bold)
     font.setPixelSize(pixelSize);
     font.setBold(bold);
     return font;
+}
+
+/// The bold font of the colour's text. Three components of three digits are too wide in some fonts: they get smaller.
+QFont fittingFont(const QString &text, double width)
+{
+    int pixelSize = 16;
+    while (pixelSize > 10 && QFontMetricsF(panelFont(pixelSize, true)).horizontalAdvance(text) > width)
+        --pixelSize;
+    return panelFont(pixelSize, true);
 }
 
 double panelHeight(const MagnifierLook &look)
@@ -96,12 +107,12 @@ QImage panelPicture(double height, double ratio)
     painter.setBrush(QColor(28, 28, 30, 230));
     painter.drawRoundedRect(QRectF(0, 0, kSide, height), 14, 14);
     painter.setPen(QPen(QColor(255, 255, 255, 51), 1.0));
-    painter.drawLine(QPointF(14, 36), QPointF(136, 36));
+    painter.drawLine(QPointF(kLeft, 36), QPointF(kRight, 36));
     const QFont font = panelFont(12, false);
     painter.setFont(font);
     painter.setPen(QColor(204, 204, 204));
     const QString keys = QCoreApplication::translate("CaptureOverlay", "Shift 切换 · C 复制");
-    painter.drawText(QPointF(14, 54), QFontMetricsF(font).elidedText(keys, Qt::ElideRight, 122));
+    painter.drawText(QPointF(kLeft, 54), QFontMetricsF(font).elidedText(keys, Qt::ElideRight, kRight - kLeft));
     return image;
 }
 
@@ -231,9 +242,11 @@ void MagnifierPainter::paint(QPainter &painter, const QRectF &box, double ratio,
         painter.setPen(QPen(QColor(255, 255, 255, 140), 1.0));
         painter.setBrush(color);
         painter.drawEllipse(kSwatch);
-        painter.setFont(panelFont(16, true));
+        const QString text = colorText(color, look.colorFormat);
+        const QPointF start(kSwatch.right() + 10, kSwatch.bottom() - 2);
+        painter.setFont(fittingFont(text, kRight - start.x()));
         painter.setPen(Qt::white);
-        painter.drawText(QPointF(kSwatch.right() + 10, kSwatch.bottom() - 2), colorText(color, look.colorFormat));
+        painter.drawText(start, text);
     }
     painter.restore();
 }

@@ -39,14 +39,14 @@ QString sizeLabelText(const QSize &pixels)
     return QStringLiteral("%1 × %2").arg(pixels.width()).arg(pixels.height());
 }
 
-QRectF sizeLabelBox(const QRectF &selection, const QString &text)
+QRectF sizeLabelBox(const QRectF &selection, const QString &text, double overlayWidth)
 {
     const QFontMetricsF metrics(labelFont());
     const QSizeF size(metrics.horizontalAdvance(text) + 10, metrics.height() + 6);
     double top = selection.top() - size.height() - 5;
     if (top < 0)
         top = selection.top() + 5;
-    return {QPointF(std::max(selection.left(), 0.0), top), size};
+    return {QPointF(std::max(std::min(selection.left(), overlayWidth - size.width()), 0.0), top), size};
 }
 
 void paintSizeLabel(QPainter &painter, const QRectF &box, const QString &text)

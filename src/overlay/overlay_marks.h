@@ -14,8 +14,8 @@ void paintSelectionMarks(QPainter &painter, const QRectF &selection, double hand
 
 /// "640 × 480"
 [[nodiscard]] QString sizeLabelText(const QSize &pixels);
-/// Above the selection, or in its upper left corner where no room is above it.
-[[nodiscard]] QRectF sizeLabelBox(const QRectF &selection, const QString &text);
+/// Above the selection, or in its upper left corner where no room is above it; never beyond the overlay's sides.
+[[nodiscard]] QRectF sizeLabelBox(const QRectF &selection, const QString &text, double overlayWidth);
 void paintSizeLabel(QPainter &painter, const QRectF &box, const QString &text);
 
 /// Near the top, in the middle.

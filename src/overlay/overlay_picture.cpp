@@ -100,6 +100,7 @@ void OverlayPicture::paintDimmed(QPainter &painter, double deviceRatio) const
         painter.scale(1 / m_ratio, 1 / m_ratio);
         painter.drawImage((m_origin * m_ratio).toPoint(), m_nativeDimmed);
     } else {
+        painter.setRenderHint(QPainter::SmoothPixmapTransform);
         painter.drawImage(m_origin, m_dimmed);
     }
     painter.restore();
@@ -107,16 +108,19 @@ void OverlayPicture::paintDimmed(QPainter &painter, double deviceRatio) const
 
 void OverlayPicture::paintClear(QPainter &painter, const QRectF &rect, double deviceRatio) const
 {
-    const QRectF inPicture = rect.translated(-m_origin);
     painter.save();
     if (paintsFast(deviceRatio)) {
-        const QRect pixels = coveredPixels(inPicture, m_ratio, m_image.size());
+        const QRect pixels = coveredPixels(rect.translated(-m_origin), m_ratio, m_image.size());
         painter.setCompositionMode(QPainter::CompositionMode_Source);
         painter.scale(1 / m_ratio, 1 / m_ratio);
         painter.drawImage(pixels.topLeft() + (m_origin * m_ratio).toPoint(), m_nativeImage, pixels);
     } else {
+        // Mapped as the darker picture is, so that every pixel shows in the same place in both.
+        const QPointF topLeft(std::floor(rect.left() * deviceRatio), std::floor(rect.top() * deviceRatio));
+        const QPointF bottomRight(std::ceil(rect.right() * deviceRatio), std::ceil(rect.bottom() * deviceRatio));
+        painter.setClipRect(QRectF(topLeft / deviceRatio, bottomRight / deviceRatio), Qt::IntersectClip);
         painter.setRenderHint(QPainter::SmoothPixmapTransform);
-        painter.drawImage(rect, m_nativeImage, QRectF(inPicture.topLeft() * m_ratio, inPicture.size() * m_ratio));
+        painter.drawImage(m_origin, m_image);
     }
     painter.restore();
 }

@@ -117,7 +117,7 @@ QRectF movedSelection(const QRectF &pressed, const QPointF &delta, const QRectF 
 
 QRectF bandSelection(const QPointF &from, const QPointF &to, const QRectF &area)
 {
-    return QRectF(from, clamped(to, area)).normalized();
+    return QRectF(clamped(from, area), clamped(to, area)).normalized();
 }
 
 QRect cropRect(const QRectF &selection, double ratio, const QSize &pixels)

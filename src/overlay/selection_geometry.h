@@ -21,7 +21,7 @@ inline constexpr int kInsideHit = 8;
 [[nodiscard]] QRectF resizedSelection(const QRectF &pressed, int handle, const QPointF &delta, const QRectF &area);
 /// The selection after dragging it as a whole: it keeps its size and stays within `area`.
 [[nodiscard]] QRectF movedSelection(const QRectF &pressed, const QPointF &delta, const QRectF &area);
-/// The rubber band between two points, the second clamped to `area`.
+/// The rubber band between two points, both clamped to `area`.
 [[nodiscard]] QRectF bandSelection(const QPointF &from, const QPointF &to, const QRectF &area);
 
 /// The pixels of a selection in a picture: every edge is rounded, never the size, and the result cut to the picture.

@@ -1,0 +1,227 @@
+#include "annotate/shape_factory.h"
+#include "overlay/hover_finder.h"
+#include "overlay/magnifier.h"
+#include "overlay/overlay_hints.h"
+#include "overlay/overlay_marks.h"
+#include "overlay/overlay_picture.h"
+#include "overlay/overlay_renderer.h"
+#include "support/test_main.h"
+
+#include <QGuiApplication>
+#include <QPainter>
+
+using namespace tavrel;
+using namespace tavrel::ui;
+
+namespace {
+
+QImage speckled(const QSize &size, double ratio)
+{
+    QImage image(size, QImage::Format_ARGB32_Premultiplied);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x)
+            image.setPixel(x, y, qRgb((x * 37) & 0xff, (y * 53) & 0xff, ((x + y) * 91) & 0xff));
+    }
+    image.setDevicePixelRatio(ratio);
+    return image;
+}
+
+QImage surface(const QSize &pixels, double ratio)
+{
+    QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(ratio);
+    image.fill(Qt::magenta);
+    return image;
+}
+
+QStringList texts(const QList<HintRow> &rows)
+{
+    QStringList result;
+    for (const HintRow &row : rows)
+        result.append(row.key + u'|' + row.description);
+    return result;
+}
+
+} // namespace
+
+class OverlayPaintingTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theClearPictureHidesTheDimOnEveryDevicePixelItTouches_data()
+    {
+        QTest::addColumn<double>("ratio");
+        QTest::addColumn<int>("first");
+        QTest::addColumn<int>("last");
+        QTest::newRow("1") << 1.0 << 10 << 20;
+        QTest::newRow("1.25") << 1.25 << 12 << 25;
+        QTest::newRow("1.5") << 1.5 << 15 << 31;
+        QTest::newRow("2") << 2.0 << 20 << 41;
+    }
+
+    void theClearPictureHidesTheDimOnEveryDevicePixelItTouches()
+    {
+        QFETCH(double, ratio);
+        QFETCH(int, first);
+        QFETCH(int, last);
+        const QImage image = speckled({60, 40}, ratio);
+        const OverlayPicture picture(image);
+        const QImage dark = dimmedImage(image);
+        QImage shown = surface(image.size(), ratio);
+        QPainter painter(&shown);
+        picture.paintDimmed(painter, ratio);
+        picture.paintClear(painter, QRectF(10.3, 0, 10.4, 100), ratio);
+        painter.end();
+        for (int x = 0; x < image.width(); ++x)
+            QCOMPARE(shown.pixel(x, 20), (x >= first && x <= last ? image : dark).pixel(x, 20));
+    }
+
+    /// A picture of another ratio is resampled: both layers have to show each pixel in the same place.
+    void aResampledPictureDoesNotShiftInTheSelection()
+    {
+        const OverlayPicture picture(speckled({120, 80}, 2.0), QPointF(7, 3));
+        const auto paint = [&picture](const QRectF &clear) {
+            QImage image = surface({90, 60}, 1.0);
+            QPainter painter(&image);
+            picture.paintDimmed(painter, 1.0);
+            if (!clear.isEmpty())
+                picture.paintClear(painter, clear, 1.0);
+            return image;
+        };
+        const QImage dark = paint({});
+        const QImage whole = paint({7, 3, 60, 40});
+        const QImage part = paint({20.4, 10.2, 11.3, 9.1});
+        for (int y = 0; y < dark.height(); ++y) {
+            for (int x = 0; x < dark.width(); ++x) {
+                const bool isClear = QRect(20, 10, 12, 10).contains(x, y);
+                QCOMPARE(part.pixel(x, y), (isClear ? whole : dark).pixel(x, y));
+            }
+        }
+    }
+
+    void theLensShowsThePixelsAroundThePointer_data()
+    {
+        QTest::addColumn<double>("ratio");
+        QTest::newRow("1") << 1.0;
+        QTest::newRow("1.25") << 1.25;
+        QTest::newRow("1.5") << 1.5;
+        QTest::newRow("2") << 2.0;
+    }
+
+    void theLensShowsThePixelsAroundThePointer()
+    {
+        QFETCH(double, ratio);
+        const QImage image = speckled({400, 400}, ratio);
+        const OverlayPicture picture(image);
+        const QPointF pointer(3.2, 60.7); // the left cells lie outside the picture
+        const MagnifierLook look{.lens = true, .colors = true, .colorFormat = QStringLiteral("hex")};
+        const QRectF box(20, 30, 150, 214);
+        QImage shown = surface({400, 400}, ratio);
+        const QRgb background = shown.pixel(0, 0);
+        MagnifierPainter magnifier;
+        QPainter painter(&shown);
+        magnifier.paint(painter, box, ratio, picture, pointer, look);
+        painter.end();
+
+        const QPoint centre(static_cast<int>(3.2 * ratio), static_cast<int>(60.7 * ratio));
+        const QPointF corner(std::round(box.left() * ratio), std::round(box.top() * ratio));
+        for (int cellY = 3; cellY < 12; ++cellY) {
+            for (int cellX = 3; cellX < 12; ++cellX) {
+                const QPoint source = centre + QPoint(cellX - 7, cellY - 7);
+                const QPointF at = corner + QPointF(cellX + 0.5, cellY + 0.5) * 10 * ratio;
+                const QRgb pixel = shown.pixel(static_cast<int>(at.x()), static_cast<int>(at.y()));
+                if (image.rect().contains(source))
+                    QCOMPARE(pixel, image.pixel(source));
+                else
+                    QVERIFY(qRed(pixel) > 150 && qGreen(pixel) == 0); // through the shadow
+            }
+        }
+        // Nothing beyond the box.
+        for (int x = 0; x < shown.width(); ++x) {
+            for (int y = 0; y < shown.height(); ++y) {
+                if (!QRectF(box.topLeft() * ratio, box.size() * ratio).adjusted(-2, -2, 2, 2).contains(x, y))
+                    QCOMPARE(shown.pixel(x, y), background);
+            }
+        }
+    }
+
+    void theSizeLabelStaysInView()
+    {
+        const QString text = sizeLabelText({1234, 567});
+        QCOMPARE(text, QStringLiteral("1234 × 567"));
+        const QRectF above = sizeLabelBox({100, 200, 300, 300}, text, 800);
+        QCOMPARE(above.bottomLeft(), QPointF(100, 195));
+        QCOMPARE(sizeLabelBox({100, above.height() + 5, 300, 300}, text, 800).top(), 0.0);
+        QCOMPARE(sizeLabelBox({100, above.height() + 4, 300, 300}, text, 800).top(), above.height() + 9);
+        QCOMPARE(sizeLabelBox({795, 200, 5, 300}, text, 800).right(), 800.0);
+    }
+
+    void hintsFollowToolAndBindings()
+    {
+        BuiltinKeys keys;
+        keys.pin.enabled = false;
+        keys.copySelection.combo = KeyCombo();
+        const QStringList plain = texts(hintRows(ToolType::None, false, keys));
+        QCOMPARE(plain, (QStringList{QStringLiteral("Esc|取消截图"), QStringLiteral("Enter|快速复制"),
+                                     QStringLiteral("Ctrl+A|框选全屏"), QStringLiteral("Ctrl+S|保存截图"),
+                                     QStringLiteral(",|上一个历史截图"), QStringLiteral(".|下一个历史截图")}));
+        const QStringList rect = texts(hintRows(ToolType::Rect, false, keys));
+        QCOMPARE(rect.mid(0, 3), (QStringList{QStringLiteral("Shift + 拖拽|保持正方形"),
+                                              QStringLiteral("滚轮|调整粗细"), QStringLiteral("|")}));
+        QCOMPARE(rect.mid(3), plain);
+        QCOMPARE(texts(hintRows(ToolType::Marker, true, keys)).first(), QStringLiteral("拖拽|框选范围，整块高亮"));
+        QCOMPARE(texts(hintRows(ToolType::Marker, false, keys)).first(),
+                 QStringLiteral("Shift + 拖拽|起点到光标画直线"));
+    }
+
+    void theHintCardIsAsLargeAsItsRows()
+    {
+        const HintRow row{QStringLiteral("A "), QStringLiteral("x")};
+        const HintCard one({row});
+        const HintCard two({row, row});
+        const HintCard gap({row, HintRow(), row});
+        const double rowHeight = two.size().height() - one.size().height() - 8;
+        QCOMPARE(one.size().height(), rowHeight + 32);
+        QCOMPARE(gap.size().height(), two.size().height() + 8);
+        QCOMPARE(one.place(600, 40), QRectF(QPointF(16, 600 - 40 - 16 - one.size().height()), one.size()));
+
+        // A narrow key has a chip wider than high; its frame is the only light thing in the first columns.
+        QImage shown(one.size().toSize(), QImage::Format_ARGB32_Premultiplied);
+        shown.fill(Qt::transparent);
+        QPainter painter(&shown);
+        one.paint(painter, {});
+        painter.end();
+        const int middle = shown.height() / 2;
+        int right = 17;
+        while (right < shown.width() && qRed(shown.pixel(right, middle)) > 10)
+            ++right;
+        QVERIFY(right - 16 >= rowHeight);
+    }
+
+    void windowsAreTakenTopMostFirstAndHalfOpen()
+    {
+        platform::WindowInfo left;
+        left.geometry = QRectF(1000, 0, 100, 100);
+        platform::WindowInfo right;
+        right.geometry = QRectF(1100, -50, 100, 400);
+        const WindowHoverFinder finder({left, right}, QPointF(1000, 0), QRectF(0, 0, 150, 150));
+        QCOMPARE(finder.rectAt({99.5, 50}), QRectF(0, 0, 100, 100));
+        QCOMPARE(finder.rectAt({100, 50}), QRectF(100, 0, 50, 150));
+        QCOMPARE(finder.rectAt({50, 100}), QRectF());
+    }
+
+    void theResultHasThePixelsBetweenTheRoundedEdges()
+    {
+        const QImage image = speckled({125, 125}, 1.25);
+        const QImage result = renderSelection(image, {1, 10, 1.2, 20}, {}, ShapeFactory::standard());
+        QCOMPARE(result.size(), QSize(2, 25)); // 1.25 to 2.75, 12.5 to 37.5
+        QCOMPARE(result.devicePixelRatio(), 1.25);
+        QCOMPARE(result.pixel(0, 0), image.pixel(1, 13));
+        QVERIFY(renderSelection(image, {200, 0, 10, 10}, {}, ShapeFactory::standard()).isNull());
+        QVERIFY(renderSelection({}, {0, 0, 10, 10}, {}, ShapeFactory::standard()).isNull());
+    }
+};
+
+TAVREL_TEST_MAIN(QGuiApplication, OverlayPaintingTest)
+#include "test_overlay_painting.moc"
