@@ -90,7 +90,8 @@ QByteArray BaseShape::toJsonText() const
     return QJsonDocument(object).toJson(QJsonDocument::Compact);
 }
 
-void BaseShape::takePoints(QList<QPointF>) {}
+// By value, because shapes that have points move them in.
+void BaseShape::takePoints(QList<QPointF>) {} // NOLINT(performance-unnecessary-value-param)
 
 void BaseShape::takeAttributes(const ShapeAttributes &attributes)
 {

@@ -27,9 +27,9 @@ QString HotkeyTable::label(const Row &row)
     return QCoreApplication::translate("AppController", row.sourceText);
 }
 
-void HotkeyTable::setOperation(Id id, std::function<void()> operation)
+void HotkeyTable::setOperation(Id id, const std::function<void()> &operation)
 {
-    m_operations.insert(id, std::move(operation));
+    m_operations.insert(id, operation);
 }
 
 void HotkeyTable::apply(const SettingsConfig &config)

@@ -45,7 +45,7 @@ public:
     [[nodiscard]] static QString label(const Row &row);
 
     /// Gives a row its operation. A row without one is not registered, so that its key stays with other programs.
-    void setOperation(Id id, std::function<void()> operation);
+    void setOperation(Id id, const std::function<void()> &operation);
     /// Registers everything anew, unless no combination has changed since the last call.
     void apply(const SettingsConfig &config);
     /// Runs the operation behind an id; an unknown id does nothing.

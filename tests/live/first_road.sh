@@ -13,21 +13,36 @@ scale=${QT_SCALE_FACTOR:-1}
 mkdir -p "$home/shots"
 write_settings "{\"configSchemaVersion\":9,\"language\":\"en\",\"saveToSpecifiedPath\":true,\"savePath\":\"$home/shots\",\"filenameFormat\":\"shot_{{index}}\"}"
 dress_desktop "$width" "$height"
+offset=0
+if [ -n "${TAVREL_LIVE_SPLIT:-}" ]; then
+    # Two monitors side by side; everything below happens on the right one.
+    offset=$((width / 2))
+    xrandr --setmonitor left "$offset/254x$height/286+0+0" screen
+    xrandr --setmonitor right "$offset/254x$height/286+$offset+0" none
+fi
 start "$tavrel"
 until_true 30 log_has 启动 || fail "the program did not start"
 until_true 30 log_has 就绪，等待快捷键 || fail "the hotkeys were not registered"
 
 # Device pixels that are whole logical units at no scale but 1.
-left=241 top=183 right=961 bottom=725
+left=$((offset + 241)) top=183 right=$((offset + (offset ? 861 : 961))) bottom=725
 crop="$((right - left))x$((bottom - top))+$left+$top"
 
 import -window root "$home/before.png"
-xdotool mousemove 60 60 key ctrl+1
+xdotool mousemove $((offset + 60)) 60 key ctrl+1
 until_true 30 log_has 覆盖层首次绘制完成 || fail "the overlay did not come up"
 drag $left $top $right $bottom
 xdotool mousemove $((left + 300)) $((top + 200))
 sleep 0.3 # for the look of the picture only
 import -window root "$out/overlay.png"
+if [ "$offset" -gt 0 ]; then
+    # The other monitor stays as it is.
+    half="${offset}x${height}+0+0"
+    convert "$out/overlay.png" -crop "$half" +repage "$home/other.png"
+    convert "$home/before.png" -crop "$half" +repage "$home/other_before.png"
+    [ "$(compare -metric AE "$home/other.png" "$home/other_before.png" null: 2>&1)" = 0 ] ||
+        fail "the overlay reaches over to the other monitor"
+fi
 
 truth() { convert "$home/before.png" -crop "$crop" +repage "$home/truth.png"; }
 same() { [ "$(compare -metric AE "$1" "$2" null: 2>&1)" = 0 ]; }
@@ -46,7 +61,7 @@ screen_is_back() {
     same "$home/now.png" "$home/before.png"
 }
 until_true 20 screen_is_back || fail "the overlay left traces on the screen"
-xdotool mousemove 60 60 key ctrl+1
+xdotool mousemove $((offset + 60)) 60 key ctrl+1
 until_true 20 log_count 覆盖层首次绘制完成 2 || fail "the second capture did not come up"
 drag $left $top $right $bottom
 xdotool key ctrl+s

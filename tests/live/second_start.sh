@@ -1,0 +1,41 @@
+#!/usr/bin/env bash
+# second_start.sh TAVREL: a later start hands its request over; broken settings, a killed instance and a log that
+# cannot be written stop nothing.
+set -u
+tavrel=$(realpath "$1")
+. "$(dirname "$0")/common.sh"
+xsetroot -solid steelblue
+
+# A settings value cut off in the middle, and a folder in the place of the log file.
+write_settings '{"configSchemaVersion":9,"theme":"da'
+mkdir -p "$(dirname "$log")"
+start "$tavrel"
+first=${started[-1]}
+until_true 30 log_has 就绪，等待快捷键 || fail "the program did not start with broken settings"
+log_has 设置无法读取 || fail "the broken settings were not reported"
+grep -q settings_config_broken "$XDG_CONFIG_HOME/corvane/Tavrel.conf" || fail "the broken settings were not kept"
+
+timeout 20 "$tavrel" --capture
+[ $? -eq 0 ] || fail "the second start did not end with 0"
+until_true 20 log_has 覆盖层首次绘制完成 || fail "the request was not carried out"
+[ "$(grep -c 就绪，等待快捷键 "$log")" -eq 1 ] || fail "the second start became a second instance"
+xdotool key Escape
+until_true 20 log_has 截图会话结束 || fail "Esc did not end the session"
+
+kill -9 "$first"
+wait "$first" 2>/dev/null
+mv "$log" "$home/first.log"
+mkdir "$log"
+"$tavrel" &
+started+=($!)
+shown() { xdotool search --name '^Tavrel' >/dev/null; }
+ready() { timeout 20 "$tavrel" --capture; }
+until_true 30 ready || fail "no start after a kill, or no answer without a log"
+second=${started[-1]}
+until_true 20 shown || fail "no overlay after a kill"
+xdotool key Escape
+
+kill -TERM "$second"
+for ((i = 0; i < 200; i++)); do kill -0 "$second" 2>/dev/null || break; sleep 0.05; done
+kill -0 "$second" 2>/dev/null && fail "the program did not end on SIGTERM"
+exit "$failures"
