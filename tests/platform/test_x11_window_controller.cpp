@@ -163,8 +163,9 @@ private Q_SLOTS:
         const auto other = static_cast<xcb_window_t>(open("500 600 300 200"));
         giveFocus(other);
         QTRY_VERIFY(isFocused(other));
+        QTRY_VERIFY(!own.isActiveWindow());
         m_controller->activate(nullptr); // the first visible window of the application
-        QTRY_VERIFY(own.isActiveWindow());
+        QTRY_VERIFY(own.isActiveWindow() && isFocused(idOf(own)));
         QTRY_VERIFY(m_probe->stackPosition(idOf(own)) > m_probe->stackPosition(other));
         m_probe->pressKey('a');
         QTRY_COMPARE(own.keys, 1);
@@ -203,7 +204,7 @@ private Q_SLOTS:
         QVERIFY(!m_exclusions->windows().contains(own.winId()));
         // A window manager takes the states away with the window.
         own.hide();
-        QTRY_VERIFY(!m_probe->isViewable(idOf(own)));
+        QTRY_VERIFY(!m_probe->isViewable(idOf(own)) && as(false));
         own.show();
         QVERIFY(QTest::qWaitForWindowExposed(&own));
         QTRY_VERIFY(as(above));

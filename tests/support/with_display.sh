@@ -36,11 +36,12 @@ read -r -t 30 number <"$scratch/display" || { cat "$scratch/xvfb.log" >&2; exit 
 export DISPLAY=:$number
 unset WAYLAND_DISPLAY XAUTHORITY
 
-# A window manager is up when it has put its check window on the root.
+# The window manager runs this command when it is about to wait for events. Its mark on the root comes earlier, and a
+# window that is opened in between is never managed.
 wait_for_wm() {
     local i
-    for ((i = 0; i < 300; i++)); do
-        xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q 'window id' && return 0
+    for ((i = 0; i < 600; i++)); do
+        [ -e "$scratch/wm-ready" ] && return 0
         sleep 0.05
     done
     echo "the window manager did not come up" >&2
@@ -49,7 +50,8 @@ wait_for_wm() {
 case "$wm" in
     bare) ;;
     openbox | picom)
-        HOME="$scratch" XDG_CONFIG_HOME="$scratch" XDG_CACHE_HOME="$scratch" openbox >"$scratch/openbox.log" 2>&1 &
+        HOME="$scratch" XDG_CONFIG_HOME="$scratch" XDG_CACHE_HOME="$scratch" openbox \
+            --startup "touch $scratch/wm-ready" >"$scratch/openbox.log" 2>&1 &
         pids+=($!)
         wait_for_wm || exit 1
         ;;

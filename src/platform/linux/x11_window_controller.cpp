@@ -71,14 +71,15 @@ bool hasWindowManager(const XConnection &x)
 }
 
 /// Asks the window manager to add or remove states of a window that is on the screen. Before that there is nobody to
-/// ask, and Qt writes the property anew when it shows the window.
-void setStates(const XConnection &x, xcb_window_t window, std::initializer_list<XAtom> states, bool on)
+/// ask, and Qt writes the property anew when it shows the window. False then.
+bool setStates(const XConnection &x, xcb_window_t window, std::initializer_list<XAtom> states, bool on)
 {
     xcb_connection_t *qt = qtConnection();
     if (!qt || window == XCB_WINDOW_NONE || !isMapped(qt, window))
-        return;
+        return false;
     for (const XAtom state : states)
         sendToRoot(x, qt, window, XAtom::NetWmState, {on ? kStateAdd : kStateRemove, x.atom(state), 0, 1, 0});
+    return true;
 }
 
 } // namespace
@@ -134,9 +135,8 @@ public:
         } else if (event->type() == QEvent::Show) {
             state->appears = true;
         } else if (event->type() == QEvent::Expose && state->appears && window->isExposed()) {
-            state->appears = false;
-            if (state->role)
-                applyStates(window, *state->role); // a window that was withdrawn has lost its states
+            // A window that was withdrawn has lost its states. An exposure may be a late one from before that.
+            state->appears = state->role && !applyStates(window, *state->role);
         }
         return false;
     }
@@ -192,18 +192,19 @@ private:
         }
     }
 
-    void applyStates(const QWindow *window, WindowRole role) const
+    /// False when it is too early to.
+    bool applyStates(const QWindow *window, WindowRole role) const
     {
         const xcb_window_t id = nativeId(window);
         if (id == XCB_WINDOW_NONE)
-            return;
+            return false;
         // Not the window manager's business. Nor is a compositor told to keep its hands off: with
         // _NET_WM_BYPASS_COMPOSITOR set to "never" picom leaves the picture of a full-screen window on the screen
         // after it has gone.
         if (role == WindowRole::Overlay)
-            return;
-        setStates(*m_x, id, {XAtom::NetWmStateAbove, XAtom::NetWmStateSkipTaskbar, XAtom::NetWmStateSkipPager},
-                  role != WindowRole::Normal);
+            return true;
+        return setStates(*m_x, id, {XAtom::NetWmStateAbove, XAtom::NetWmStateSkipTaskbar, XAtom::NetWmStateSkipPager},
+                         role != WindowRole::Normal);
     }
 
     std::shared_ptr<XConnection> m_x;
