@@ -351,8 +351,11 @@ void X11WindowController::setOverlayLowered(QWindow *window, bool lowered)
             topmost = clients[i];
     }
     const quint32 frame = topmost == XCB_WINDOW_NONE ? topmost : rootChildrenOf(*m_x, {topmost}).first();
-    if (frame == XCB_WINDOW_NONE)
+    if (frame == XCB_WINDOW_NONE) {
+        const quint32 bottom = XCB_STACK_MODE_BELOW; // nothing is there to be above
+        forget(qt, xcb_configure_window_checked(qt, id, XCB_CONFIG_WINDOW_STACK_MODE, &bottom));
         return;
+    }
     const quint32 values[] = {frame, XCB_STACK_MODE_ABOVE};
     forget(qt, xcb_configure_window_checked(qt, id, XCB_CONFIG_WINDOW_SIBLING | XCB_CONFIG_WINDOW_STACK_MODE, values));
 }
