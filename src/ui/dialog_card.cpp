@@ -1,23 +1,28 @@
 #include "ui/dialog_card.h"
 
-#include "ui/paint_helpers.h"
+#include "ui/wrapped_label.h"
 
 #include <QAccessible>
+#include <QAccessibleWidget>
 #include <QHBoxLayout>
 #include <QKeyEvent>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPainter>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <utility>
 
 namespace tavrel::ui::dialogs {
 namespace {
 
 constexpr int kBadgeSide = 28;
-constexpr int kTextWidth = 320; ///< texts wrap here; the card is this wide and its margins
+constexpr int kTextWidth = 320;  ///< texts wrap here; the card is this wide and its margins
+constexpr int kTextHeight = 300; ///< a longer text scrolls
+constexpr int kScrollRoom = 12;
 
 QString css(const QColor &color)
 {
@@ -48,8 +53,8 @@ QString buttonStyle(const Theme &theme, ButtonSpec::Role role)
                         : role == ButtonSpec::Destructive ? destructiveRed
                                                           : theme.fieldFill();
     const bool plain = role == ButtonSpec::Cancel;
-    const QColor hover = plain ? theme.hoverFill() : fill.lighter(112);
-    const QColor pressed = plain ? theme.strongBorder() : fill.darker(115);
+    const QColor hover = plain ? theme.strongBorder() : fill.lighter(112);
+    const QColor pressed = plain ? theme.toolPressedFill() : fill.darker(115);
     const QColor ring = plain ? theme.accent() : theme.dark ? fill.lighter(150) : fill.darker(150);
     return QStringLiteral("QPushButton { color: %1; background: %2; border: 2px solid transparent; border-radius: 8px; "
                           "padding: 5px 14px; font-size: 13px; min-width: 52px; }"
@@ -84,9 +89,17 @@ QString badgeLetter(Icon icon)
     }
 }
 
+/// A plain widget has no role of its own.
+QAccessibleInterface *accessibleCard(const QString &className, QObject *object)
+{
+    if (className == QLatin1String(DialogCard::staticMetaObject.className()))
+        return new QAccessibleWidget(static_cast<QWidget *>(object), QAccessible::Dialog);
+    return nullptr;
+}
+
 } // namespace
 
-IconBadge::IconBadge(QWidget *parent) : QWidget(parent)
+IconBadge::IconBadge(QWidget *parent) : QLabel(parent)
 {
     setFixedSize(kBadgeSide, kBadgeSide);
 }
@@ -123,8 +136,9 @@ DialogCard::DialogCard(const Theme &theme, QWidget *parent)
       m_theme(theme),
       m_head(new QWidget(this)),
       m_icon(new IconBadge(m_head)),
-      m_title(new QLabel(m_head)),
-      m_text(new QLabel(m_head)),
+      m_title(new WrappedLabel(kTextWidth, m_head)),
+      m_text(new WrappedLabel(kTextWidth, nullptr)),
+      m_textArea(new QScrollArea(m_head)),
       m_body(new QWidget(this)),
       m_bodyLayout(new QVBoxLayout(m_body)),
       m_buttonRow(new QHBoxLayout)
@@ -135,19 +149,22 @@ DialogCard::DialogCard(const Theme &theme, QWidget *parent)
     m_title->setObjectName(QStringLiteral("dlgTitle"));
     m_text->setObjectName(QStringLiteral("dlgText"));
     m_body->setObjectName(QStringLiteral("dlgBody"));
+    [[maybe_unused]] static const bool installed = [] {
+        QAccessible::installFactory(accessibleCard);
+        return true;
+    }();
     setStyleSheet(cardStyle(theme));
-    setFocusPolicy(Qt::StrongFocus);
-    for (QLabel *label : {m_title, m_text}) {
-        label->setWordWrap(true);
-        label->setFixedWidth(kTextWidth);
-        label->setTextFormat(Qt::PlainText);
-    }
-    m_text->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    setFocusPolicy(Qt::ClickFocus);
+    m_textArea->setFrameShape(QFrame::NoFrame);
+    m_textArea->setFocusPolicy(Qt::NoFocus);
+    m_textArea->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_textArea->setWidget(m_text);
+    m_textArea->viewport()->setAutoFillBackground(false);
 
     auto *texts = new QVBoxLayout;
     texts->setSpacing(6);
     texts->addWidget(m_title);
-    texts->addWidget(m_text);
+    texts->addWidget(m_textArea);
     auto *head = new QHBoxLayout(m_head);
     head->setContentsMargins(0, 0, 0, 0);
     head->setSpacing(12);
@@ -192,8 +209,17 @@ void DialogCard::updateHead()
     const bool hasTitle = !m_title->text().isEmpty();
     const bool hasText = !m_text->text().isEmpty();
     m_title->setVisible(hasTitle);
-    m_text->setVisible(hasText);
+    m_textArea->setVisible(hasText);
+    fitText();
     m_head->setVisible(hasTitle || hasText || !m_icon->isHidden());
+}
+
+void DialogCard::fitText()
+{
+    const QSize text = m_text->sizeHint();
+    m_text->resize(text);
+    const bool scrolls = text.height() > kTextHeight;
+    m_textArea->setFixedSize(text.width() + (scrolls ? kScrollRoom : 0), std::min(text.height(), kTextHeight));
 }
 
 void DialogCard::setContent(QWidget *content)
@@ -206,7 +232,9 @@ void DialogCard::setButtons(const QList<ButtonSpec> &buttons)
 {
     while (QLayoutItem *item = m_buttonRow->takeAt(0))
         delete item;
+    bool hadFocus = false;
     for (QPushButton *old : std::as_const(m_buttonWidgets)) {
+        hadFocus |= old->hasFocus();
         old->hide();
         old->deleteLater();
     }
@@ -222,29 +250,69 @@ void DialogCard::setButtons(const QList<ButtonSpec> &buttons)
         m_buttonRow->addWidget(button);
         m_buttonWidgets.append(button);
     }
+    if (hadFocus)
+        takeFocus();
+}
+
+QList<QWidget *> DialogCard::focusStops() const
+{
+    QList<QWidget *> stops;
+    const auto add = [&](QWidget *widget) {
+        if ((widget->focusPolicy() & Qt::TabFocus) && widget->isEnabled() && widget->isVisibleTo(this))
+            stops.append(widget);
+    };
+    for (QWidget *next = m_body->nextInFocusChain(); next != m_body; next = next->nextInFocusChain()) {
+        if (m_body->isAncestorOf(next))
+            add(next);
+    }
+    for (QPushButton *button : m_buttonWidgets)
+        add(button);
+    return stops;
 }
 
 void DialogCard::takeFocus()
 {
-    if (auto *field = m_body->findChild<QLineEdit *>()) {
-        field->setFocus(Qt::ActiveWindowFocusReason);
-        field->selectAll();
-        return;
-    }
-    for (qsizetype i = 0; i < m_buttons.size(); ++i) {
-        if (m_buttons[i].isDefault) {
-            m_buttonWidgets[i]->setFocus(Qt::ActiveWindowFocusReason);
-            return;
+    const QList<QWidget *> stops = focusStops();
+    QWidget *target = this;
+    if (!stops.isEmpty() && m_body->isAncestorOf(stops.first())) {
+        target = stops.first();
+    } else {
+        for (qsizetype i = m_buttons.size() - 1; i >= 0; --i) {
+            if (m_buttons[i].isDefault)
+                target = m_buttonWidgets[i];
         }
     }
-    setFocus(Qt::ActiveWindowFocusReason);
+    target->setFocus(Qt::ActiveWindowFocusReason);
+    if (auto *field = qobject_cast<QLineEdit *>(target))
+        field->selectAll();
+}
+
+bool DialogCard::focusNextPrevChild(bool next)
+{
+    const QList<QWidget *> stops = focusStops();
+    if (stops.isEmpty())
+        return false;
+    const auto current = std::find_if(stops.begin(), stops.end(), [](const QWidget *stop) { return stop->hasFocus(); });
+    qsizetype index = next ? 0 : stops.size() - 1;
+    if (current != stops.end())
+        index = (current - stops.begin() + (next ? 1 : stops.size() - 1)) % stops.size();
+    stops[index]->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+    return true;
 }
 
 void DialogCard::finish(int id)
 {
     if (std::exchange(m_finished, true))
         return;
+    QAccessibleEvent gone(this, QAccessible::DialogEnd);
+    QAccessible::updateAccessibility(&gone);
     Q_EMIT finished(id);
+}
+
+void DialogCard::dismiss()
+{
+    const ButtonSpec *button = escapeButton();
+    finish(button ? button->id : kDismissed);
 }
 
 const ButtonSpec *DialogCard::defaultButton() const
@@ -262,11 +330,23 @@ const ButtonSpec *DialogCard::escapeButton() const
     return m_buttons.size() == 1 ? &m_buttons.first() : nullptr;
 }
 
+bool DialogCard::event(QEvent *event)
+{
+    // Accepted, a key is a key press and not a shortcut of the window below the sheet.
+    if (event->type() == QEvent::ShortcutOverride) {
+        event->accept();
+        return true;
+    }
+    return QWidget::event(event);
+}
+
 void DialogCard::keyPressEvent(QKeyEvent *event)
 {
     event->accept();
     const ButtonSpec *button = nullptr;
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+    switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
         // A focused button is what the user sees as chosen; it wins over the default.
         for (qsizetype i = 0; i < m_buttonWidgets.size(); ++i) {
             if (m_buttonWidgets[i]->hasFocus())
@@ -274,11 +354,34 @@ void DialogCard::keyPressEvent(QKeyEvent *event)
         }
         if (!button)
             button = defaultButton();
-    } else if (event->key() == Qt::Key_Escape) {
+        break;
+    case Qt::Key_Escape:
         button = escapeButton();
+        break;
+    case Qt::Key_PageUp:
+        m_textArea->verticalScrollBar()->triggerAction(QScrollBar::SliderPageStepSub);
+        break;
+    case Qt::Key_PageDown:
+        m_textArea->verticalScrollBar()->triggerAction(QScrollBar::SliderPageStepAdd);
+        break;
+    default:
+        break;
     }
     if (button)
         finish(button->id);
+}
+
+void DialogCard::keyReleaseEvent(QKeyEvent *event)
+{
+    event->accept();
+}
+
+void DialogCard::showEvent(QShowEvent *event)
+{
+    fitText(); // the fonts are known now
+    QAccessibleEvent shown(this, QAccessible::DialogStart);
+    QAccessible::updateAccessibility(&shown);
+    QWidget::showEvent(event);
 }
 
 void DialogCard::paintEvent(QPaintEvent *)

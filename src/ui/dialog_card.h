@@ -2,14 +2,19 @@
 
 #include "ui/theme.h"
 
+#include <QLabel>
 #include <QList>
 #include <QString>
 #include <QWidget>
 
 class QHBoxLayout;
-class QLabel;
 class QPushButton;
+class QScrollArea;
 class QVBoxLayout;
+
+namespace tavrel::ui {
+class WrappedLabel;
+}
 
 namespace tavrel::ui::dialogs {
 
@@ -26,7 +31,7 @@ struct ButtonSpec
 enum class Icon { None = 0, Information = 1, Warning = 2, Question = 3, Error = 4 };
 
 /// A disc in the colour of its kind with a letter.
-class IconBadge final : public QWidget
+class IconBadge final : public QLabel
 {
     Q_OBJECT
 
@@ -43,13 +48,15 @@ private:
 };
 
 /// The body of every dialog: icon, title, text, content, buttons. A host shows it; the card only says which button
-/// ended it. Enter presses the default button, Escape the cancelling or only one; other keys go no further.
+/// ended it. Enter presses the button that has the keyboard, else the default one; Escape the cancelling or only one;
+/// the page keys scroll a long text. Tab stays inside. No key goes further, neither as a shortcut of the window.
 class DialogCard final : public QWidget
 {
     Q_OBJECT
 
 public:
     static constexpr double kRadius = 14;
+    static constexpr int kDismissed = -1; ///< the id when no button stands for the way the dialog ended
 
     explicit DialogCard(const Theme &theme, QWidget *parent = nullptr);
 
@@ -63,6 +70,8 @@ public:
     void takeFocus();
     /// Ends the dialog as if the button with this id had been pressed; only the first call counts.
     void finish(int id);
+    /// Ends the dialog without a button: as Escape would, with `kDismissed` where Escape does nothing.
+    void dismiss();
 
     [[nodiscard]] const Theme &theme() const { return m_theme; }
 
@@ -70,19 +79,26 @@ Q_SIGNALS:
     void finished(int id);
 
 protected:
+    bool event(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void keyReleaseEvent(QKeyEvent *event) override;
+    bool focusNextPrevChild(bool next) override;
+    void showEvent(QShowEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:
     void updateHead();
+    void fitText();
+    [[nodiscard]] QList<QWidget *> focusStops() const;
     [[nodiscard]] const ButtonSpec *defaultButton() const;
     [[nodiscard]] const ButtonSpec *escapeButton() const;
 
     Theme m_theme;
     QWidget *m_head;
     IconBadge *m_icon;
-    QLabel *m_title;
-    QLabel *m_text;
+    WrappedLabel *m_title;
+    WrappedLabel *m_text;
+    QScrollArea *m_textArea;
     QWidget *m_body;
     QVBoxLayout *m_bodyLayout;
     QHBoxLayout *m_buttonRow;

@@ -1,5 +1,6 @@
 #include "ui/dialog_hosts.h"
 
+#include "ui/dialog_services.h"
 #include "ui/paint_helpers.h"
 
 #include <QCoreApplication>
@@ -35,6 +36,7 @@ FloatingDialog::FloatingDialog(DialogCard *card, bool translucent)
     setObjectName(QStringLiteral("floatingDialog"));
     setAttribute(Qt::WA_TranslucentBackground, translucent);
     setAttribute(Qt::WA_DeleteOnClose);
+    setAttribute(Qt::WA_QuitOnClose, false);
     setWindowTitle(card->accessibleName().isEmpty() ? QStringLiteral("Tavrel") : card->accessibleName());
     setAccessibleName(windowTitle());
     card->setParent(this);
@@ -96,15 +98,14 @@ void FloatingDialog::mousePressEvent(QMouseEvent *event)
 
 void FloatingDialog::closeEvent(QCloseEvent *event)
 {
-    // Closed by the window manager: the same as the button that Escape would press.
-    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
-    QCoreApplication::sendEvent(m_card, &escape);
+    m_card->dismiss(); // closed by the window manager
     QWidget::closeEvent(event);
 }
 
 DialogSheet::DialogSheet(QWidget *window, DialogCard *card) : QWidget(window), m_card(card)
 {
     setObjectName(QStringLiteral("dialogSheet"));
+    setAttribute(Qt::WA_NoMousePropagation);
     card->setParent(this);
     card->installEventFilter(this);
     window->installEventFilter(this);
@@ -136,6 +137,8 @@ bool DialogSheet::eventFilter(QObject *watched, QEvent *event)
 
 void DialogSheet::showEvent(QShowEvent *event)
 {
+    if (!event->spontaneous())
+        m_focusBefore = window()->focusWidget();
     follow();
     raise();
     m_card->show();
@@ -152,9 +155,14 @@ void DialogSheet::paintEvent(QPaintEvent *)
         paintShadow(painter, m_card, QColor(0, 0, 0, dark ? 150 : 70));
 }
 
-void DialogSheet::mousePressEvent(QMouseEvent *event)
+void DialogSheet::end()
 {
-    event->accept(); // the window below is out of reach
+    hide();
+    if (m_focusBefore)
+        m_focusBefore->setFocus(Qt::OtherFocusReason);
+    else if (QWidget *next = window()->focusWidget())
+        next->clearFocus(); // hiding had passed the keyboard on to whatever comes next
+    deleteLater();
 }
 
 SheetQueue &SheetQueue::instance()
@@ -163,43 +171,75 @@ SheetQueue &SheetQueue::instance()
     return queue;
 }
 
-int SheetQueue::openCount() const
-{
-    int count = 0;
-    for (const auto &sheets : m_sheets)
-        count +=
-            static_cast<int>(std::count_if(sheets.begin(), sheets.end(), [](const auto &s) { return !s.isNull(); }));
-    return count;
-}
-
 void SheetQueue::enqueue(QWidget *window, DialogCard *card)
 {
     auto *sheet = new DialogSheet(window, card);
-    if (!m_sheets.contains(window))
-        connect(window, &QObject::destroyed, this, [this, window] { m_sheets.remove(window); });
+    new CloseWatch(
+        window, [card] { card->dismiss(); }, sheet);
+    if (m_sheets.isEmpty())
+        QCoreApplication::instance()->installEventFilter(this);
     m_sheets[window].append(sheet);
-    // Queued, so that the answer's own work, a further dialog for instance, is done before the next sheet shows.
+    connect(sheet, &QObject::destroyed, this, [this, sheet, window] { remove(sheet, window); });
     connect(card, &DialogCard::finished, sheet, [this, sheet, window] {
-        sheet->hide();
-        sheet->deleteLater();
-        m_sheets[window].removeOne(sheet);
-        QMetaObject::invokeMethod(
-            this,
-            [this, guard = QPointer<QWidget>(window)] {
-                if (guard)
-                    showNext(guard);
-            },
-            Qt::QueuedConnection);
+        remove(sheet, window);
+        sheet->end();
     });
     showNext(window);
 }
 
-void SheetQueue::showNext(QWidget *window)
+void SheetQueue::showNext(const QWidget *window)
 {
-    QList<QPointer<DialogSheet>> &sheets = m_sheets[window];
-    sheets.removeAll(nullptr);
-    if (!sheets.isEmpty() && !sheets.first()->isVisible())
+    const QList<DialogSheet *> sheets = m_sheets.value(window);
+    if (!sheets.isEmpty() && sheets.first()->isHidden())
         sheets.first()->show();
+}
+
+void SheetQueue::remove(const DialogSheet *sheet, const QWidget *window)
+{
+    const auto sheets = m_sheets.find(window);
+    if (sheets == m_sheets.end())
+        return;
+    sheets->removeIf([sheet](const DialogSheet *other) { return other == sheet; });
+    if (!sheets->isEmpty()) {
+        // Queued, so that the answer's own work is done before the next sheet shows.
+        QMetaObject::invokeMethod(
+            this, [this, window] { showNext(window); }, Qt::QueuedConnection);
+        return;
+    }
+    m_sheets.erase(sheets);
+    if (m_sheets.isEmpty() && QCoreApplication::instance())
+        QCoreApplication::instance()->removeEventFilter(this);
+}
+
+DialogSheet *SheetQueue::shownSheet(const QWidget *window) const
+{
+    const QList<DialogSheet *> sheets = m_sheets.value(window);
+    return sheets.isEmpty() || sheets.first()->isHidden() ? nullptr : sheets.first();
+}
+
+bool SheetQueue::eventFilter(QObject *watched, QEvent *event)
+{
+    const QEvent::Type type = event->type();
+    const bool isKey = type == QEvent::KeyPress || type == QEvent::KeyRelease || type == QEvent::ShortcutOverride;
+    const bool isDrop = type == QEvent::DragEnter || type == QEvent::DragMove || type == QEvent::Drop;
+    if ((!isKey && !isDrop && type != QEvent::FocusIn) || !watched->isWidgetType())
+        return false;
+    auto *widget = static_cast<QWidget *>(watched);
+    DialogSheet *sheet = shownSheet(widget->window());
+    if (!sheet || widget == sheet->card() || sheet->card()->isAncestorOf(widget))
+        return false;
+    if (isDrop) {
+        event->ignore();
+        return true;
+    }
+    if (isKey) {
+        QCoreApplication::sendEvent(sheet->card(), event);
+        return true;
+    }
+    // The window may set its focus at any time, or get it by a click; queued, because it is still being moved.
+    QMetaObject::invokeMethod(
+        sheet, [sheet] { sheet->card()->takeFocus(); }, Qt::QueuedConnection);
+    return false;
 }
 
 } // namespace tavrel::ui::dialogs

@@ -8,8 +8,6 @@
 #include <QPointer>
 #include <QWidget>
 
-#include <functional>
-
 namespace tavrel::ui::dialogs {
 
 /// A top-level window around a card, for when no window of the program is there to hold it.
@@ -34,10 +32,10 @@ private:
 
     DialogCard *m_card;
     bool m_translucent;
-    bool m_placed = false; ///< by the user, or by being shown
+    bool m_placed = false; ///< by the user
 };
 
-/// Covers a window and shows a card on it.
+/// Covers a window and shows a card on it. Nothing that is done with the pointer on it reaches the window.
 class DialogSheet final : public QWidget
 {
     Q_OBJECT
@@ -50,20 +48,23 @@ public:
     /// Where a card of this size goes on a sheet of that size: in the middle, above the centre, 20 from the top at
     /// least.
     [[nodiscard]] static QPoint cardPosition(const QSize &sheet, const QSize &card);
+    /// Leaves the screen; the keyboard goes back to where it was before the sheet, the sheet is deleted later.
+    void end();
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
-    void mousePressEvent(QMouseEvent *event) override;
     void showEvent(QShowEvent *event) override;
 
 private:
     void follow();
 
     DialogCard *m_card;
+    QPointer<QWidget> m_focusBefore;
 };
 
-/// Lets the sheets of one window show one after the other.
+/// Lets the sheets of one window show one after the other, and keeps keyboard and drops away from the rest of the
+/// window meanwhile.
 class SheetQueue final : public QObject
 {
     Q_OBJECT
@@ -73,12 +74,15 @@ public:
 
     /// Shows the card on the window as soon as the sheets before it have ended.
     void enqueue(QWidget *window, DialogCard *card);
-    [[nodiscard]] int openCount() const;
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    void showNext(QWidget *window);
+    [[nodiscard]] DialogSheet *shownSheet(const QWidget *window) const;
+    void showNext(const QWidget *window);
+    void remove(const DialogSheet *sheet, const QWidget *window);
 
-    QHash<QWidget *, QList<QPointer<DialogSheet>>> m_sheets;
+    QHash<const QWidget *, QList<DialogSheet *>> m_sheets;
 };
 
 } // namespace tavrel::ui::dialogs

@@ -21,7 +21,7 @@ class IWindowController;
 /// suspended while any dialog is open. GUI thread only.
 namespace tavrel::ui::dialogs {
 
-/// Presents file dialogs in place of QFileDialog, and counts them.
+/// Presents file dialogs in place of QFileDialog.
 class IFileDialogHost
 {
 public:
@@ -40,7 +40,7 @@ public:
     IFileDialogHost &operator=(const IFileDialogHost &) = delete;
     virtual ~IFileDialogHost() = default;
 
-    /// Answers with the chosen paths; none when cancelled. Exactly one answer.
+    /// Answers with the chosen paths; none when cancelled. The first answer counts; dropping it is a cancel.
     virtual void present(const Request &request, std::function<void(const QStringList &)> answer) = 0;
 };
 
@@ -56,33 +56,38 @@ struct Options
 /// What the dialogs need of the rest of the program; null takes it away again.
 void setWindowController(std::shared_ptr<platform::IWindowController> controller);
 void setFileDialogHost(std::shared_ptr<IFileDialogHost> host);
-/// Called with true when the first dialog opens and with false when the last one has closed.
+/// Called with true when the first dialog opens and with false when the last one has closed, always in pairs.
 void setHotkeySuspender(std::function<void(bool)> suspend);
 /// The theme setting (system, light, dark) for dialogs that are given none.
 void setThemeName(const QString &name);
 /// Cards and file dialogs that are open or waiting for their turn.
 [[nodiscard]] int openDialogCount();
 
+/// An answer is dropped when its `context` has gone; without a context nothing guards it. It comes after the dialog has
+/// left the screen and may delete anything. A dialog that goes down with its closed window answers as Escape would; one
+/// whose window is deleted does not answer.
 void message(QWidget *parent, Icon icon, const QString &title, const QString &text, const Theme &theme,
-             std::function<void()> done);
-/// The answer is dropped when `context` has gone.
+             std::function<void()> done, QObject *context = nullptr);
 void confirm(QWidget *parent, Icon icon, const QString &title, const QString &text, const Options &options,
              std::function<void(bool)> answer, QObject *context);
 /// A cancel answers with nothing.
 void askText(QWidget *parent, const QString &title, const QString &text, const QString &initial, const Theme &theme,
-             std::function<void(std::optional<QString>)> answer, QObject *context);
+             std::function<void(std::optional<QString>)> answer, QObject *context = nullptr);
 
-/// A cancelled file dialog does not answer.
+/// A file dialog that is cancelled, or goes down with its window, does not answer. `filter` as QFileDialog has it.
 void openFile(QWidget *parent, const QString &title, const QString &directory, const QString &filter,
-              std::function<void(const QString &)> answer);
+              std::function<void(const QString &)> answer, QObject *context = nullptr);
 void chooseFiles(QWidget *parent, const QString &title, const QString &directory, const QString &filter,
-                 std::function<void(const QStringList &)> answer);
+                 std::function<void(const QStringList &)> answer, QObject *context = nullptr);
 void pickDirectory(QWidget *parent, const QString &title, const QString &directory,
-                   std::function<void(const QString &)> answer);
+                   std::function<void(const QString &)> answer, QObject *context = nullptr);
+/// A name typed without a suffix gets that of the chosen filter; an existing file is asked about first.
 void saveFile(QWidget *parent, const QString &title, const QString &path, const QString &filter,
-              std::function<void(const QString &)> answer);
+              std::function<void(const QString &)> answer, QObject *context = nullptr);
 
-/// Shows any card; the answer gets the id of the button that ended it. Takes the card.
+/// Shows any card; the answer gets the id of the button that ended it. Takes the card. On the parent's window it is a
+/// sheet, in turn with those that are there; it floats when that window is hidden, minimised, gone, a floating dialog
+/// itself or too small for a row of buttons.
 void showCard(QWidget *parent, DialogCard *card, std::function<void(int)> answer);
 
 } // namespace tavrel::ui::dialogs

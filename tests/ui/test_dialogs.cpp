@@ -1,0 +1,550 @@
+#include "support/test_main.h"
+
+#include "platform/window_controller.h"
+#include "ui/dialog_hosts.h"
+#include "ui/dialogs.h"
+
+#include <QAccessible>
+#include <QApplication>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QShortcut>
+#include <QSignalSpy>
+#include <QWindow>
+
+using namespace tavrel;
+using namespace tavrel::ui;
+using dialogs::DialogCard;
+using dialogs::Icon;
+
+namespace {
+
+/// Remembers what was asked of it.
+class RecordingController final : public platform::IWindowController
+{
+public:
+    QHash<QWindow *, platform::WindowRole> roles;
+    QList<QWindow *> activated;
+    bool composited = true;
+
+    void setWindowRole(QWindow *window, platform::WindowRole role) override { roles[window] = role; }
+    void setExcludedFromCapture(QWindow *, bool) override {}
+    void activate(QWindow *window) override { activated.append(window); }
+    bool isApplicationActive() const override { return true; }
+    void deactivateApplication() override {}
+    void setDockPresence(bool) override {}
+    void placeOnDisplay(QWindow *, const QRect &) override {}
+    void releaseActivation() override {}
+    void setClickThrough(QWindow *, bool) override {}
+    void setOverlayLowered(QWindow *, bool) override {}
+    bool isCompositing() const override { return composited; }
+    void setTitleBarHeight(QWindow *, int) override {}
+};
+
+/// The card on the window's visible sheet.
+DialogCard *shownCard(const QWidget &window)
+{
+    for (auto *sheet : window.findChildren<dialogs::DialogSheet *>()) {
+        if (!sheet->isHidden())
+            return sheet->card();
+    }
+    return nullptr;
+}
+
+dialogs::FloatingDialog *floating()
+{
+    for (QWidget *widget : QApplication::topLevelWidgets()) {
+        auto *dialog = qobject_cast<dialogs::FloatingDialog *>(widget);
+        if (dialog && dialog->isVisible())
+            return dialog;
+    }
+    return nullptr;
+}
+
+QString titleOf(const DialogCard *card)
+{
+    return card ? card->accessibleName() : QString();
+}
+
+void press(QWidget *widget, Qt::Key key)
+{
+    QTest::keyClick(widget, key);
+}
+
+} // namespace
+
+class TestDialogs : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void confirmsOfOneWindowTakeTurns();
+    void keysEndACard_data();
+    void keysEndACard();
+    void focusedButtonWinsOverTheDefault();
+    void askTextAnswersTextOrNothing_data();
+    void askTextAnswersTextOrNothing();
+    void theDialogIsGoneWhenItAnswers();
+    void anAnswerMayAskAgainOrDeleteTheWindow();
+    void aContextThatIsGoneHearsNothing();
+    void closingTheWindowCancels();
+    void aRefusedCloseAndHidingKeepTheSheet();
+    void deletingTheWindowIsSilent();
+    void cardsWithoutAWindowFloat_data();
+    void cardsWithoutAWindowFloat();
+    void aFloatClosedFromOutsideCancels();
+    void theSheetKeepsItsWindowOutOfReach();
+    void focusStaysInTheCardAndComesBack();
+    void cardPositions_data();
+    void cardPositions();
+    void theSheetFollowsItsWindow();
+    void longTextsStayInBounds();
+    void readableByAssistiveTools();
+    void suspenderIsAlwaysPaired();
+
+private:
+    void confirm(QWidget *parent, const QString &title, dialogs::Options options = {})
+    {
+        dialogs::confirm(
+            parent, Icon::Question, title, QStringLiteral("text"), options,
+            [this, title](bool yes) {
+                m_answers.append(title + (yes ? QStringLiteral(" yes") : QStringLiteral(" no")));
+            },
+            m_context.get());
+    }
+
+    std::unique_ptr<QWidget> m_window;
+    std::unique_ptr<QObject> m_context;
+    QStringList m_answers;
+    QList<bool> m_suspended;
+    std::shared_ptr<RecordingController> m_controller;
+};
+
+void TestDialogs::init()
+{
+    // The offscreen platform says that it knows no fixed sizes and no masks.
+    QTest::failOnWarning(QRegularExpression(QStringLiteral("^(?!This plugin does not support)")));
+    m_answers.clear();
+    m_suspended.clear();
+    m_controller = std::make_shared<RecordingController>();
+    dialogs::setWindowController(m_controller);
+    dialogs::setHotkeySuspender([this](bool suspended) { m_suspended.append(suspended); });
+    m_context = std::make_unique<QObject>();
+    m_window = std::make_unique<QWidget>();
+    m_window->resize(800, 600);
+    m_window->show();
+    m_window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+}
+
+void TestDialogs::cleanup()
+{
+    m_window.reset();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    // Whatever a test did: no dialog is left, and the hotkeys are as often resumed as suspended, in turns.
+    QCOMPARE(dialogs::openDialogCount(), 0);
+    for (qsizetype i = 0; i < m_suspended.size(); ++i)
+        QCOMPARE(m_suspended[i], i % 2 == 0);
+    QCOMPARE(m_suspended.size() % 2, 0);
+    dialogs::setHotkeySuspender({});
+    dialogs::setWindowController(nullptr);
+}
+
+void TestDialogs::confirmsOfOneWindowTakeTurns()
+{
+    QWidget other;
+    other.resize(500, 400);
+    other.show();
+    for (const QString &title : {QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")})
+        confirm(m_window.get(), title);
+    confirm(&other, QStringLiteral("x"));
+    QCOMPARE(dialogs::openDialogCount(), 4);
+    QCOMPARE(titleOf(shownCard(other)), QStringLiteral("x")); // windows do not wait for each other
+    for (const QString &title : {QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")}) {
+        QTRY_COMPARE(titleOf(shownCard(*m_window)), title);
+        press(shownCard(*m_window), Qt::Key_Escape);
+    }
+    QTRY_VERIFY(!shownCard(*m_window));
+    QCOMPARE(m_answers, (QStringList{QStringLiteral("a no"), QStringLiteral("b no"), QStringLiteral("c no")}));
+    QCOMPARE(m_suspended, (QList<bool>{true})); // x is still open
+}
+
+void TestDialogs::keysEndACard_data()
+{
+    using B = dialogs::ButtonSpec;
+    QTest::addColumn<QList<B>>("buttons");
+    QTest::addColumn<Qt::Key>("key");
+    QTest::addColumn<int>("id"); // -100: the card stays
+
+    const B ok{QStringLiteral("ok"), B::Primary, true, 1};
+    const B plain{QStringLiteral("plain"), B::Primary, false, 2};
+    const B remove{QStringLiteral("remove"), B::Destructive, true, 3};
+    const B cancel{QStringLiteral("cancel"), B::Cancel, false, 4};
+    QTest::newRow("enter presses the default") << QList{cancel, ok} << Qt::Key_Enter << 1;
+    QTest::newRow("return presses the first default") << QList{cancel, remove, ok} << Qt::Key_Return << 3;
+    QTest::newRow("return without a default") << QList{cancel, plain} << Qt::Key_Return << -100;
+    QTest::newRow("escape presses cancel") << QList{ok, cancel} << Qt::Key_Escape << 4;
+    QTest::newRow("escape on the only button") << QList{ok} << Qt::Key_Escape << 1;
+    QTest::newRow("escape with two and no cancel") << QList{ok, remove} << Qt::Key_Escape << -100;
+    QTest::newRow("space presses the default by its focus") << QList{cancel, ok} << Qt::Key_Space << 1;
+    QTest::newRow("other keys are swallowed") << QList{ok} << Qt::Key_Q << -100;
+}
+
+void TestDialogs::keysEndACard()
+{
+    QFETCH(QList<dialogs::ButtonSpec>, buttons);
+    QFETCH(Qt::Key, key);
+    QFETCH(int, id);
+    auto *card = new DialogCard(lightTheme());
+    card->setButtons({{QStringLiteral("replaced"), dialogs::ButtonSpec::Primary, true, 99}});
+    card->setButtons(buttons);
+    int ended = -100;
+    dialogs::showCard(m_window.get(), card, [&](int which) { ended = which; });
+    press(m_window->focusWidget(), key);
+    QCOMPARE(ended, id);
+    QCOMPARE(dialogs::openDialogCount(), id == -100 ? 1 : 0);
+}
+
+void TestDialogs::focusedButtonWinsOverTheDefault()
+{
+    confirm(m_window.get(), QStringLiteral("a"));
+    press(m_window->focusWidget(), Qt::Key_Return); // cancel, unless told otherwise
+    dialogs::Options options;
+    options.cancelDefault = false;
+    confirm(m_window.get(), QStringLiteral("b"), options);
+    press(m_window->focusWidget(), Qt::Key_Return);
+    confirm(m_window.get(), QStringLiteral("c"));
+    press(m_window->focusWidget(), Qt::Key_Tab);
+    press(m_window->focusWidget(), Qt::Key_Return);
+    QCOMPARE(m_answers, (QStringList{QStringLiteral("a no"), QStringLiteral("b yes"), QStringLiteral("c yes")}));
+}
+
+void TestDialogs::askTextAnswersTextOrNothing_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<Qt::Key>("key");
+    QTest::addColumn<std::optional<QString>>("answer");
+    QTest::newRow("typed over the selected text")
+        << QStringLiteral("new") << Qt::Key_Return << std::optional(QStringLiteral("new"));
+    QTest::newRow("as it was") << QString() << Qt::Key_Enter << std::optional(QStringLiteral("old"));
+    QTest::newRow("cancelled") << QStringLiteral("new") << Qt::Key_Escape << std::optional<QString>();
+}
+
+void TestDialogs::askTextAnswersTextOrNothing()
+{
+    QFETCH(QString, typed);
+    QFETCH(Qt::Key, key);
+    QFETCH(std::optional<QString>, answer);
+    std::optional<QString> got = QStringLiteral("no answer yet");
+    dialogs::askText(m_window.get(), QStringLiteral("Rename"), QStringLiteral("text"), QStringLiteral("old"),
+                     lightTheme(), [&](const std::optional<QString> &text) { got = text; });
+    auto *input = m_window->findChild<QLineEdit *>(QStringLiteral("dlgInput"));
+    QVERIFY(input && input->hasFocus());
+    QTest::keyClicks(input, typed);
+    press(input, key);
+    QCOMPARE(got, answer);
+}
+
+void TestDialogs::theDialogIsGoneWhenItAnswers()
+{
+    for (QWidget *parent : {m_window.get(), static_cast<QWidget *>(nullptr)}) {
+        bool answered = false;
+        dialogs::message(parent, Icon::Information, QStringLiteral("a"), {}, darkTheme(), [&] {
+            answered = true;
+            QVERIFY(!shownCard(*m_window) && !floating());
+            QCOMPARE(dialogs::openDialogCount(), 0);
+            QCOMPARE(m_suspended.last(), false);
+        });
+        DialogCard *card = parent ? shownCard(*m_window) : floating()->findChild<DialogCard *>();
+        QTest::mouseClick(card->findChild<QPushButton *>(), Qt::LeftButton);
+        QVERIFY(answered);
+    }
+}
+
+void TestDialogs::anAnswerMayAskAgainOrDeleteTheWindow()
+{
+    QStringList order;
+    const auto ask = [&](const QString &title, std::function<void()> then) {
+        dialogs::message(m_window.get(), Icon::None, title, {}, lightTheme(), [&order, title, then] {
+            order.append(title);
+            then();
+        });
+    };
+    ask(QStringLiteral("first"), [&] {
+        ask(QStringLiteral("third"), [&] { m_window.reset(); }); // behind the one that was waiting already
+    });
+    ask(QStringLiteral("second"), [] {});
+    for (const QString &title : {QStringLiteral("first"), QStringLiteral("second"), QStringLiteral("third")}) {
+        QTRY_COMPARE(titleOf(shownCard(*m_window)), title);
+        press(shownCard(*m_window), Qt::Key_Return);
+    }
+    QCOMPARE(order.size(), 3);
+    QVERIFY(!m_window);
+}
+
+void TestDialogs::aContextThatIsGoneHearsNothing()
+{
+    confirm(m_window.get(), QStringLiteral("a"));
+    const QPointer<DialogCard> card = shownCard(*m_window);
+    m_context.reset();
+    press(card, Qt::Key_Escape);
+    QCOMPARE(m_answers, QStringList());
+    QTRY_VERIFY(!card);
+}
+
+void TestDialogs::closingTheWindowCancels()
+{
+    confirm(m_window.get(), QStringLiteral("a"));
+    confirm(m_window.get(), QStringLiteral("b"));
+    m_window->close();
+    QTRY_COMPARE(m_answers.size(), 2);
+    m_answers.sort();
+    QCOMPARE(m_answers, (QStringList{QStringLiteral("a no"), QStringLiteral("b no")}));
+    QTRY_VERIFY(!m_window->findChild<dialogs::DialogSheet *>());
+}
+
+/// A window that asks before it closes, as an editor with changes does.
+class StubbornWindow final : public QWidget
+{
+protected:
+    void closeEvent(QCloseEvent *event) override { event->ignore(); }
+};
+
+void TestDialogs::aRefusedCloseAndHidingKeepTheSheet()
+{
+    StubbornWindow window;
+    window.resize(500, 400);
+    window.show();
+    confirm(&window, QStringLiteral("a"));
+    const QPointer<DialogCard> card = shownCard(window);
+    window.close();
+    QCoreApplication::processEvents();
+    window.hide(); // for a capture
+    QCoreApplication::processEvents();
+    window.show();
+    QVERIFY(card && card->isVisible());
+    QCOMPARE(m_answers, QStringList());
+}
+
+void TestDialogs::deletingTheWindowIsSilent()
+{
+    confirm(m_window.get(), QStringLiteral("a"));
+    confirm(m_window.get(), QStringLiteral("b"));
+    m_window.reset();
+    QCoreApplication::processEvents();
+    QCOMPARE(m_answers, QStringList());
+    QCOMPARE(dialogs::openDialogCount(), 0);
+    QCOMPARE(m_suspended, (QList<bool>{true, false}));
+}
+
+void TestDialogs::cardsWithoutAWindowFloat_data()
+{
+    QTest::addColumn<QString>("parent");
+    for (const char *row : {"none", "hidden", "minimised", "too small", "floating"})
+        QTest::newRow(row) << QString::fromLatin1(row);
+}
+
+void TestDialogs::cardsWithoutAWindowFloat()
+{
+    QFETCH(QString, parent);
+    QWidget *asker = m_window.get();
+    if (parent == u"none")
+        asker = nullptr;
+    else if (parent == u"hidden")
+        m_window->hide();
+    else if (parent == u"minimised")
+        m_window->showMinimized();
+    else if (parent == u"too small")
+        m_window->resize(120, 60);
+    QPointer<dialogs::FloatingDialog> below;
+    if (parent == u"floating") {
+        confirm(nullptr, QStringLiteral("below"));
+        below = floating();
+        asker = below;
+    }
+    confirm(asker, QStringLiteral("a"));
+    QWidget *dialog = nullptr;
+    for (QWidget *widget : QApplication::topLevelWidgets()) {
+        if (qobject_cast<dialogs::FloatingDialog *>(widget) && widget->windowTitle() == u"a")
+            dialog = widget;
+    }
+    QVERIFY(dialog && dialog->isVisible());
+    QVERIFY(dialog->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+    QCOMPARE(m_controller->roles.value(dialog->windowHandle()), platform::WindowRole::Floating);
+    QCOMPARE(m_controller->activated.last(), dialog->windowHandle());
+    auto *card = dialog->findChild<DialogCard *>();
+    QCOMPARE(card->pos(), QPoint(28, 24));
+    card->setText(QString(400, u'字'));
+    QTRY_COMPARE(dialog->size(), card->size() + QSize(56, 52));
+    QTRY_VERIFY(card->height() > 200);
+    const QPointer<QWidget> guard(dialog);
+    press(card, Qt::Key_Escape);
+    if (below)
+        below->close();
+    QTRY_VERIFY(!guard && !below);
+    QCOMPARE(m_answers.first(), QStringLiteral("a no"));
+}
+
+void TestDialogs::aFloatClosedFromOutsideCancels()
+{
+    m_controller->composited = false; // no room for a shadow then
+    confirm(nullptr, QStringLiteral("a"));
+    QCOMPARE(floating()->size(), floating()->findChild<DialogCard *>()->size());
+    floating()->close();
+    QCOMPARE(m_answers, (QStringList{QStringLiteral("a no")}));
+    // A card that Escape does not end answers with no button's id.
+    auto *card = new DialogCard(lightTheme());
+    card->setButtons({{QStringLiteral("one"), dialogs::ButtonSpec::Primary, true, 1},
+                      {QStringLiteral("two"), dialogs::ButtonSpec::Primary, false, 2}});
+    int ended = 0;
+    dialogs::showCard(nullptr, card, [&](int id) { ended = id; });
+    floating()->close();
+    QCOMPARE(ended, DialogCard::kDismissed);
+}
+
+void TestDialogs::theSheetKeepsItsWindowOutOfReach()
+{
+    QPushButton button(QStringLiteral("below"), m_window.get());
+    button.setGeometry(0, 0, 800, 600);
+    button.show();
+    QLineEdit field(m_window.get());
+    field.show();
+    QShortcut shortcut(QKeySequence(Qt::CTRL | Qt::Key_S), m_window.get());
+    QSignalSpy clicked(&button, &QPushButton::clicked);
+    QSignalSpy activated(&shortcut, &QShortcut::activated);
+
+    confirm(m_window.get(), QStringLiteral("a"));
+    QTest::mouseClick(m_window->windowHandle(), Qt::LeftButton, {}, QPoint(5, 5));
+    QTest::keyClick(m_window->windowHandle(), Qt::Key_S, Qt::ControlModifier);
+    QTest::keyClick(&field, Qt::Key_X); // sent to the window's own field, whoever has the focus
+    QCOMPARE(clicked.size() + activated.size(), 0);
+    QCOMPARE(field.text(), QString());
+    field.setFocus();
+    QTRY_VERIFY(shownCard(*m_window)->isAncestorOf(m_window->focusWidget()));
+
+    press(shownCard(*m_window), Qt::Key_Escape);
+    QTest::keyClick(m_window->windowHandle(), Qt::Key_S, Qt::ControlModifier);
+    QTest::mouseClick(m_window->windowHandle(), Qt::LeftButton, {}, QPoint(400, 300));
+    QCOMPARE(clicked.size(), 1);
+    QCOMPARE(activated.size(), 1);
+}
+
+void TestDialogs::focusStaysInTheCardAndComesBack()
+{
+    QLineEdit before(m_window.get());
+    QLineEdit after(m_window.get());
+    before.show();
+    after.show();
+    before.setFocus();
+    dialogs::askText(m_window.get(), QStringLiteral("a"), {}, {}, lightTheme(), {});
+    const DialogCard *card = shownCard(*m_window);
+    QList<QWidget *> visited;
+    for (int i = 0; i < 4; ++i) {
+        visited.append(m_window->focusWidget());
+        QVERIFY(card->isAncestorOf(visited.last()));
+        press(visited.last(), Qt::Key_Tab);
+    }
+    QCOMPARE(visited[3], visited[0]); // field, cancel, ok, field
+    QCOMPARE(QSet<QWidget *>(visited.begin(), visited.end()).size(), 3);
+    QTest::keyClick(m_window->focusWidget(), Qt::Key_Backtab, Qt::ShiftModifier);
+    QCOMPARE(m_window->focusWidget(), visited[0]);
+    press(m_window->focusWidget(), Qt::Key_Escape);
+    QVERIFY(before.hasFocus());
+}
+
+void TestDialogs::cardPositions_data()
+{
+    QTest::addColumn<QSize>("sheet");
+    QTest::addColumn<QPoint>("place");
+    QTest::newRow("roomy") << QSize(800, 600) << QPoint(200, 152);
+    QTest::newRow("just 20 from the top") << QSize(800, 253) << QPoint(200, 20);
+    QTest::newRow("as high as the card") << QSize(400, 200) << QPoint(0, 20);
+    QTest::newRow("lower than the card") << QSize(500, 90) << QPoint(50, 20);
+}
+
+void TestDialogs::cardPositions()
+{
+    QFETCH(QSize, sheet);
+    QFETCH(QPoint, place);
+    QCOMPARE(dialogs::DialogSheet::cardPosition(sheet, QSize(400, 200)), place);
+}
+
+void TestDialogs::theSheetFollowsItsWindow()
+{
+    confirm(m_window.get(), QStringLiteral("a"));
+    DialogCard *card = shownCard(*m_window);
+    auto *sheet = card->parentWidget();
+    for (const QSize &size : {QSize(1000, 700), QSize(420, 100)}) {
+        m_window->resize(size);
+        QTRY_COMPARE(sheet->geometry(), QRect(QPoint(0, 0), size));
+        QCOMPARE(card->pos(), dialogs::DialogSheet::cardPosition(size, card->size()));
+    }
+    const int before = card->height();
+    card->setText(QString(200, u'字'));
+    QTRY_VERIFY(card->height() > before);
+    QCOMPARE(card->y(), 20);
+}
+
+void TestDialogs::longTextsStayInBounds()
+{
+    DialogCard card(lightTheme());
+    card.setIcon(Icon::Error);
+    card.setTitle(QStringLiteral("title"));
+    card.setButtons({{QStringLiteral("ok"), dialogs::ButtonSpec::Primary, true, 1}});
+    card.show();
+    const auto sizeWith = [&](const QString &text) {
+        card.setText(text);
+        QCoreApplication::processEvents(); // layouts
+        return card.sizeHint();
+    };
+    const QSize small = sizeWith(QStringLiteral("one line"));
+    const QSize oneWord = sizeWith(QString(150, u'w')); // no line can hold it
+    QCOMPARE(oneWord.width(), small.width());
+    QVERIFY(oneWord.height() > small.height() + 30);
+    const QSize huge = sizeWith(QString(5000, u'字'));
+    QVERIFY2(huge.width() <= 420 && huge.height() <= 480, qPrintable(QDebug::toString(huge)));
+    auto *bar = card.findChild<QScrollArea *>()->verticalScrollBar();
+    QTRY_VERIFY(bar->maximum() > 0);
+    press(&card, Qt::Key_PageDown);
+    QVERIFY(bar->value() > 0);
+}
+
+void TestDialogs::readableByAssistiveTools()
+{
+    confirm(m_window.get(), QStringLiteral("Delete?"));
+    auto *card = QAccessible::queryAccessibleInterface(shownCard(*m_window));
+    QCOMPARE(card->role(), QAccessible::Dialog);
+    QCOMPARE(card->text(QAccessible::Name), QStringLiteral("Delete?"));
+    QCOMPARE(card->text(QAccessible::Description), QStringLiteral("text"));
+    QStringList buttons;
+    for (auto *widget : shownCard(*m_window)->findChildren<QPushButton *>()) {
+        auto *button = QAccessible::queryAccessibleInterface(widget);
+        QCOMPARE(button->role(), QAccessible::Button);
+        buttons.append(button->text(QAccessible::Name));
+    }
+    QCOMPARE(buttons, (QStringList{QStringLiteral("取消"), QStringLiteral("确定")}));
+    press(shownCard(*m_window), Qt::Key_Escape);
+
+    dialogs::askText(m_window.get(), QStringLiteral("Rename"), {}, {}, lightTheme(), {});
+    auto *input = QAccessible::queryAccessibleInterface(m_window->findChild<QLineEdit *>());
+    QCOMPARE(input->role(), QAccessible::EditableText);
+    QCOMPARE(input->text(QAccessible::Name), QStringLiteral("Rename"));
+}
+
+void TestDialogs::suspenderIsAlwaysPaired()
+{
+    confirm(m_window.get(), QStringLiteral("a"));
+    QList<bool> second;
+    dialogs::setHotkeySuspender([&](bool suspended) { second.append(suspended); });
+    QCOMPARE(m_suspended, (QList<bool>{true, false}));
+    dialogs::setHotkeySuspender({});
+    QCOMPARE(second, (QList<bool>{true, false}));
+    press(shownCard(*m_window), Qt::Key_Escape); // nobody to tell
+    QCOMPARE(dialogs::openDialogCount(), 0);
+}
+
+TAVREL_TEST_MAIN(QApplication, TestDialogs)
+#include "test_dialogs.moc"

@@ -1,0 +1,288 @@
+#include "support/test_main.h"
+
+#include "platform/window_controller.h"
+#include "ui/dialogs.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QPointer>
+#include <QTemporaryDir>
+
+using namespace tavrel;
+using namespace tavrel::ui;
+using dialogs::IFileDialogHost;
+
+namespace {
+
+/// Keeps the answers for the test to give.
+class WaitingHost final : public IFileDialogHost
+{
+public:
+    QList<Request> requests;
+    QList<std::function<void(const QStringList &)>> answers;
+
+    void present(const Request &request, std::function<void(const QStringList &)> answer) override
+    {
+        requests.append(request);
+        answers.append(std::move(answer));
+    }
+};
+
+class LoweringController final : public platform::IWindowController
+{
+public:
+    QList<bool> lowered;
+
+    void setWindowRole(QWindow *, platform::WindowRole) override {}
+    void setExcludedFromCapture(QWindow *, bool) override {}
+    void activate(QWindow *) override {}
+    bool isApplicationActive() const override { return true; }
+    void deactivateApplication() override {}
+    void setDockPresence(bool) override {}
+    void placeOnDisplay(QWindow *, const QRect &) override {}
+    void releaseActivation() override {}
+    void setClickThrough(QWindow *, bool) override {}
+    void setOverlayLowered(QWindow *, bool on) override { lowered.append(on); }
+    bool isCompositing() const override { return true; }
+    void setTitleBarHeight(QWindow *, int) override {}
+};
+
+} // namespace
+
+class TestFileDialogs : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void modes_data();
+    void modes();
+    void savingSuggestsANameAndAddsTheSuffix_data();
+    void savingSuggestsANameAndAddsTheSuffix();
+    void theDialogIsGoneWhenItAnswers();
+    void cancelledDialogsStaySilent_data();
+    void cancelledDialogsStaySilent();
+    void anOwnerOnTopIsLoweredMeanwhile();
+    void aMissingFolderFallsBackToHome();
+    void hostsAnswerOnceOrNever();
+
+private:
+    [[nodiscard]] QFileDialog *dialog() const
+    {
+        for (QWidget *widget : QApplication::topLevelWidgets()) {
+            if (auto *found = qobject_cast<QFileDialog *>(widget); found && found->isVisible())
+                return found;
+        }
+        return nullptr;
+    }
+    void save(QWidget *parent, const QString &name, const QString &filter, QObject *context = nullptr)
+    {
+        dialogs::saveFile(
+            parent, QStringLiteral("Save"), m_dir.filePath(name), filter,
+            [this](const QString &path) { m_answers.append(path); }, context);
+    }
+
+    QTemporaryDir m_dir;
+    std::unique_ptr<QWidget> m_window;
+    QStringList m_answers;
+    int m_suspended = 0;
+};
+
+void TestFileDialogs::init()
+{
+    m_answers.clear();
+    m_suspended = 0;
+    dialogs::setHotkeySuspender([this](bool suspended) { m_suspended += suspended ? 1 : -1; });
+    m_window = std::make_unique<QWidget>();
+    m_window->resize(700, 500);
+    m_window->show();
+}
+
+void TestFileDialogs::cleanup()
+{
+    m_window.reset();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QCOMPARE(dialogs::openDialogCount(), 0);
+    QCOMPARE(m_suspended, 0);
+    dialogs::setHotkeySuspender({});
+    dialogs::setFileDialogHost(nullptr);
+    dialogs::setWindowController(nullptr);
+}
+
+void TestFileDialogs::modes_data()
+{
+    QTest::addColumn<IFileDialogHost::Mode>("mode");
+    QTest::addColumn<QFileDialog::FileMode>("fileMode");
+    QTest::addColumn<QFileDialog::AcceptMode>("acceptMode");
+    using Mode = IFileDialogHost::Mode;
+    QTest::newRow("one file") << Mode::OpenFile << QFileDialog::ExistingFile << QFileDialog::AcceptOpen;
+    QTest::newRow("files") << Mode::OpenFiles << QFileDialog::ExistingFiles << QFileDialog::AcceptOpen;
+    QTest::newRow("folder") << Mode::Directory << QFileDialog::Directory << QFileDialog::AcceptOpen;
+    QTest::newRow("save") << Mode::SaveFile << QFileDialog::AnyFile << QFileDialog::AcceptSave;
+}
+
+void TestFileDialogs::modes()
+{
+    QFETCH(IFileDialogHost::Mode, mode);
+    QFETCH(QFileDialog::FileMode, fileMode);
+    QFETCH(QFileDialog::AcceptMode, acceptMode);
+    const QString title = QStringLiteral("title");
+    const QString filter = QStringLiteral("Pictures (*.png *.jpg)");
+    const auto one = [](const QString &) {};
+    switch (mode) {
+    case IFileDialogHost::Mode::OpenFile:
+        dialogs::openFile(m_window.get(), title, m_dir.path(), filter, one);
+        break;
+    case IFileDialogHost::Mode::OpenFiles:
+        dialogs::chooseFiles(m_window.get(), title, m_dir.path(), filter, [](const QStringList &) {});
+        break;
+    case IFileDialogHost::Mode::Directory:
+        dialogs::pickDirectory(m_window.get(), title, m_dir.path(), one);
+        break;
+    case IFileDialogHost::Mode::SaveFile:
+        dialogs::saveFile(m_window.get(), title, m_dir.filePath(QStringLiteral("a.png")), filter, one);
+        break;
+    }
+    QFileDialog *shown = dialog();
+    QVERIFY(shown);
+    QCOMPARE(shown->fileMode(), fileMode);
+    QCOMPARE(shown->acceptMode(), acceptMode);
+    QCOMPARE(shown->testOption(QFileDialog::ShowDirsOnly), mode == IFileDialogHost::Mode::Directory);
+    QCOMPARE(shown->windowModality(), Qt::WindowModal);
+    QCOMPARE(shown->windowTitle(), title);
+    QCOMPARE(shown->directory().path(), m_dir.path());
+    QCOMPARE(dialogs::openDialogCount(), 1);
+    QCOMPARE(m_suspended, 1);
+}
+
+void TestFileDialogs::savingSuggestsANameAndAddsTheSuffix_data()
+{
+    QTest::addColumn<QString>("suggested");
+    QTest::addColumn<QString>("choice"); // of a filter; empty leaves the first choice
+    QTest::addColumn<QString>("typed");  // empty leaves the name
+    QTest::addColumn<QString>("saved");
+    const auto row = [](const char *name, const char16_t *suggested, const char16_t *choice, const char16_t *typed,
+                        const char16_t *saved) {
+        QTest::newRow(name) << QString::fromUtf16(suggested) << QString::fromUtf16(choice) << QString::fromUtf16(typed)
+                            << QString::fromUtf16(saved);
+    };
+    row("as suggested", u"shot.png", u"", u"", u"shot.png");
+    row("no suffix typed", u"shot.png", u"", u"other", u"other.png");
+    row("the suggested suffix picks the filter", u"shot.jpg", u"", u"other", u"other.jpg");
+    row("second suffix of a filter", u"shot.jpeg", u"", u"other", u"other.jpeg");
+    row("chosen filter, no suffix typed", u"shot.png", u"JPEG (*.jpg *.jpeg)", u"other", u"other.jpg");
+    row("chosen filter, suggested name kept", u"shot.png", u"JPEG (*.jpg *.jpeg)", u"", u"shot.jpg");
+    row("foreign endings are part of the name", u"shot.v2", u"JPEG (*.jpg *.jpeg)", u"", u"shot.v2");
+    row("a suffix of one's own", u"shot.png", u"", u"other.webp", u"other.webp");
+}
+
+void TestFileDialogs::savingSuggestsANameAndAddsTheSuffix()
+{
+    QFETCH(QString, suggested);
+    QFETCH(QString, choice);
+    QFETCH(QString, typed);
+    QFETCH(QString, saved);
+    save(m_window.get(), suggested, QStringLiteral("PNG (*.png);;JPEG (*.jpg *.jpeg)"));
+    auto *name = dialog()->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+    QCOMPARE(name->text(), suggested);
+    QCOMPARE(name->selectedText(), suggested);
+    if (!choice.isEmpty()) {
+        auto *filters = dialog()->findChild<QComboBox *>(QStringLiteral("fileTypeCombo"));
+        filters->setCurrentText(choice);
+        Q_EMIT filters->textActivated(choice);
+    }
+    if (!typed.isEmpty())
+        name->setText(typed);
+    QMetaObject::invokeMethod(dialog(), "accept");
+    QCOMPARE(m_answers, (QStringList{m_dir.filePath(saved)}));
+}
+
+void TestFileDialogs::theDialogIsGoneWhenItAnswers()
+{
+    bool answered = false;
+    dialogs::pickDirectory(m_window.get(), QStringLiteral("Folder"), m_dir.path(), [&](const QString &path) {
+        answered = true;
+        QCOMPARE(path, m_dir.path());
+        QVERIFY(!dialog());
+        QCOMPARE(dialogs::openDialogCount(), 0);
+        QCOMPARE(m_suspended, 0);
+        m_window.reset(); // the answer may do anything
+    });
+    QMetaObject::invokeMethod(dialog(), "accept");
+    QVERIFY(answered);
+}
+
+void TestFileDialogs::cancelledDialogsStaySilent_data()
+{
+    QTest::addColumn<QString>("how");
+    for (const char *row : {"escape", "owner closed", "owner deleted", "context gone"})
+        QTest::newRow(row) << QString::fromLatin1(row);
+}
+
+void TestFileDialogs::cancelledDialogsStaySilent()
+{
+    QFETCH(QString, how);
+    auto context = std::make_unique<QObject>();
+    save(m_window.get(), QStringLiteral("a.png"), QStringLiteral("PNG (*.png)"), context.get());
+    const QPointer<QFileDialog> shown = dialog();
+    if (how == u"escape") {
+        QTest::keyClick(shown, Qt::Key_Escape);
+    } else if (how == u"owner closed") {
+        m_window->close();
+    } else if (how == u"owner deleted") {
+        m_window.reset();
+    } else {
+        context.reset();
+        QMetaObject::invokeMethod(shown, "accept");
+    }
+    QTRY_VERIFY(!shown);
+    QCOMPARE(m_answers, QStringList());
+}
+
+void TestFileDialogs::anOwnerOnTopIsLoweredMeanwhile()
+{
+    const auto controller = std::make_shared<LoweringController>();
+    dialogs::setWindowController(controller);
+    save(m_window.get(), QStringLiteral("a.png"), {});
+    dialog()->reject();
+    QCOMPARE(controller->lowered, QList<bool>()); // an ordinary window hides nothing
+
+    QWidget onTop(nullptr, Qt::WindowStaysOnTopHint);
+    onTop.show();
+    save(&onTop, QStringLiteral("a.png"), {});
+    QCOMPARE(controller->lowered, (QList<bool>{true}));
+    dialog()->reject();
+    QTRY_COMPARE(controller->lowered, (QList<bool>{true, false}));
+}
+
+void TestFileDialogs::aMissingFolderFallsBackToHome()
+{
+    save(nullptr, QStringLiteral("gone/a.png"), {});
+    QVERIFY(dialog());
+    QCOMPARE(dialog()->directory().path(), QDir::homePath());
+    QCOMPARE(dialog()->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"))->text(), QStringLiteral("a.png"));
+    dialog()->reject();
+}
+
+void TestFileDialogs::hostsAnswerOnceOrNever()
+{
+    const auto host = std::make_shared<WaitingHost>();
+    dialogs::setFileDialogHost(host);
+    QObject context;
+    for (const QString &name : {QStringLiteral("a.png"), QStringLiteral("b.png"), QStringLiteral("c.png")})
+        save(m_window.get(), name, {}, &context);
+    QCOMPARE(host->requests.first().start, m_dir.filePath(QStringLiteral("a.png")));
+    QCOMPARE(dialogs::openDialogCount(), 3);
+    host->answers[0]({QStringLiteral("/x")});
+    host->answers[0]({QStringLiteral("/y")});
+    host->answers[1]({});
+    QCOMPARE(m_answers, (QStringList{QStringLiteral("/x")}));
+    QCOMPARE(dialogs::openDialogCount(), 1);
+    host->answers.clear();
+    QCOMPARE(dialogs::openDialogCount(), 0);
+}
+
+TAVREL_TEST_MAIN(QApplication, TestFileDialogs)
+#include "test_file_dialogs.moc"
