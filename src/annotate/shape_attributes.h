@@ -34,6 +34,7 @@ struct ShapeAttributes
     double watermarkOpacity = 0.3;   ///< 0.05 to 1.0
     double watermarkFontSize = 20.0; ///< logical, 8 to 200
     NumberType sequenceType = NumberType::Arabic;
+    bool sequenceArrow = true; ///< whether the next badge has a tail
 
     /// The strength that belongs to the present mosaic mode.
     [[nodiscard]] double activeMosaicStrength() const
@@ -59,6 +60,7 @@ enum class ShapeAttribute {
     MagnifierZoom,
     MagnifierDash,
     EraseWholeBox,
+    SequenceArrow,
     Watermark, ///< text, mode, opacity, font and colour of the watermark at once
 };
 

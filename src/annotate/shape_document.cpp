@@ -158,6 +158,12 @@ void ShapeDocument::setEraseWholeBox(bool wholeBox)
     change(ShapeAttribute::EraseWholeBox, Commit::Yes);
 }
 
+void ShapeDocument::setSequenceArrow(bool arrow)
+{
+    m_attributes.sequenceArrow = arrow;
+    change(ShapeAttribute::SequenceArrow, Commit::Yes);
+}
+
 void ShapeDocument::setWatermarkOpacity(double opacity)
 {
     m_attributes.watermarkOpacity =
@@ -605,7 +611,7 @@ void ShapeDocument::paint(QPainter &painter, const ShapeRenderContext &context) 
     paintShapes(painter, context);
     painter.restore();
 
-    if (m_selected && !m_selected->isBeingEdited())
+    if (m_selected)
         m_selected->paintSelection(painter, context);
     if (m_hovered && !m_hovered->selected)
         paintHoverMark(painter, context);

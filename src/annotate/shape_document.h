@@ -38,7 +38,14 @@ class ShapeDocument final
 public:
     using TextLineProvider = std::function<QList<QRectF>()>;
 
+    /// factory  has to outlive the document
     explicit ShapeDocument(const ShapeFactory &factory = ShapeFactory::standard());
+    /// A copy would share its shapes with the original; shapesJson() and loadState() make a true one.
+    ShapeDocument(const ShapeDocument &) = delete;
+    ShapeDocument &operator=(const ShapeDocument &) = delete;
+    ShapeDocument(ShapeDocument &&) = default;
+    ShapeDocument &operator=(ShapeDocument &&) = default;
+    ~ShapeDocument() = default;
 
     // --- tool and attributes -------------------------------------------------------------------------------------
 
@@ -68,6 +75,7 @@ public:
     void setMagnifierZoom(double zoom);
     void setMagnifierDash(double dash);
     void setEraseWholeBox(bool wholeBox);
+    void setSequenceArrow(bool arrow);
     void setMarkerRectMode(bool rect) { m_attributes.markerRectMode = rect; }
     void setSequenceType(NumberType type) { m_attributes.sequenceType = type; }
 

@@ -122,7 +122,7 @@ private Q_SLOTS:
     {
         QTest::addColumn<int>("side");
         QTest::addColumn<bool>("isOutline");
-        for (const int side : {150, 333, 1000}) {
+        for (const int side : {498, 500, 150, 333, 1000}) { // the first two end where a part ends
             QTest::addRow("filled %d", side) << side << false;
             QTest::addRow("outline %d", side) << side << true;
         }

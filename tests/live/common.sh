@@ -53,7 +53,9 @@ write_settings() { # the settings document as JSON
 
 # A desktop with something to look at, in a root pixmap as desktops keep it, which compositors paint.
 dress_desktop() {
-    convert -seed 7 -size "$1x$2" -depth 8 plasma:steelblue-wheat -blur 0x2 "$home/desktop.png"
+    # Made small and enlarged: the noise itself is slow to draw.
+    convert -seed 7 -size "$(($1 / 4))x$(($2 / 4))" -depth 8 plasma:steelblue-wheat -blur 0x1 -filter Triangle \
+        -resize "$1x$2!" "$home/desktop.png"
     feh --no-fehbg --bg-fill "$home/desktop.png"
     painted() {
         import -window root "$home/painted.png"
