@@ -83,9 +83,11 @@ bool FloatingDialog::eventFilter(QObject *watched, QEvent *event)
 
 void FloatingDialog::paintEvent(QPaintEvent *)
 {
-    if (!m_translucent)
-        return;
     QPainter painter(this);
+    if (!m_translucent) {
+        painter.fillRect(rect(), m_card->theme().cardSurface()); // behind the card's smoothed corners
+        return;
+    }
     paintShadow(painter, m_card, m_card->theme().dark ? QColor(0, 0, 0, 150) : QColor(15, 23, 42, 52));
 }
 
