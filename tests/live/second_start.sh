@@ -26,12 +26,14 @@ kill -9 "$first"
 wait "$first" 2>/dev/null
 mv "$log" "$home/first.log"
 mkdir "$log"
-"$tavrel" &
-started+=($!)
-shown() { xdotool search --name '^Tavrel' >/dev/null; }
-ready() { timeout 20 "$tavrel" --capture; }
-until_true 30 ready || fail "no start after a kill, or no answer without a log"
+start "$tavrel"
 second=${started[-1]}
+# Until it holds the lock, the next start could become the instance itself.
+holds_lock() { head -n 1 "$XDG_RUNTIME_DIR/org.corvane.tavrel.single.lock" | grep -qx "$second"; }
+until_true 30 holds_lock || fail "no start after a kill"
+shown() { xdotool search --name '^Tavrel' >/dev/null; }
+timeout 20 "$tavrel" --capture
+[ $? -eq 0 ] || fail "no answer from an instance without a log"
 until_true 20 shown || fail "no overlay after a kill"
 xdotool key Escape
 
