@@ -111,10 +111,12 @@ QImage makePicture(const QSize &size)
         QImage::Format_ARGB32_Premultiplied, [](void *owned) { std::free(owned); }, memory);
 }
 
-void copyOpaque(QImage &picture, const quint32 *pixels)
+void copyOpaque(QImage &picture, const quint32 *source, int firstRow, int endRow)
 {
-    const auto count = static_cast<std::size_t>(picture.width()) * static_cast<std::size_t>(picture.height());
-    auto *to = reinterpret_cast<quint32 *>(picture.bits());
+    const auto width = static_cast<std::size_t>(picture.width());
+    const std::size_t count = width * static_cast<std::size_t>(endRow - firstRow);
+    auto *to = reinterpret_cast<quint32 *>(picture.bits()) + width * static_cast<std::size_t>(firstRow);
+    const quint32 *pixels = source + width * static_cast<std::size_t>(firstRow);
     const std::size_t parts = std::min(count / kPixelsPerThread + 1, kMaxThreads);
     const std::size_t share = count / parts;
     std::array<std::thread, kMaxThreads - 1> helpers;

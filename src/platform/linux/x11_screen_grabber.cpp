@@ -13,6 +13,7 @@
 #include <xcb/xfixes.h>
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <utility>
 #include <vector>
@@ -27,6 +28,8 @@ constexpr int kCursorMargin = 64;
 constexpr int kShadowMargin = 48;
 // A window that goes away while a picture is put together leaves a gap that is filled in another round.
 constexpr int kAssemblyRounds = 4;
+constexpr int kBands = 4;
+constexpr int kBandsFrom = 400; ///< rows
 
 /// What Render has to know of a visual.
 struct VisualFormat
@@ -190,7 +193,7 @@ QImage X11ScreenGrabber::Private::fetchAssembled(Slot &slot)
     QImage image = makePicture(slot.pixmapSize);
     if (!x->sync() || image.isNull())
         return {};
-    copyOpaque(image, slot.segment->pixels());
+    copyOpaque(image, slot.segment->pixels(), 0, image.height());
     return image;
 }
 
@@ -209,7 +212,7 @@ QImage X11ScreenGrabber::Private::fetch(Slot &slot, xcb_drawable_t from, const Q
         return {};
     QImage image = makePicture(rect.size());
     if (!image.isNull())
-        copyOpaque(image, reinterpret_cast<const quint32 *>(xcb_get_image_data(reply.get())));
+        copyOpaque(image, reinterpret_cast<const quint32 *>(xcb_get_image_data(reply.get())), 0, image.height());
     return image;
 }
 
@@ -217,16 +220,34 @@ QImage X11ScreenGrabber::Private::fetch(Slot &slot, xcb_drawable_t from, const Q
 /// ready.
 QImage X11ScreenGrabber::Private::fetchShared(const ShmSegment &segment, xcb_drawable_t from, const QRect &rect)
 {
-    const auto [left, top, width, height] = toXcb(rect);
-    const auto asked =
-        xcb_shm_get_image(x->xcb(), from, left, top, width, height, ~0U, XCB_IMAGE_FORMAT_Z_PIXMAP, segment.id(), 0);
+    // In bands, so that the server fetches the next one while this one is copied. Nobody may draw in between, or the
+    // bands would show different moments.
+    const bool isLarge = rect.height() >= kBandsFrom;
+    const int bands = isLarge ? kBands : 1;
+    std::array<xcb_shm_get_image_cookie_t, kBands> asked{};
+    const auto rowOf = [&rect, bands](int band) { return rect.height() * band / bands; };
+    if (isLarge)
+        xcb_grab_server(x->xcb());
+    for (int band = 0; band < bands; ++band) {
+        const auto [left, top, width, height] =
+            toXcb(QRect(rect.left(), rect.top() + rowOf(band), rect.width(), rowOf(band + 1) - rowOf(band)));
+        asked[static_cast<std::size_t>(band)] =
+            xcb_shm_get_image(x->xcb(), from, left, top, width, height, ~0U, XCB_IMAGE_FORMAT_Z_PIXMAP, segment.id(),
+                              static_cast<quint32>(rowOf(band) * rect.width()) * sizeof(quint32));
+    }
+    if (isLarge)
+        xcb_ungrab_server(x->xcb());
     xcb_flush(x->xcb());
     QImage image = makePicture(rect.size());
-    const auto reply = xAnswer<xcb_shm_get_image_reply_t>(x->xcb(), asked, xcb_shm_get_image_reply);
-    if (!reply || image.isNull())
-        return {};
-    copyOpaque(image, segment.pixels());
-    return image;
+    bool isWhole = !image.isNull();
+    for (int band = 0; band < bands; ++band) {
+        const auto reply = xAnswer<xcb_shm_get_image_reply_t>(x->xcb(), asked[static_cast<std::size_t>(band)],
+                                                              xcb_shm_get_image_reply);
+        isWhole = isWhole && reply;
+        if (isWhole)
+            copyOpaque(image, segment.pixels(), rowOf(band), rowOf(band + 1));
+    }
+    return isWhole ? image : QImage();
 }
 
 xcb_render_picture_t X11ScreenGrabber::Private::pictureOf(xcb_drawable_t drawable, xcb_render_pictformat_t format,
