@@ -15,6 +15,7 @@ namespace {
 
 constexpr double kLargestThickness = 10'000;
 constexpr double kSmallestShape = 3.0;
+constexpr double kPaintedMargin = 24.0;
 
 QRectF boxOf(const QList<QPointF> &points)
 {
@@ -57,7 +58,10 @@ void BaseShape::paintSelection(QPainter &painter, const ShapeRenderContext &cont
         paintRoundHandle(painter, handle, context.handleScale);
 }
 
-void BaseShape::setHandle(int, double, double) {}
+int BaseShape::setHandle(int index, double, double)
+{
+    return index;
+}
 
 std::optional<QRectF> BaseShape::bounds() const
 {
@@ -65,6 +69,18 @@ std::optional<QRectF> BaseShape::bounds() const
     if (points.isEmpty())
         return {};
     return boxOf(points);
+}
+
+QRectF BaseShape::paintedBounds() const
+{
+    const auto box = bounds();
+    const double pad = thickness / 2 + kPaintedMargin;
+    return box ? box->adjusted(-pad, -pad, pad, pad) : QRectF();
+}
+
+QRectF BaseShape::grownSince(qsizetype) const
+{
+    return paintedBounds();
 }
 
 void BaseShape::pressAt(double, double) {}

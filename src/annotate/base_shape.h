@@ -41,9 +41,19 @@ public:
     virtual void updateDrag(double startX, double startY, double x, double y) = 0;
     virtual void translate(double dx, double dy) = 0;
     [[nodiscard]] virtual QList<QPointF> handles() const { return {}; }
-    virtual void setHandle(int index, double x, double y);
+    /// Moves a handle and returns the index it has afterwards: the corner of a box that is dragged past the opposite
+    /// corner becomes that one. The default moves nothing.
+    virtual int setHandle(int index, double x, double y);
     /// By default the box of handles(); nothing when there are none.
     [[nodiscard]] virtual std::optional<QRectF> bounds() const;
+    /// All that paint(), paintSelection() and the hover mark may touch at a handle scale of 1; null for everywhere.
+    /// The default grows bounds() by half the thickness and 24 on each side.
+    [[nodiscard]] virtual QRectF paintedBounds() const;
+    /// A count that rises while the shape is only being added to, as a stroke is under the pointer; 0 for shapes that
+    /// change as a whole.
+    [[nodiscard]] virtual qsizetype growth() const { return 0; }
+    /// What looks different since growth() was at an earlier value.
+    [[nodiscard]] virtual QRectF grownSince(qsizetype growth) const;
     /// Told the press point before a move starts.
     virtual void pressAt(double x, double y);
     /// Follows the picture. By default every handle is mapped in order; the handles are read once, before the first

@@ -13,7 +13,6 @@ namespace tavrel {
 namespace {
 
 constexpr double kHoverMargin = 3.0;
-constexpr double kBoundsMargin = 24.0;
 constexpr double kLowestWatermarkOpacity = 0.05;
 constexpr double kSmallestWatermark = 8.0;
 constexpr double kLargestWatermark = 200.0;
@@ -338,10 +337,17 @@ void ShapeDocument::duplicateSelected(double offset)
     commit();
 }
 
-void ShapeDocument::markChanged(const BaseShape *shape)
+void ShapeDocument::markChanged(const BaseShape *shape, ShapeDamage::Change change)
 {
+    m_damage.mark(shape, change);
     if (const auto stored = m_stored.find(shape); stored != m_stored.end())
         stored->isCurrent = false;
+}
+
+void ShapeDocument::markAllChanged()
+{
+    m_stored.clear();
+    m_damage.markAll();
 }
 
 void ShapeDocument::closeGap(const BaseShape::Numbering &removed)
@@ -416,14 +422,14 @@ void ShapeDocument::scaleAll(double factor)
         return;
     for (const ShapePtr &shape : std::as_const(m_shapes))
         shape->scale(factor);
-    m_stored.clear();
+    markAllChanged();
 }
 
 void ShapeDocument::translateAll(double dx, double dy)
 {
     for (const ShapePtr &shape : std::as_const(m_shapes))
         shape->translate(dx, dy);
-    m_stored.clear();
+    markAllChanged();
 }
 
 int ShapeDocument::cropTo(const QRectF &rect)
@@ -442,7 +448,7 @@ int ShapeDocument::cropTo(const QRectF &rect)
     }
     for (BaseShape *shape : std::as_const(outside))
         takeOut(shape);
-    m_stored.clear();
+    markAllChanged();
     return static_cast<int>(outside.size());
 }
 
@@ -450,21 +456,21 @@ void ShapeDocument::rotateAllCW(double imageHeight)
 {
     for (const ShapePtr &shape : std::as_const(m_shapes))
         shape->transformRotate90(imageHeight);
-    m_stored.clear();
+    markAllChanged();
 }
 
 void ShapeDocument::rotateAllCCW(double imageWidth)
 {
     for (const ShapePtr &shape : std::as_const(m_shapes))
         shape->transformRotate90CCW(imageWidth);
-    m_stored.clear();
+    markAllChanged();
 }
 
 void ShapeDocument::flipAllH(double imageWidth)
 {
     for (const ShapePtr &shape : std::as_const(m_shapes))
         shape->transformFlipH(imageWidth);
-    m_stored.clear();
+    markAllChanged();
 }
 
 // --- state -----------------------------------------------------------------------------------------------------------
@@ -588,9 +594,15 @@ void ShapeDocument::loadState(const QString &shapes, const QString &counters, co
 
 void ShapeDocument::paintShapes(QPainter &painter, const ShapeRenderContext &context) const
 {
+    const auto isExposed = [&context](const BaseShape &shape) {
+        if (context.exposed.isNull())
+            return true;
+        const QRectF painted = shape.paintedBounds();
+        return painted.isNull() || painted.intersects(context.exposed);
+    };
     QList<const BaseShape *> spotlights;
     for (const ShapePtr &shape : m_shapes) {
-        if (shape->isEffect())
+        if (shape->isEffect() && isExposed(*shape))
             shape->paint(painter, context);
         else if (shape->type() == ToolType::Spotlight)
             spotlights.append(shape.get());
@@ -598,7 +610,7 @@ void ShapeDocument::paintShapes(QPainter &painter, const ShapeRenderContext &con
     ShapeRenderContext withSpotlights = context;
     withSpotlights.spotlights = &spotlights;
     for (const ShapePtr &shape : m_shapes) {
-        if (!shape->isEffect())
+        if (!shape->isEffect() && isExposed(*shape))
             shape->paint(painter, withSpotlights);
     }
 }
@@ -630,13 +642,14 @@ void ShapeDocument::paintHoverMark(QPainter &painter, const ShapeRenderContext &
 QRectF ShapeDocument::boundsPadded() const
 {
     QRectF all;
-    for (const ShapePtr &shape : m_shapes) {
-        if (const auto bounds = shape->bounds()) {
-            const double pad = shape->thickness / 2 + kBoundsMargin;
-            all |= bounds->adjusted(-pad, -pad, pad, pad);
-        }
-    }
+    for (const ShapePtr &shape : m_shapes)
+        all |= shape->paintedBounds();
     return all;
+}
+
+QList<QRectF> ShapeDocument::takeDamage()
+{
+    return m_damage.take(m_shapes, m_hovered);
 }
 
 QList<QPair<QRect, EraseSolver>> ShapeDocument::eraseRegions(double imageScale, const QPointF &origin) const

@@ -3,6 +3,7 @@
 #include "annotate/base_shape.h"
 #include "annotate/outline_glow.h"
 #include "annotate/shape_attributes.h"
+#include "annotate/shape_damage.h"
 #include "annotate/shape_factory.h"
 #include "annotate/shape_history.h"
 #include "annotate/shape_render_context.h"
@@ -132,7 +133,7 @@ public:
     /// offset  in logical units; a text being edited is not duplicated
     void duplicateSelected(double offset);
     /// Tells that a shape was changed from outside, so that the next commit writes it anew.
-    void markChanged(const BaseShape *shape);
+    void markChanged(const BaseShape *shape, ShapeDamage::Change change = ShapeDamage::Change::Whole);
 
     /// 1 to 999 for the selected number, or for the next one when none is selected; whether anything changed.
     bool setSequenceValue(int value);
@@ -175,6 +176,8 @@ public:
     void paintShapes(QPainter &painter, const ShapeRenderContext &context) const;
     /// All that paint() may touch.
     [[nodiscard]] QRectF boundsPadded() const;
+    /// The places that look different since the last call; a null rectangle stands for everywhere.
+    [[nodiscard]] QList<QRectF> takeDamage();
     /// Pixel boxes of all erased places with their solvers.
     ///
     /// imageScale  device pixels per unit
@@ -208,6 +211,7 @@ private:
     void resetInteraction();
     void paintHoverMark(QPainter &painter, const ShapeRenderContext &context) const;
     void loadWatermarkFields();
+    void markAllChanged();
 
     const ShapeFactory *m_factory;
     QList<ShapePtr> m_shapes;
@@ -219,6 +223,7 @@ private:
     /// Bytes that prove equal after writing anew are kept, so that undo states go on sharing them.
     mutable QHash<const BaseShape *, StoredShape> m_stored;
     mutable GlowCache m_glow;
+    ShapeDamage m_damage;
     ShapeHistory m_history;
     ShapeAttributes m_attributes;
     ToolType m_tool = ToolType::None;

@@ -185,7 +185,7 @@ void ShapeDocument::eraseAt(double x, double y)
 void ShapeDocument::move(double startX, double startY, double x, double y, bool shift)
 {
     if (m_activeHandle >= 0 && m_selected) {
-        m_selected->setHandle(m_activeHandle, x, y);
+        m_activeHandle = m_selected->setHandle(m_activeHandle, x, y);
         m_moved = m_moved || x != startX || y != startY;
         markChanged(m_selected);
     } else if (m_dragging && m_selected) {
@@ -197,16 +197,17 @@ void ShapeDocument::move(double startX, double startY, double x, double y, bool 
     } else if (m_tool == ToolType::Eraser) {
         eraseAt(x, y);
     } else if (m_creating && m_selected) {
-        markChanged(m_selected);
         if (shift && keepsSquareWithShift(m_tool)) {
             const double side = std::max(std::abs(x - startX), std::abs(y - startY));
             x = startX + signOf(x - startX) * side;
             y = startY + signOf(y - startY) * side;
         } else if (shift && (m_tool == ToolType::Pen || m_tool == ToolType::Marker) &&
                    m_selected->straighten({startX, startY}, {x, y})) {
+            markChanged(m_selected);
             return;
         }
         m_selected->updateDrag(startX, startY, x, y);
+        markChanged(m_selected, m_selected->growth() > 0 ? ShapeDamage::Change::Grown : ShapeDamage::Change::Whole);
     }
 }
 

@@ -1,7 +1,10 @@
 #include "annotate/shape_factory.h"
 
+#include "annotate/arrow_shape.h"
 #include "annotate/base_shape.h"
+#include "annotate/path_shape.h"
 #include "annotate/stroke_points.h"
+#include "annotate/vector_shapes.h"
 #include "base/json_read.h"
 
 #include <QJsonDocument>
@@ -48,7 +51,29 @@ std::shared_ptr<BaseShape> ShapeFactory::read(const QByteArray &json) const
 
 const ShapeFactory &ShapeFactory::standard()
 {
-    static const ShapeFactory factory;
+    static const ShapeFactory factory = [] {
+        ShapeFactory made;
+        made.add<RectShape>(ToolType::Rect);
+        made.add<CircleShape>(ToolType::Circle);
+        made.add<LineShape>(ToolType::Line);
+        made.add<ArrowShape>(ToolType::Arrow);
+        const auto makeStroke = [](ToolType type) { return std::make_shared<PathShape>(type); };
+        made.add(
+            ToolType::Pen, [makeStroke](const ShapeAttributes &) { return makeStroke(ToolType::Pen); },
+            [makeStroke](const QJsonObject &) { return makeStroke(ToolType::Pen); });
+        const auto makeMarker = [makeStroke](bool isBox) -> std::shared_ptr<BaseShape> {
+            if (isBox)
+                return std::make_shared<MarkerRectShape>();
+            return makeStroke(ToolType::Marker);
+        };
+        made.add(
+            ToolType::Marker,
+            [makeMarker](const ShapeAttributes &attributes) { return makeMarker(attributes.markerRectMode); },
+            [makeMarker](const QJsonObject &stored) {
+                return makeMarker(readBool(stored, QStringLiteral("markerRect"), false));
+            });
+        return made;
+    }();
     return factory;
 }
 

@@ -24,6 +24,14 @@ public:
     using ForStored = std::function<std::shared_ptr<BaseShape>(const QJsonObject &)>;
 
     void add(ToolType type, ForTool forTool, ForStored forStored);
+    /// A kind with one class.
+    template <typename Shape>
+    void add(ToolType type)
+    {
+        add(
+            type, [](const ShapeAttributes &) { return std::make_shared<Shape>(); },
+            [](const QJsonObject &) { return std::make_shared<Shape>(); });
+    }
 
     /// A new shape for a tool with its attributes taken; null for a tool that makes none.
     [[nodiscard]] std::shared_ptr<BaseShape> create(ToolType tool, const ShapeAttributes &attributes) const;

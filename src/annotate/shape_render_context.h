@@ -23,6 +23,8 @@ struct ShapeRenderContext
     double handleScale = 1.0;
     /// Area that spotlight, watermark and magnifier may fill; see canvasOrEverything().
     QRectF canvasBounds;
+    /// What has to be painted, so that shapes outside it can be left out; null for everything.
+    QRectF exposed;
     /// Where shapes may show; null for everywhere. Handles and glows are painted outside it too.
     QRectF contentClip;
 

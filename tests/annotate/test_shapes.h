@@ -37,10 +37,11 @@ public:
             return {};
         return {box.topLeft(), box.topRight(), box.bottomRight(), box.bottomLeft()};
     }
-    void setHandle(int index, double x, double y) override
+    int setHandle(int index, double x, double y) override
     {
         const QPointF opposite = handles().at((index + 2) % 4);
         updateDrag(x, y, opposite.x(), opposite.y());
+        return index;
     }
     void pressAt(double x, double y) override { pressed = {x, y}; }
     void transform(const ImageTransform &transform) override { box = transform.mapBox(box); }
