@@ -1,5 +1,6 @@
 #include "overlay/capture_overlay.h"
 
+#include "overlay/element_probe.h"
 #include "overlay/overlay_renderer.h"
 #include "overlay/panel_placement.h"
 #include "overlay/selection_geometry.h"
@@ -18,6 +19,7 @@ namespace {
 constexpr double kSmallestBand = 4;     ///< a shorter drag is a click
 constexpr double kHandleTolerance = 15; ///< of the handles of shapes
 constexpr int kToastMs = 2000;
+constexpr int kGestureSlowness = 4; ///< of a zoom gesture that walks the hovered rectangle
 
 Qt::CursorShape cursorOfHit(int hit)
 {
@@ -48,6 +50,7 @@ CaptureOverlay::CaptureOverlay(const platform::CapturedDisplay &display, const S
       m_display(display),
       m_config(config),
       m_picture(display.image),
+      m_livePicture(m_picture.image().cacheKey()),
       m_colorFormat(config.colorFormat)
 {
     setAttribute(Qt::WA_TranslucentBackground);
@@ -65,7 +68,8 @@ CaptureOverlay::CaptureOverlay(const platform::CapturedDisplay &display, const S
         m_toast.clear();
         scheduleUpdate();
     });
-    setDetection({});
+    connect(&m_hover, &HoverTracker::changed, this, &CaptureOverlay::scheduleUpdate);
+    refreshHoverScene();
     rebuildHints();
 }
 
@@ -84,16 +88,38 @@ void CaptureOverlay::setWindowController(std::shared_ptr<platform::IWindowContro
     m_windowController = std::move(controller);
 }
 
-void CaptureOverlay::setDetection(const QList<platform::WindowInfo> &windows)
+void CaptureOverlay::setDetection(const QList<platform::WindowInfo> &windows, ElementProbe *probe)
 {
     m_windows = windows;
-    m_windowFinder =
-        std::make_unique<WindowHoverFinder>(windows, m_display.geometry.topLeft() - m_picture.origin(), area());
+    connectProbe(probe);
+    refreshHoverScene();
 }
 
-void CaptureOverlay::setHoverFinder(std::unique_ptr<IHoverFinder> finder)
+void CaptureOverlay::connectProbe(ElementProbe *probe)
 {
-    m_hoverFinder = std::move(finder);
+    if (m_probe)
+        disconnect(m_probe, nullptr, this, nullptr);
+    m_probe = probe;
+    if (!probe) {
+        m_hover.setElementSource({});
+        return;
+    }
+    connect(probe, &ElementProbe::ready, this,
+            [this](const QPointF &global, qint64 processId, const QList<QRectF> &chain) {
+                if (isVisible() && !hasSelection())
+                    m_hover.takeElements(global, processId, chain);
+            });
+    m_hover.setElementSource([this](const QPointF &global, qint64 processId) {
+        // A picture of the past does not show the elements of now.
+        if (m_probe && m_picture.image().cacheKey() == m_livePicture)
+            m_probe->request(global, processId);
+    });
+}
+
+void CaptureOverlay::refreshHoverScene()
+{
+    m_hover.setPicture(m_picture.image(), m_picture.origin());
+    m_hover.setSurroundings(m_windows, globalOrigin(), area());
 }
 
 void CaptureOverlay::setPickMode(bool pick)
@@ -160,9 +186,12 @@ void CaptureOverlay::mousePressEvent(QMouseEvent *event)
 {
     m_pointer = pointOf(*event);
     m_pointerInside = true;
-    if (event->button() == Qt::LeftButton)
+    if (event->button() == Qt::LeftButton) {
+        if (m_mode == OverlayMode::Idle && isHovering())
+            updateHover(m_pointer); // a press need not follow a move
         pressLeft(m_pointer);
-    else if (event->button() == Qt::RightButton)
+    }
+    if (event->button() == Qt::RightButton)
         pressRight();
     updateCursor(m_pointer);
     scheduleUpdate();
@@ -285,7 +314,7 @@ void CaptureOverlay::endSelecting()
 {
     changeMode(OverlayMode::Idle);
     if (m_selection.width() >= kSmallestBand && m_selection.height() >= kSmallestBand) {
-        m_hover = {};
+        m_hover.clear();
         layoutPanels();
         consumeArmedStarts();
         if (m_pickMode)
@@ -294,8 +323,7 @@ void CaptureOverlay::endSelecting()
     }
     // A click takes what is under the pointer.
     m_selection = {};
-    updateHover(m_pointer);
-    const QRectF hover = m_hover;
+    const QRectF hover = m_hover.target();
     if (hover.isEmpty())
         return;
     Q_EMIT selectionStarted();
@@ -331,7 +359,7 @@ void CaptureOverlay::enterEvent(QEnterEvent *event)
 void CaptureOverlay::leaveEvent(QEvent *event)
 {
     m_pointerInside = false;
-    m_hover = {};
+    m_hover.clear();
     m_document.setHovered(nullptr);
     scheduleUpdate();
     QWidget::leaveEvent(event);
@@ -341,7 +369,7 @@ void CaptureOverlay::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
     m_painted.everything = true;
-    setDetection(m_windows);
+    refreshHoverScene();
     layoutPanels();
 }
 
@@ -358,7 +386,7 @@ void CaptureOverlay::clearSelection()
 
 void CaptureOverlay::setSelectionRect(const QRectF &rect)
 {
-    m_hover = {};
+    m_hover.clear();
     m_selection = rect.intersected(area());
     changeMode(OverlayMode::Idle);
     layoutPanels();
@@ -374,18 +402,32 @@ QRect CaptureOverlay::globalSelectionRect() const
 
 void CaptureOverlay::updateHover(const QPointF &point)
 {
-    m_hover = {};
     m_document.setHovered(nullptr);
-    if (hasSelection()) {
-        if (hasTool()) {
-            const QPointF inside = inPicture(point);
-            m_document.setHovered(m_document.pickAt(inside.x(), inside.y()));
-        }
-        return;
+    if (hasSelection() && hasTool()) {
+        const QPointF inside = inPicture(point);
+        m_document.setHovered(m_document.pickAt(inside.x(), inside.y()));
     }
-    if (hasTool() || !m_config.autoDetectWindow)
-        return;
-    m_hover = m_hoverFinder ? m_hoverFinder->rectAt(point) : m_windowFinder->rectAt(point);
+    if (isHovering() && m_config.autoDetectWindow)
+        m_hover.update(point);
+    else
+        m_hover.clear();
+}
+
+void CaptureOverlay::wheelEvent(QWheelEvent *event)
+{
+    if (isHovering())
+        m_hover.wheel(*event, m_config.wheelZoomReversed);
+    event->accept();
+}
+
+bool CaptureOverlay::event(QEvent *event)
+{
+    if (event->type() == QEvent::NativeGesture) {
+        const auto *gesture = static_cast<QNativeGestureEvent *>(event);
+        if (gesture->gestureType() == Qt::ZoomNativeGesture && isHovering())
+            m_hover.walkSmoothly(gestureValue(gesture->value()) / kGestureSlowness);
+    }
+    return QWidget::event(event);
 }
 
 void CaptureOverlay::updateCursor(const QPointF &point)
@@ -456,7 +498,7 @@ std::optional<platform::WindowInfo> CaptureOverlay::windowUnderSelection() const
 {
     if (!hasSelection())
         return {};
-    const platform::WindowInfo *window = m_windowFinder->windowAt(m_selection.center());
+    const platform::WindowInfo *window = windowAt(m_windows, m_selection.center() + globalOrigin());
     return window ? std::optional(*window) : std::nullopt;
 }
 
@@ -504,13 +546,14 @@ void CaptureOverlay::loadSnapshot(const OverlaySnapshot &snapshot)
 {
     if (snapshot.image.isNull())
         return;
-    m_hover = {};
+    m_hover.clear();
     const double ratio = snapshot.image.devicePixelRatio();
     const QSizeF logical = QSizeF(snapshot.image.size()) / ratio;
     const bool covers = std::abs(logical.width() - width()) < 1 && std::abs(logical.height() - height()) < 1;
     m_picture = OverlayPicture(snapshot.image,
                                covers ? QPointF() : centredOrigin(logical, QSizeF(size()), devicePixelRatioF()));
-    setDetection(snapshot.windows);
+    m_windows = snapshot.windows;
+    refreshHoverScene();
     m_document.loadState(snapshot.shapesJson, snapshot.countersJson, snapshot.undoStack, snapshot.undoIndex);
     m_document.setTool(ToolType::None);
     changeMode(OverlayMode::Idle);

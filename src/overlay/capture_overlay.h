@@ -1,7 +1,7 @@
 #pragma once
 
 #include "annotate/shape_document.h"
-#include "overlay/hover_finder.h"
+#include "overlay/hover_tracker.h"
 #include "overlay/magnifier.h"
 #include "overlay/overlay_hints.h"
 #include "overlay/overlay_mode.h"
@@ -28,6 +28,8 @@ class IWindowController;
 
 namespace tavrel::ui {
 
+class ElementProbe;
+
 /// Stands over one display from the end of the grab until a result leaves it: selection, keys, annotations.
 ///
 /// It never saves or copies by itself: it renders the result and raises a signal. One overlay serves one display at one
@@ -45,10 +47,11 @@ public:
 
     void setConfig(const SettingsConfig &config);
     void setWindowController(std::shared_ptr<platform::IWindowController> controller);
-    /// Takes the top-level windows, top-most first, that a click may take.
-    void setDetection(const QList<platform::WindowInfo> &windows);
-    /// In place of the windows; null goes back to them.
-    void setHoverFinder(std::unique_ptr<IHoverFinder> finder);
+    /// windows  the top-level ones, top-most first, that a click may take
+    /// probe    asked for the elements in them; may be null
+    void setDetection(const QList<platform::WindowInfo> &windows, ElementProbe *probe = nullptr);
+    /// Whether the frame of the hovered rectangle glides; true at first.
+    void setHoverAnimated(bool animated) { m_hover.setAnimated(animated); }
     /// The selection itself becomes the result: no panels, the release of the button ends it.
     void setPickMode(bool pick);
     void setRecordPrefs(const record::RecordPrefs &prefs) { m_recordPrefs = prefs; }
@@ -74,7 +77,8 @@ public:
     [[nodiscard]] bool hasSelection() const { return !m_selection.isEmpty(); }
     [[nodiscard]] QRect globalSelectionRect() const;
     [[nodiscard]] OverlayMode mode() const { return m_mode; }
-    [[nodiscard]] QRectF hoverRect() const { return m_hover; }
+    /// What a click takes while nothing is selected; null for nothing.
+    [[nodiscard]] QRectF hoverRect() const { return m_hover.target(); }
     [[nodiscard]] ShapeDocument &document() { return m_document; }
     /// The window under the middle of the selection.
     [[nodiscard]] std::optional<platform::WindowInfo> windowUnderSelection() const;
@@ -116,7 +120,9 @@ protected:
     void enterEvent(QEnterEvent *event) override;
     void leaveEvent(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    bool event(QEvent *event) override;
 
 private:
     // selection
@@ -132,7 +138,12 @@ private:
     [[nodiscard]] QRectF area() const;
     [[nodiscard]] QPointF inPicture(const QPointF &point) const { return point - m_picture.origin(); }
     [[nodiscard]] bool hasTool() const { return m_document.tool() != ToolType::None; }
+    /// Nothing selected and no tool: the pointer is over what a click would take.
+    [[nodiscard]] bool isHovering() const { return !hasSelection() && !hasTool(); }
     void updateHover(const QPointF &point);
+    void refreshHoverScene();
+    void connectProbe(ElementProbe *probe);
+    [[nodiscard]] QPointF globalOrigin() const { return m_display.geometry.topLeft() - m_picture.origin(); }
     void updateCursor(const QPointF &point);
     void layoutPanels();
     void consumeArmedStarts();
@@ -166,8 +177,7 @@ private:
     OverlayPicture m_picture;
     ShapeDocument m_document;
     QList<platform::WindowInfo> m_windows;
-    std::unique_ptr<WindowHoverFinder> m_windowFinder;
-    std::unique_ptr<IHoverFinder> m_hoverFinder;
+    QPointer<ElementProbe> m_probe;
     std::shared_ptr<platform::IWindowController> m_windowController;
     record::RecordPrefs m_recordPrefs;
     QPointer<QWidget> m_toolbar;
@@ -188,7 +198,8 @@ private:
     QPointF m_pointer;
     bool m_pointerInside = false;
     bool m_pickMode = false;
-    QRectF m_hover;
+    HoverTracker m_hover;
+    qint64 m_livePicture; ///< cache key of the picture that shows the screen of now
     QString m_colorFormat;
 
     QString m_toast;

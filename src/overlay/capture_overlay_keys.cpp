@@ -83,6 +83,10 @@ bool CaptureOverlay::handlePlainKey(const KeyCombo &combo, int key)
         scheduleUpdate();
         return true;
     }
+    if (key == Qt::Key_Space && isHovering()) {
+        m_hover.toggleWindow();
+        return true;
+    }
     if (combo == KeyCombo{.key = Qt::Key_C} && m_pointerInside && !hasTool() && m_picture.hasPixelAt(m_pointer)) {
         copyColor();
         return true;

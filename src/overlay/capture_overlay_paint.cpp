@@ -44,7 +44,7 @@ void CaptureOverlay::paintEvent(QPaintEvent *event)
     if (hasSelection())
         paintSelection(painter);
     else if (isTouched(now.hover))
-        paintRectOutline(painter, m_hover, 1.0);
+        paintRectOutline(painter, shownHover(), 1.0);
     if (isTouched(now.hint))
         m_hints.paint(painter, hintBox().topLeft());
     if (isTouched(now.magnifier))
@@ -85,7 +85,7 @@ QRectF CaptureOverlay::shapesBox() const
 
 QRectF CaptureOverlay::shownHover() const
 {
-    return hasSelection() || m_mode == OverlayMode::Selecting ? QRectF() : m_hover;
+    return hasSelection() || m_mode == OverlayMode::Selecting ? QRectF() : m_hover.shown();
 }
 
 QString CaptureOverlay::sizeText() const
@@ -126,7 +126,7 @@ QRectF CaptureOverlay::hintBox() const
     const auto isPanelOver = [&](const QWidget *panel) {
         return panel && panel->isVisible() && isCovered(QRectF(panel->geometry()));
     };
-    if (box.top() < 0 || isCovered(m_selection) || isCovered(m_hover) || isPanelOver(m_toolbar) ||
+    if (box.top() < 0 || isCovered(m_selection) || isCovered(m_hover.target()) || isPanelOver(m_toolbar) ||
         isPanelOver(m_attributeBar))
         return {};
     return box;

@@ -4,7 +4,8 @@ namespace tavrel::ui {
 namespace {
 
 constexpr int kGrow = 2;
-constexpr int kFrame = 18; ///< how far the marks of a selection reach to either side of its edge
+constexpr int kFrame = 18;      ///< how far the marks of a selection reach to either side of its edge
+constexpr int kHoverFrame = 10; ///< how far inside the region of a hovered rectangle its outline can stand
 
 QRect grown(const QRectF &rect, int by)
 {
@@ -47,7 +48,17 @@ QRegion dirtyRegion(const PaintedRegions &before, const PaintedRegions &now, con
         dirty += QRegion(grown(before.selectionRect, 1)).xored(grown(now.selectionRect, 1));
     }
     addBoth(&PaintedRegions::sizeLabel);
-    addChanged(&PaintedRegions::hover);
+    if (before.hover.isNull() || now.hover.isNull()) {
+        addChanged(&PaintedRegions::hover);
+    } else if (before.hover != now.hover) {
+        // A gliding frame: inside both rectangles the picture stays as it is.
+        const QRect from = grown(before.hover, kGrow);
+        const QRect to = grown(now.hover, kGrow);
+        const auto inside = [](const QRect &rect) {
+            return QRegion(rect.adjusted(kHoverFrame, kHoverFrame, -kHoverFrame, -kHoverFrame));
+        };
+        dirty += QRegion(from).united(to).subtracted(inside(from).intersected(inside(to)));
+    }
     addBoth(&PaintedRegions::magnifier);
     addBoth(&PaintedRegions::toast);
     if (before.hint != now.hint || before.hintKey != now.hintKey)

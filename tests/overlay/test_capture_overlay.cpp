@@ -7,6 +7,7 @@
 #include <QMouseEvent>
 #include <QRandomGenerator>
 #include <QSignalSpy>
+#include <QWheelEvent>
 
 using namespace tavrel;
 using ui::CaptureOverlay;
@@ -92,7 +93,7 @@ private Q_SLOTS:
         QCOMPARE(m_overlay->windowUnderSelection()->title, QStringLiteral("large"));
 
         m_overlay->clearSelection();
-        drag(*m_overlay, {60, 70}, {63, 170}); // a band of 3 is a click
+        drag(*m_overlay, {60, 170}, {63, 270}); // a band of 3 is a click
         QCOMPARE(m_overlay->selection(), QRectF(-40, 20, 400, 300).intersected(QRectF(m_overlay->rect())));
 
         m_overlay->clearSelection();
@@ -102,6 +103,10 @@ private Q_SLOTS:
 
     void aClickOnNothingSelectsNothing()
     {
+        platform::CapturedDisplay flat = captured();
+        flat.image.fill(Qt::gray);
+        m_overlay = std::make_unique<CaptureOverlay>(flat, SettingsConfig());
+        m_overlay->show();
         drag(*m_overlay, {60, 70}, {60, 70});
         QVERIFY(!m_overlay->hasSelection());
         QCOMPARE(m_overlay->mode(), OverlayMode::Idle);
@@ -318,6 +323,68 @@ private Q_SLOTS:
         QCOMPARE(picked.first().first().toRect(), QRect(50, 60, 100, 80));
     }
 
+    void theWheelAndSpaceChooseWhatAClickTakes()
+    {
+        m_overlay->setHoverAnimated(false);
+        m_overlay->setDetection({window({50, 60, 200, 180}, QStringLiteral("a"))});
+        const QRectF screen(m_overlay->rect());
+        QTest::mouseMove(m_overlay.get(), {60, 70});
+        QCOMPARE(m_overlay->hoverRect(), QRectF(50, 60, 200, 180));
+        const auto notch = [this](int angle, const QPoint &pixels = {}) {
+            QWheelEvent event({60, 70}, {60, 70}, pixels, {0, angle}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase,
+                              false);
+            QApplication::sendEvent(m_overlay.get(), &event);
+        };
+        notch(120, {0, 30});
+        QCOMPARE(m_overlay->hoverRect(), screen); // motion counts at once
+        notch(-120);
+        QCOMPARE(m_overlay->hoverRect(), screen); // notches when the wheel rests
+        QTRY_COMPARE(m_overlay->hoverRect(), QRectF(50, 60, 200, 180));
+        notch(120, {0, 30});
+        QTest::keyClick(m_overlay.get(), Qt::Key_Space);
+        QCOMPARE(m_overlay->hoverRect(), QRectF(50, 60, 200, 180));
+        notch(120, {0, 30});
+        drag(*m_overlay, {60, 70}, {60, 70});
+        QCOMPARE(m_overlay->selection(), screen);
+        QVERIFY(m_overlay->hoverRect().isNull());
+        notch(-120, {0, -30}); // not the selection's business
+        QCOMPARE(m_overlay->selection(), screen);
+    }
+
+    void aClickTakesTheTargetNotTheGlidingFrame()
+    {
+        m_overlay->setDetection(
+            {window({50, 60, 200, 180}, QStringLiteral("a")), window({300, 60, 200, 180}, QStringLiteral("b"))});
+        QTest::mouseMove(m_overlay.get(), {60, 70});
+        drag(*m_overlay, {310, 70}, {310, 70});
+        QCOMPARE(m_overlay->selection(), QRectF(300, 60, 200, 180));
+    }
+
+    void aPictureHasBoxesOfItsOwn()
+    {
+        platform::CapturedDisplay display = captured();
+        const double ratio = display.devicePixelRatio;
+        display.image.fill(Qt::white);
+        for (int y = qRound(100 * ratio); y < qRound(200 * ratio); ++y) {
+            for (int x = qRound(120 * ratio); x < qRound(320 * ratio); ++x)
+                display.image.setPixel(x, y, qRgb(20, 60, 120));
+        }
+        m_overlay = std::make_unique<CaptureOverlay>(display, SettingsConfig());
+        m_overlay->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_overlay.get()));
+        QTest::mouseMove(m_overlay.get(), {200, 150});
+        QTRY_COMPARE(m_overlay->hoverRect(), QRectF(120, 100, 200, 100));
+        OverlaySnapshot flat = m_overlay->snapshot();
+        flat.image.fill(Qt::white);
+        const OverlaySnapshot live = m_overlay->snapshot();
+        m_overlay->loadSnapshot(flat);
+        QTest::mouseMove(m_overlay.get(), {200, 151});
+        QVERIFY(m_overlay->hoverRect().isNull());
+        m_overlay->loadSnapshot(live);
+        QTest::mouseMove(m_overlay.get(), {200, 150});
+        QTRY_COMPARE(m_overlay->hoverRect(), QRectF(120, 100, 200, 100));
+    }
+
     void windowsStayOpenToClicksOnlyWhenAsked()
     {
         SettingsConfig config;
@@ -415,7 +482,7 @@ private Q_SLOTS:
         other.selection = {20, 20, 200, 100};
         const OverlaySnapshot live = m_overlay->snapshot();
         for (int step = 0; step < 300; ++step) {
-            const quint32 action = random.bounded(24U);
+            const quint32 action = random.bounded(27U);
             if (action < 11) {
                 const int reach = action < 6 ? 3 : 40; // a slow move does not reach over the marks
                 at += QPoint(random.bounded(-reach, reach + 1), random.bounded(-reach, reach + 1));
@@ -441,8 +508,16 @@ private Q_SLOTS:
                 m_overlay->moveToolbar(point());
             } else if (action == 23 && !held && random.bounded(4U) == 0) {
                 m_overlay->loadSnapshot(random.bounded(2U) == 0 ? other : live);
+            } else if (action == 24) {
+                QTest::keyClick(m_overlay.get(), Qt::Key_Space);
+            } else if (action > 24) {
+                QWheelEvent event(at, at, {0, action == 25 ? 30 : -30}, {}, Qt::NoButton, Qt::NoModifier,
+                                  Qt::NoScrollPhase, false);
+                QApplication::sendEvent(m_overlay.get(), &event);
             }
             QCoreApplication::processEvents();
+            QEvent pending(QEvent::UpdateRequest); // the frame glides: a tick may have asked for a repaint just now
+            QApplication::sendEvent(m_overlay.get(), &pending);
             const auto *store = dynamic_cast<const QImage *>(m_overlay->backingStore()->paintDevice());
             QVERIFY(store);
             const QImage shown = store->convertToFormat(QImage::Format_RGB32);

@@ -1,5 +1,4 @@
 #include "annotate/shape_factory.h"
-#include "overlay/hover_finder.h"
 #include "overlay/magnifier.h"
 #include "overlay/overlay_hints.h"
 #include "overlay/overlay_marks.h"
@@ -197,18 +196,6 @@ private Q_SLOTS:
         while (right < shown.width() && qRed(shown.pixel(right, middle)) > 10)
             ++right;
         QVERIFY(right - 16 >= rowHeight);
-    }
-
-    void windowsAreTakenTopMostFirstAndHalfOpen()
-    {
-        platform::WindowInfo left;
-        left.geometry = QRectF(1000, 0, 100, 100);
-        platform::WindowInfo right;
-        right.geometry = QRectF(1100, -50, 100, 400);
-        const WindowHoverFinder finder({left, right}, QPointF(1000, 0), QRectF(0, 0, 150, 150));
-        QCOMPARE(finder.rectAt({99.5, 50}), QRectF(0, 0, 100, 100));
-        QCOMPARE(finder.rectAt({100, 50}), QRectF(100, 0, 50, 150));
-        QCOMPARE(finder.rectAt({50, 100}), QRectF());
     }
 
     void theResultHasThePixelsBetweenTheRoundedEdges()
