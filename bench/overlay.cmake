@@ -1,1 +1,2 @@
 tavrel_bench(overlay paint USES overlay_ui QT Widgets)
+tavrel_bench(overlay hover USES overlay_ui QT Widgets)

@@ -198,7 +198,7 @@ private:
     QPointF m_pointer;
     bool m_pointerInside = false;
     bool m_pickMode = false;
-    HoverTracker m_hover;
+    HoverTracker m_hover{hostClockMs, this};
     qint64 m_livePicture; ///< cache key of the picture that shows the screen of now
     QString m_colorFormat;
 

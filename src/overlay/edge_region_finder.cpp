@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <vector>
 
 namespace tavrel::ui {
 namespace {
@@ -11,6 +12,9 @@ constexpr int kLongestSide = 900; ///< of the grid, in cells
 constexpr int kSmallestCell = 2;
 constexpr int kEdgeStep = 14; ///< of luminance; a larger one is an edge
 constexpr int kOpenPercent = 55;
+/// Cells. An edge shows in the cell that it runs through and, as the step over two cells, in both that follow; a box
+/// that grows towards the origin therefore ends up to two cells before it.
+constexpr int kReachBefore = 2;
 constexpr int kGrowPasses = 10;
 constexpr int kRounds = 40;
 constexpr int kSmallestBox = 16; ///< device pixels
@@ -142,15 +146,22 @@ EdgeRegionFinder::Box EdgeRegionFinder::pixelsOf(const Box &cells) const
 
 int EdgeRegionFinder::strongestRow(int y, const Span &columns) const
 {
+    const int start = std::max(0, y - kReachBefore * m_cell);
     const int end = std::min(y + m_cell, m_image.height());
+    const auto width = static_cast<std::size_t>(columns.last - columns.first + 1);
+    std::vector<int> above(width);
+    std::transform(rowOf(m_image, start) + columns.first, rowOf(m_image, start) + columns.last + 1, above.begin(),
+                   luma);
     int found = -1;
     int strongest = 0;
-    for (int row = std::max(0, y - m_cell - 2) + 1; row < end; ++row) {
-        const QRgb *above = rowOf(m_image, row - 1);
-        const QRgb *here = rowOf(m_image, row);
+    for (int row = start + 1; row < end; ++row) {
+        const QRgb *pixels = rowOf(m_image, row) + columns.first;
         int sum = 0;
-        for (int x = columns.first; x <= columns.last; ++x)
-            sum += std::abs(luma(here[x]) - luma(above[x]));
+        for (std::size_t i = 0; i < width; ++i) {
+            const int here = luma(pixels[i]);
+            sum += std::abs(here - above[i]);
+            above[i] = here;
+        }
         if (sum > strongest) {
             strongest = sum;
             found = row;
@@ -161,7 +172,7 @@ int EdgeRegionFinder::strongestRow(int y, const Span &columns) const
 
 int EdgeRegionFinder::strongestColumn(int x, const Span &rows) const
 {
-    const int start = std::max(0, x - m_cell - 2);
+    const int start = std::max(0, x - kReachBefore * m_cell);
     const int end = std::min(x + m_cell, m_image.width());
     if (end - start < 2)
         return -1;
