@@ -23,8 +23,9 @@ AppController::AppController(SettingsStore &settings, Deps deps, QObject *parent
     : QObject(parent),
       m_settings(settings),
       m_deps(withDefaultServices(std::move(deps))),
+      m_probe(m_deps.elementDetector),
       m_flow({*m_deps.screenCapturer, m_deps.windowController, m_deps.elementDetector, settings, *m_deps.history,
-              m_notices, m_deps.cursorPosition}),
+              m_notices, m_deps.cursorPosition, &m_probe}),
       m_results(settings, m_notices, m_deps.clipboard),
       m_hotkeys(*m_deps.globalHotkey)
 {

@@ -8,6 +8,7 @@
 #include "app/tray_menu.h"
 #include "cloud/cloud_service.h"
 #include "net/feedback_service.h"
+#include "overlay/element_probe.h"
 #include "platform/auto_start.h"
 #include "platform/element_detector.h"
 #include "platform/frame_source.h"
@@ -113,6 +114,7 @@ private:
     SettingsStore &m_settings;
     Deps m_deps;
     NoticeRelay m_notices;
+    ui::ElementProbe m_probe;
     CaptureFlow m_flow;
     ResultActions m_results;
     HotkeyTable m_hotkeys;

@@ -3,6 +3,7 @@
 #include "app/history_keeper.h"
 #include "app/user_notices.h"
 #include "overlay/capture_overlay.h"
+#include "overlay/element_probe.h"
 #include "platform/window_controller.h"
 #include "settings/settings_store.h"
 
@@ -131,7 +132,7 @@ void CaptureFlow::openOverlay(const platform::CapturedDisplay &display)
 {
     auto *overlay = new ui::CaptureOverlay(display, m_services.settings.config());
     overlay->setWindowController(m_services.windows);
-    overlay->setDetection(m_windows);
+    overlay->setDetection(m_windows, m_services.settings.config().detectUiElements ? m_services.probe : nullptr);
     m_overlays.append(overlay);
     connectResults(overlay);
     connectSettings(overlay);

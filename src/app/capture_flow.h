@@ -28,7 +28,8 @@ class IWindowController;
 } // namespace platform
 namespace ui {
 class CaptureOverlay;
-}
+class ElementProbe;
+} // namespace ui
 
 /// One capture after the other: from the request over the grab to the overlay, and from its result back to idle.
 ///
@@ -49,6 +50,7 @@ public:
         IHistoryKeeper &history;
         IUserNotices &notices;
         std::function<QPoint()> cursorPosition; ///< global logical coordinates
+        ui::ElementProbe *probe = nullptr;      ///< asked for elements while the settings say so; may be null
     };
 
     explicit CaptureFlow(Services services, QObject *parent = nullptr);

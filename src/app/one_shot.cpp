@@ -1,5 +1,6 @@
 #include "app/one_shot.h"
 
+#include "app/detect_probe.h"
 #include "ui/icon_sheet.h"
 
 #include <QImage>
@@ -40,6 +41,13 @@ int renderGlyphSheet(const QStringList &values)
     return writePicture(ui::renderGlyphSheet(values.mid(1)), values.first());
 }
 
+int detectProbe(const QStringList &values)
+{
+    if (values.size() != 1)
+        return usage("tavrel --detect-probe <out.png>");
+    return runDetectProbe(values.first());
+}
+
 struct OneShot
 {
     const char *option;
@@ -48,6 +56,7 @@ struct OneShot
 
 constexpr std::array kOneShots{
     OneShot{"--render-icon-sheet", renderIconSheet},
+    OneShot{"--detect-probe", detectProbe},
     OneShot{"--render-glyph-sheet", renderGlyphSheet},
 };
 
