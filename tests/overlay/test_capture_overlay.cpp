@@ -1,4 +1,5 @@
 #include "overlay/capture_overlay.h"
+#include "overlay/element_probe.h"
 #include "support/test_main.h"
 
 #include <QApplication>
@@ -6,6 +7,7 @@
 #include <QClipboard>
 #include <QMouseEvent>
 #include <QRandomGenerator>
+#include <QSemaphore>
 #include <QSignalSpy>
 #include <QWheelEvent>
 
@@ -43,6 +45,27 @@ platform::WindowInfo window(const QRectF &geometry, const QString &title)
     info.applicationName = QStringLiteral("app");
     return info;
 }
+
+/// One element, once it gets leave.
+class SlowDetector final : public platform::IElementDetector
+{
+public:
+    QList<platform::WindowInfo> topLevelWindows() override { return {}; }
+    bool isAvailable() const override { return true; }
+    void requestAccess() override {}
+    QList<QRectF> elementChain(const QPointF &, qint64) override
+    {
+        ++queries;
+        leave.tryAcquire(1, 10000); // a failed test must not hang
+        return {{90, 95, 40, 20}};
+    }
+    QString sourceUrl(const QPointF &, qint64) override { return {}; }
+    platform::ElementInfo elementAt(const QPointF &, qint64) override { return {}; }
+    QImage applicationIcon(qint64, int) override { return {}; }
+
+    std::atomic<int> queries = 0;
+    QSemaphore leave;
+};
 
 /// A resampled picture may differ by one step where its painting begins in another column.
 bool equalButForRounding(const QImage &a, const QImage &b)
@@ -383,6 +406,49 @@ private Q_SLOTS:
         m_overlay->loadSnapshot(live);
         QTest::mouseMove(m_overlay.get(), {200, 150});
         QTRY_COMPARE(m_overlay->hoverRect(), QRectF(120, 100, 200, 100));
+    }
+
+    void elementsComeFromTheProbeWhileTheyAreOfUse()
+    {
+        const auto detector = std::make_shared<SlowDetector>();
+        ui::ElementProbe probe(detector);
+        QSignalSpy answers(&probe, &ui::ElementProbe::ready);
+        platform::WindowInfo info = window({50, 60, 200, 180}, QStringLiteral("a"));
+        info.processId = 7;
+        m_overlay->setDetection({info}, &probe);
+        const auto answer = [&] {
+            const auto before = answers.count();
+            detector->leave.release();
+            return QTest::qWaitFor([&] { return answers.count() > before; });
+        };
+        QTest::mouseMove(m_overlay.get(), {100, 100});
+        QCOMPARE(m_overlay->hoverRect(), QRectF(50, 60, 200, 180));
+        QVERIFY(answer());
+        QCOMPARE(m_overlay->hoverRect(), QRectF(90, 95, 40, 20));
+
+        // Not over a selection, and not for a picture of the past.
+        QTest::mouseMove(m_overlay.get(), {140, 100});
+        m_overlay->setSelectionRect({300, 300, 50, 50});
+        QVERIFY(answer());
+        QVERIFY(m_overlay->hoverRect().isNull());
+        OverlaySnapshot past = m_overlay->snapshot();
+        past.image.fill(Qt::gray);
+        past.selection = {};
+        OverlaySnapshot live = m_overlay->snapshot();
+        live.selection = {};
+        m_overlay->loadSnapshot(past);
+        QTest::mouseMove(m_overlay.get(), {100, 100});
+        QCOMPARE(m_overlay->hoverRect(), QRectF(50, 60, 200, 180));
+        QCOMPARE(detector->queries.load(), 2);
+        m_overlay->loadSnapshot(live);
+        QTest::mouseMove(m_overlay.get(), {101, 100});
+        QVERIFY(answer());
+        QCOMPARE(m_overlay->hoverRect(), QRectF(90, 95, 40, 20));
+
+        // The overlay goes while a query runs.
+        QTest::mouseMove(m_overlay.get(), {140, 140});
+        m_overlay.reset();
+        QVERIFY(answer());
     }
 
     void windowsStayOpenToClicksOnlyWhenAsked()
