@@ -1,0 +1,168 @@
+#include "overlay/overlay_tips.h"
+
+#include <QEvent>
+#include <QFontMetrics>
+#include <QPainter>
+#include <QStyle>
+
+#include <algorithm>
+
+namespace tavrel::ui {
+namespace {
+
+constexpr int kGap = 6;        ///< to what the tip tells about
+constexpr int kEdge = 4;       ///< to the edges of the host
+constexpr int kMaxWidth = 280; ///< of the text; a longer one wraps
+constexpr QMargins kPadding{9, 5, 9, 5};
+constexpr int kWrapping = Qt::AlignLeft | Qt::AlignVCenter | Qt::TextWordWrap;
+
+/// The tip itself. The pointer does not notice it.
+class Tip final : public QWidget
+{
+public:
+    Tip(QWidget *host, const Theme &theme, const QString &text) : QWidget(host), m_theme(theme), m_text(text)
+    {
+        setObjectName(QStringLiteral("overlayTip"));
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+        QFont small = font();
+        small.setPixelSize(12);
+        setFont(small);
+        const QSize textSize =
+            QFontMetrics(small).boundingRect(QRect(0, 0, kMaxWidth, QWIDGETSIZE_MAX), kWrapping, text).size();
+        resize(textSize.grownBy(kPadding));
+    }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(m_theme.cardBorder());
+        painter.setBrush(m_theme.cardSurface());
+        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 6, 6);
+        painter.setPen(m_theme.primaryText());
+        painter.drawText(rect().marginsRemoved(kPadding), kWrapping, m_text);
+    }
+
+private:
+    Theme m_theme;
+    QString m_text;
+};
+
+int within(int value, int size, int room)
+{
+    return std::max(std::min(value, room - size - kEdge), std::min(kEdge, std::max(room - size, 0)));
+}
+
+} // namespace
+
+QPoint placeTip(const QRect &anchor, const QSize &tip, const QSize &host)
+{
+    const int x = within(anchor.center().x() - tip.width() / 2, tip.width(), host.width());
+    const int below = anchor.top() + anchor.height() + kGap;
+    const int above = anchor.top() - kGap - tip.height();
+    const bool fitsBelow = below + tip.height() <= host.height() - kEdge;
+    return {x, within(fitsBelow || above < kEdge ? below : above, tip.height(), host.height())};
+}
+
+OverlayTips::OverlayTips(QObject *parent) : QObject(parent), m_theme(lightTheme())
+{
+    m_wait.setSingleShot(true);
+    m_awake.setSingleShot(true);
+    connect(&m_wait, &QTimer::timeout, this, &OverlayTips::show);
+}
+
+OverlayTips::~OverlayTips()
+{
+    delete m_tip;
+}
+
+void OverlayTips::setTheme(const Theme &theme)
+{
+    m_theme = theme;
+    leave();
+}
+
+void OverlayTips::watch(QWidget *target)
+{
+    target->installEventFilter(this);
+}
+
+void OverlayTips::enter(QWidget *target, const QRect &part, const QString &text)
+{
+    if (target == m_target && part == m_part && text == m_text)
+        return;
+    leave();
+    if (text.isEmpty())
+        return;
+    m_target = target;
+    m_part = part;
+    m_text = text;
+    if (m_awake.isActive())
+        show();
+    else
+        m_wait.start(target->style()->styleHint(QStyle::SH_ToolTip_WakeUpDelay, nullptr, target));
+}
+
+void OverlayTips::leave()
+{
+    m_wait.stop();
+    hide();
+    m_target = nullptr;
+    m_part = {};
+    m_text.clear();
+}
+
+QString OverlayTips::shownText() const
+{
+    return m_tip ? m_text : QString();
+}
+
+void OverlayTips::show()
+{
+    if (!m_target || !m_target->isVisible())
+        return;
+    QWidget *host = m_target->window();
+    const QRect anchor(m_target->mapTo(host, m_part.topLeft()), m_part.size());
+    m_tip = new Tip(host, m_theme, m_text);
+    m_tip->move(placeTip(anchor, m_tip->size(), host->size()));
+    m_tip->show();
+    m_tip->raise();
+}
+
+void OverlayTips::hide()
+{
+    if (!m_tip)
+        return;
+    delete m_tip;
+    if (m_target)
+        m_awake.start(m_target->style()->styleHint(QStyle::SH_ToolTip_FallAsleepDelay, nullptr, m_target));
+}
+
+bool OverlayTips::eventFilter(QObject *watched, QEvent *event)
+{
+    auto *target = qobject_cast<QWidget *>(watched);
+    switch (event->type()) {
+    case QEvent::Enter:
+        enter(target, target->rect(), target->toolTip());
+        break;
+    case QEvent::Leave:
+    case QEvent::Hide:
+        if (target == m_target)
+            leave();
+        break;
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::Wheel:
+        leave();
+        m_awake.stop();
+        break;
+    case QEvent::ToolTip:
+        return true; // not as a window as well
+    default:
+        break;
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+} // namespace tavrel::ui
