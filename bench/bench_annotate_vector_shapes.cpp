@@ -43,7 +43,8 @@ void paint(QImage &image, const ShapeDocument &document, const QRectF &exposed)
     if (!exposed.isNull())
         painter.setClipRect(exposed);
     ShapeRenderContext context;
-    context.exposed = exposed;
+    if (!exposed.isNull())
+        context.exposed = {exposed};
     document.paint(painter, context);
 }
 

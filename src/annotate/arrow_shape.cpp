@@ -15,6 +15,21 @@ constexpr double kWideFrom = 10.0;
 constexpr double kMiterLimit = 10.0;
 constexpr double kShortest = 1.0;
 
+/// The outer line of the stroke around a shape without crossings: filled, it is the shape with its stroke.
+QPainterPath outermost(const QPainterPath &stroke)
+{
+    QPolygonF widest;
+    for (const QPolygonF &line : stroke.toSubpathPolygons()) {
+        if (line.boundingRect().width() >= widest.boundingRect().width())
+            widest = line;
+    }
+    QPainterPath path;
+    path.addPolygon(widest);
+    path.closeSubpath();
+    path.setFillRule(Qt::WindingFill);
+    return path;
+}
+
 } // namespace
 
 void ArrowShape::paint(QPainter &painter, const ShapeRenderContext &) const
@@ -46,11 +61,18 @@ void ArrowShape::paint(QPainter &painter, const ShapeRenderContext &) const
         pen.setWidthF(thickness > kWideFrom ? kWideOutlinePen : kOutlinePen);
         painter.strokePath(outline, pen);
     } else {
+        // A pen this thin takes a short cut whose result depends on where on the picture it is; its outline does not.
         pen.setWidthF(kFillPen);
-        painter.setPen(pen);
-        painter.setBrush(pen.color());
-        for (const QPainterPath &part : parts)
-            painter.drawPath(part);
+        const QPainterPathStroker edge(pen);
+        for (const QPainterPath &part : parts) {
+            const QPainterPath outline = edge.createStroke(part);
+            if (!course.isCurved()) {
+                painter.fillPath(outermost(outline), pen.color());
+                continue;
+            }
+            painter.fillPath(part, pen.color());
+            painter.fillPath(outline, pen.color());
+        }
     }
     painter.restore();
 }
@@ -92,6 +114,12 @@ QRectF ArrowShape::paintedBounds() const
         all |= path.boundingRect().adjusted(-pad, -pad, pad, pad);
     }
     return all;
+}
+
+QList<QRectF> ArrowShape::paintedParts() const
+{
+    // Half the widest head and the reach of the marks.
+    return course().isCurved() ? QList<QRectF>{paintedBounds()} : partsAlong(thickness + 24);
 }
 
 void ArrowShape::transform(const ImageTransform &transform)

@@ -17,6 +17,7 @@ public:
     /// Handle 1 bends the arrow.
     int setHandle(int index, double x, double y) override;
     [[nodiscard]] QRectF paintedBounds() const override;
+    [[nodiscard]] QList<QRectF> paintedParts() const override;
     void transform(const ImageTransform &transform) override;
     void scale(double factor) override;
     void toJson(QJsonObject &out) const override;

@@ -41,6 +41,8 @@ public:
     virtual void updateDrag(double startX, double startY, double x, double y) = 0;
     virtual void translate(double dx, double dy) = 0;
     [[nodiscard]] virtual QList<QPointF> handles() const { return {}; }
+    /// The pointer over a handle.
+    [[nodiscard]] virtual Qt::CursorShape handleCursor(int) const { return Qt::PointingHandCursor; }
     /// Moves a handle and returns the index it has afterwards: the corner of a box that is dragged past the opposite
     /// corner becomes that one. The default moves nothing.
     virtual int setHandle(int index, double x, double y);
@@ -49,6 +51,9 @@ public:
     /// All that paint(), paintSelection() and the hover mark may touch at a handle scale of 1; null for everywhere.
     /// The default grows bounds() by half the thickness and 24 on each side.
     [[nodiscard]] virtual QRectF paintedBounds() const;
+    /// The same in more and smaller parts, for a shape that leaves most of its box empty. Together they hold all that
+    /// paintedBounds() promises.
+    [[nodiscard]] virtual QList<QRectF> paintedParts() const { return {paintedBounds()}; }
     /// A count that rises while the shape is only being added to, as a stroke is under the pointer; 0 for shapes that
     /// change as a whole.
     [[nodiscard]] virtual qsizetype growth() const { return 0; }

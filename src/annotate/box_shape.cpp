@@ -20,6 +20,11 @@ QList<QPointF> BoxShape::handles() const
     return {m_box.topLeft(), m_box.topRight(), m_box.bottomRight(), m_box.bottomLeft()};
 }
 
+Qt::CursorShape BoxShape::handleCursor(int index) const
+{
+    return index % 2 == 0 ? Qt::SizeFDiagCursor : Qt::SizeBDiagCursor;
+}
+
 int BoxShape::setHandle(int index, double x, double y)
 {
     if (index < 0 || index > 3)

@@ -20,6 +20,7 @@ public:
     void updateDrag(double startX, double startY, double x, double y) override;
     void translate(double dx, double dy) override;
     [[nodiscard]] QList<QPointF> handles() const override;
+    [[nodiscard]] Qt::CursorShape handleCursor(int index) const override;
     /// The corner opposite the dragged one stays.
     int setHandle(int index, double x, double y) override;
     [[nodiscard]] std::optional<QRectF> bounds() const override { return m_box; }

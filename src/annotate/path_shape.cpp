@@ -18,7 +18,7 @@ constexpr double kTouchMargin = 3.0;
 void PathShape::paint(QPainter &painter, const ShapeRenderContext &context) const
 {
     paintHighlighter(painter, *this, [&](double factor) {
-        m_layer.paint(painter, m_points.list(), thickness, strokePen(*this, opacity * factor).color(), context.exposed);
+        m_layer.paint(painter, m_points.list(), thickness, strokePen(*this, opacity * factor).color(), context);
     });
 }
 

@@ -3,6 +3,11 @@
 #include <algorithm>
 
 namespace tavrel {
+namespace {
+
+constexpr int kParts = 8;
+
+} // namespace
 
 void SegmentShape::setEnds(const QPointF &start, const QPointF &end)
 {
@@ -28,6 +33,17 @@ int SegmentShape::setHandle(int index, double x, double y)
     else if (index == 1)
         m_end = {x, y};
     return index;
+}
+
+QList<QRectF> SegmentShape::partsAlong(double reach) const
+{
+    const QPointF step = (m_end - m_start) / kParts;
+    QList<QRectF> parts;
+    for (int i = 0; i < kParts; ++i) {
+        const QPointF from = m_start + step * i;
+        parts.append(QRectF(from, from + step).normalized().adjusted(-reach, -reach, reach, reach));
+    }
+    return parts;
 }
 
 void SegmentShape::scale(double factor)

@@ -21,6 +21,8 @@ public:
     void scale(double factor) override;
 
 protected:
+    /// Boxes along the way between the ends, for shapes that reach no further to its sides.
+    [[nodiscard]] QList<QRectF> partsAlong(double reach) const;
     struct Keys
     {
         QString startX;

@@ -19,7 +19,7 @@ QList<QRectF> ShapeDamage::take(const QList<std::shared_ptr<BaseShape>> &shapes,
     QList<Seen> now;
     now.reserve(shapes.size());
     for (const auto &shape : shapes)
-        now.append({shape.get(), shape->paintedBounds(), shape->growth(), shape->selected, shape.get() == hovered});
+        now.append({shape.get(), shape->paintedParts(), shape->growth(), shape->selected, shape.get() == hovered});
 
     QList<QRectF> damage;
     // From the first shape that is another one the order differs, and with it what covers what.
@@ -32,14 +32,14 @@ QList<QRectF> ShapeDamage::take(const QList<std::shared_ptr<BaseShape>> &shapes,
         const bool isSameLook = before.isSelected == after.isSelected && before.isHovered == after.isHovered;
         if (isSameLook && isMarked && *mark == Change::Grown && !m_isAll && after.growth > before.growth) {
             damage.append(shapes[i]->grownSince(before.growth));
-        } else if (!isSameLook || isMarked || m_isAll || before.box != after.box) {
-            damage << before.box << after.box;
+        } else if (!isSameLook || isMarked || m_isAll || before.parts != after.parts) {
+            damage << before.parts << after.parts;
         }
     }
     for (qsizetype k = i; k < m_seen.size(); ++k)
-        damage.append(m_seen[k].box);
+        damage.append(m_seen[k].parts);
     for (qsizetype k = i; k < now.size(); ++k)
-        damage.append(now[k].box);
+        damage.append(now[k].parts);
     m_seen = std::move(now);
     m_marks.clear();
     m_isAll = false;

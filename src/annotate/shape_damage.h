@@ -27,7 +27,7 @@ private:
     struct Seen
     {
         const BaseShape *shape = nullptr;
-        QRectF box;
+        QList<QRectF> parts;
         qsizetype growth = 0;
         bool isSelected = false;
         bool isHovered = false;

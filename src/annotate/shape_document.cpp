@@ -595,10 +595,9 @@ void ShapeDocument::loadState(const QString &shapes, const QString &counters, co
 void ShapeDocument::paintShapes(QPainter &painter, const ShapeRenderContext &context) const
 {
     const auto isExposed = [&context](const BaseShape &shape) {
-        if (context.exposed.isNull())
-            return true;
-        const QRectF painted = shape.paintedBounds();
-        return painted.isNull() || painted.intersects(context.exposed);
+        const QList<QRectF> parts = shape.paintedParts();
+        return std::any_of(parts.begin(), parts.end(),
+                           [&context](const QRectF &part) { return part.isNull() || context.isExposed(part); });
     };
     QList<const BaseShape *> spotlights;
     for (const ShapePtr &shape : m_shapes) {

@@ -92,6 +92,7 @@ public:
     /// Extra radius of a pick after a click that drew nothing.
     void setHitSlop(double slop) { m_hitSlop = slop; }
     void setMarkerSnapText(bool snap) { m_markerSnapText = snap; }
+    [[nodiscard]] bool markerSnapText() const { return m_markerSnapText; }
     /// Where the picture has text, for strokes that are pulled onto it.
     void setTextLineProvider(TextLineProvider provider) { m_textLines = std::move(provider); }
 
@@ -109,6 +110,8 @@ public:
     bool cancelCreation();
     /// A handle of the selected shape, its body, or a shape that press() would pick.
     [[nodiscard]] bool hitAny(double x, double y, double tolerance) const;
+    /// The handle of the selected shape at a point, -1 for none.
+    [[nodiscard]] int handleAt(double x, double y, double tolerance) const;
     /// The top-most shape at a point that a click with the present tool picks.
     [[nodiscard]] BaseShape *pickAt(double x, double y) const;
 
@@ -189,7 +192,6 @@ private:
 
     void change(ShapeAttribute attribute, Commit commit);
     [[nodiscard]] int indexOf(const BaseShape *shape) const;
-    [[nodiscard]] int handleAt(double x, double y, double tolerance) const;
     [[nodiscard]] BaseShape *grabAt(double x, double y) const;
     [[nodiscard]] bool mayRegrab() const;
     [[nodiscard]] bool isPickedAt(const BaseShape &shape, double x, double y) const;

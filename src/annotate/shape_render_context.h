@@ -5,6 +5,8 @@
 #include <QPointF>
 #include <QRectF>
 
+#include <algorithm>
+
 namespace tavrel {
 
 class BaseShape;
@@ -23,10 +25,18 @@ struct ShapeRenderContext
     double handleScale = 1.0;
     /// Area that spotlight, watermark and magnifier may fill; see canvasOrEverything().
     QRectF canvasBounds;
-    /// What has to be painted, so that shapes outside it can be left out; null for everything.
-    QRectF exposed;
+    /// What has to be painted, so that shapes and parts of them elsewhere can be left out; empty for everything. The
+    /// painter is clipped by whoever paints less than everything.
+    QList<QRectF> exposed;
     /// Where shapes may show; null for everywhere. Handles and glows are painted outside it too.
     QRectF contentClip;
+
+    /// Whether something in a box has to be painted.
+    [[nodiscard]] bool isExposed(const QRectF &box) const
+    {
+        return exposed.isEmpty() ||
+               std::any_of(exposed.begin(), exposed.end(), [&box](const QRectF &part) { return part.intersects(box); });
+    }
 
     /// The canvas, or 200,000 units square around the origin when none is set.
     [[nodiscard]] QRectF canvasOrEverything() const

@@ -1,5 +1,7 @@
 #include "annotate/stroke_layer.h"
 
+#include "annotate/shape_render_context.h"
+
 #include <QImage>
 
 #include <algorithm>
@@ -183,7 +185,7 @@ void StrokeLayer::merge(Tiles &tiles, const QImage &drawn, const QRect &area, co
 }
 
 void StrokeLayer::paint(QPainter &painter, const QList<QPointF> &points, double width, const QColor &color,
-                        const QRectF &exposed)
+                        const ShapeRenderContext &context)
 {
     if (points.size() < 2)
         return;
@@ -218,14 +220,12 @@ void StrokeLayer::paint(QPainter &painter, const QList<QPointF> &points, double 
         shades[static_cast<std::size_t>(i)] = qPremultiply(qRgba(color.red(), color.green(), color.blue(), alpha));
     }
     QImage shaded(kSide, kSide, QImage::Format_ARGB32_Premultiplied);
-    const QRect seen =
-        exposed.isNull() ? QRect() : device.mapRect(exposed).toAlignedRect().adjusted(-1, -1, 1, 1).translated(-base);
+    const QTransform toUnits = QTransform::fromTranslate(base.x(), base.y()) * device.inverted();
     painter.save();
-    painter.setWorldTransform(QTransform::fromTranslate(base.x(), base.y()) * device.inverted() *
-                              painter.worldTransform());
+    painter.setWorldTransform(toUnits * painter.worldTransform());
     const auto put = [&](const QPoint &at, const Tile &tile) {
         const QRect area(at * kSide, QSize(kSide, kSide));
-        if (!seen.isNull() && !seen.intersects(area))
+        if (!context.isExposed(toUnits.mapRect(QRectF(area))))
             return;
         for (int y = 0; y < kSide; ++y) {
             auto *to = reinterpret_cast<QRgb *>(shaded.scanLine(y));

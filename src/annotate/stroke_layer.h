@@ -14,6 +14,8 @@
 
 namespace tavrel {
 
+struct ShapeRenderContext;
+
 /// The smooth path through the points of a freehand stroke: a quadratic curve to the middle of every segment, with the
 /// point before it as control, and a line to the last point. Empty for fewer than two points.
 [[nodiscard]] QPainterPath smoothPath(const QList<QPointF> &points);
@@ -32,9 +34,9 @@ class StrokeLayer final
 public:
     /// points   only ever grow or move together between two calls, else clear() is due
     /// width    logical, of the round pen
-    /// exposed  what has to be painted, in the coordinates of the points; null for everything
+    /// context  says what has to be painted
     void paint(QPainter &painter, const QList<QPointF> &points, double width, const QColor &color,
-               const QRectF &exposed);
+               const ShapeRenderContext &context);
     void clear();
 
 private:

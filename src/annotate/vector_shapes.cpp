@@ -56,6 +56,18 @@ bool RectShape::hitTest(double x, double y) const
     return (besideY && x >= reach.left() && x <= reach.right()) || (besideX && y >= reach.top() && y <= reach.bottom());
 }
 
+QList<QRectF> RectShape::paintedParts() const
+{
+    const QRectF outer = paintedBounds();
+    const double edge = outer.width() - box().width(); // of the stroke and its marks, on both sides together
+    if (outer.width() < 4 * edge || outer.height() < 4 * edge)
+        return {outer};
+    return {QRectF(outer.left(), outer.top(), outer.width(), edge),
+            QRectF(outer.left(), outer.bottom() - edge, outer.width(), edge),
+            QRectF(outer.left(), outer.top() + edge, edge, outer.height() - 2 * edge),
+            QRectF(outer.right() - edge, outer.top() + edge, edge, outer.height() - 2 * edge)};
+}
+
 // --- highlighter box -------------------------------------------------------------------------------------------------
 
 void MarkerRectShape::paint(QPainter &painter, const ShapeRenderContext &) const
@@ -132,6 +144,11 @@ bool CircleShape::hitTest(double x, double y) const
     const double halfY = around.height() / 2;
     const double r = std::hypot((x - around.center().x()) / halfX, (y - around.center().y()) / halfY);
     return std::abs(r - 1) <= (thickness / 2 + kEllipseReach) / ((halfX + halfY) / 2);
+}
+
+Qt::CursorShape CircleShape::handleCursor(int) const
+{
+    return (start().x() < end().x()) == (start().y() < end().y()) ? Qt::SizeFDiagCursor : Qt::SizeBDiagCursor;
 }
 
 void CircleShape::toJson(QJsonObject &out) const

@@ -35,6 +35,7 @@ public:
     void paint(QPainter &painter, const ShapeRenderContext &context) const override;
     void paintSelection(QPainter &painter, const ShapeRenderContext &context) const override;
     [[nodiscard]] bool hitTest(double x, double y) const override;
+    [[nodiscard]] QList<QRectF> paintedParts() const override;
 };
 
 /// The highlighter drawn as a filled box.
@@ -60,6 +61,7 @@ public:
     void paint(QPainter &painter, const ShapeRenderContext &context) const override;
     void paintSelection(QPainter &painter, const ShapeRenderContext &context) const override;
     [[nodiscard]] bool hitTest(double x, double y) const override;
+    [[nodiscard]] Qt::CursorShape handleCursor(int index) const override;
     void toJson(QJsonObject &out) const override;
     void readJson(const QJsonObject &in) override;
 
@@ -72,6 +74,7 @@ class LineShape final : public SegmentShape
 public:
     LineShape() : SegmentShape(ToolType::Line) {}
 
+    [[nodiscard]] QList<QRectF> paintedParts() const override { return partsAlong(thickness / 2 + 24); }
     void paint(QPainter &painter, const ShapeRenderContext &context) const override;
     [[nodiscard]] bool hitTest(double x, double y) const override;
     void toJson(QJsonObject &out) const override;

@@ -29,10 +29,11 @@ void paintInto(QImage &image, const ShapeDocument &document, const QRectF &expos
     painter.setRenderHint(QPainter::Antialiasing);
     painter.translate(offset);
     painter.scale(scale, scale);
-    if (!exposed.isNull())
-        painter.setClipRect(exposed);
     ShapeRenderContext context;
-    context.exposed = exposed;
+    if (!exposed.isNull()) {
+        painter.setClipRect(exposed);
+        context.exposed = {exposed};
+    }
     document.paint(painter, context);
 }
 
