@@ -3,6 +3,7 @@
 #include "ui/theme.h"
 
 #include <QPoint>
+#include <QPointer>
 #include <QRect>
 #include <QWidget>
 
@@ -13,7 +14,8 @@ namespace tavrel::ui {
 class ToolbarLayoutEditor;
 
 /// The toolbar's editor on a card over the whole overlay. Changes go out at once, so that the toolbar behind shows
-/// them. Nothing done with keys or pointer on it reaches the overlay. Its owner hides it after `closeRequested`.
+/// them. Nothing done with keys or pointer on it reaches the overlay. Its owner hides it after `closeRequested`;
+/// the keyboard then goes back to where it was.
 class ToolbarConfigDialog final : public QWidget
 {
     Q_OBJECT
@@ -39,6 +41,7 @@ protected:
     bool focusNextPrevChild(bool next) override;
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
@@ -61,7 +64,8 @@ private:
     QPushButton *m_cancel;
     QPushButton *m_done;
     QRect m_card;
-    bool m_placed = false; ///< by the user
+    QPointer<QWidget> m_focusBefore; ///< gets the keyboard back
+    bool m_placed = false;           ///< by the user
     Press m_press = Press::None;
     QPoint m_grip; ///< from the card's corner to the pointer
 };

@@ -26,6 +26,9 @@ public:
     /// Takes up a stored layout; ignored while a tool is being dragged. Raises no signal.
     void setConfig(const QString &json);
 
+    /// Takes this width and the height that it needs. While hidden too, when a resize alone would come later.
+    void fitTo(int width);
+
     [[nodiscard]] const ToolbarLayout &toolbarLayout() const { return m_config; }
     /// The line of the title, where a window may be dragged.
     [[nodiscard]] QRect headerRect() const;

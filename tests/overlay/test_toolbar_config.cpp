@@ -1,0 +1,305 @@
+#include "overlay/overlay_tips.h"
+#include "overlay/toolbar_config_dialog.h"
+#include "overlay/toolbar_layout_editor.h"
+#include "support/test_main.h"
+
+#include <QApplication>
+#include <QPushButton>
+#include <QSignalSpy>
+
+using namespace tavrel;
+using namespace tavrel::ui;
+
+namespace {
+
+/// Stands for the overlay: notes what reaches it through the dialog.
+class Ground final : public QWidget
+{
+public:
+    int events = 0;
+
+protected:
+    bool event(QEvent *event) override
+    {
+        switch (event->type()) {
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonRelease:
+        case QEvent::MouseButtonDblClick:
+        case QEvent::MouseMove:
+        case QEvent::Wheel:
+        case QEvent::KeyPress:
+        case QEvent::KeyRelease:
+            ++events;
+            break;
+        default:
+            break;
+        }
+        return QWidget::event(event);
+    }
+};
+
+QString words(const ToolbarLayout &layout, bool visible)
+{
+    QStringList words;
+    for (const ToolbarItem &item : layout) {
+        if (item.visible == visible)
+            words.append(toolTypeName(item.tool));
+    }
+    return words.join(u' ');
+}
+
+void drag(QWidget *widget, const QPoint &from, const QPoint &to)
+{
+    QTest::mousePress(widget, Qt::LeftButton, {}, from);
+    QTest::mouseMove(widget, (from + to) / 2);
+    QTest::mouseMove(widget, to);
+    QTest::mouseRelease(widget, Qt::LeftButton, {}, to);
+}
+
+constexpr auto kVisible = "rect arrow pen marker eraser mosaic text sequence ocr record long_screenshot";
+constexpr auto kHidden = "smart_erase spotlight magnifier watermark";
+
+} // namespace
+
+class ToolbarConfigTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_ground = std::make_unique<Ground>();
+        m_ground->setFocusPolicy(Qt::StrongFocus);
+        m_ground->setMouseTracking(true);
+        m_ground->resize(900, 700);
+        m_dialog = new ToolbarConfigDialog(m_ground.get());
+        m_editor = m_dialog->editor();
+        m_ground->show();
+        m_ground->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_ground.get()));
+        m_ground->setFocus();
+        m_dialog->open(lightTheme(), QString());
+    }
+
+    void cleanup() { m_ground.reset(); }
+
+    void cellsFlowOverRows()
+    {
+        QCOMPARE(m_editor->width(), 414); // nine in a row
+        const QRect first = m_editor->cellRect(ToolType::Rect);
+        QCOMPARE(first.size(), QSize(42, 42));
+        QCOMPARE(m_editor->cellRect(ToolType::Arrow), first.translated(45, 0));
+        QCOMPARE(m_editor->cellRect(ToolType::Ocr), first.translated(8 * 45, 0));
+        QCOMPARE(m_editor->cellRect(ToolType::Record), first.translated(0, 45));
+        QVERIFY(m_editor->hiddenSection().contains(m_editor->cellRect(ToolType::Watermark)));
+        QCOMPARE(m_editor->height(), m_editor->hiddenSection().bottom() + 1);
+
+        QCOMPARE(button("toolbarConfigDone")->y(), m_editor->geometry().bottom() + 1 + 16);
+
+        ToolbarLayoutEditor narrow;
+        QCOMPARE(narrow.minimumWidth(), 280);
+        narrow.fitTo(280);
+        QCOMPARE(narrow.cellRect(ToolType::Text).y(), narrow.cellRect(ToolType::Rect).y() + 45); // the seventh
+    }
+
+    void aClickHidesAndShows()
+    {
+        QSignalSpy changed(m_editor, &ToolbarLayoutEditor::configChanged);
+        click(ToolType::Arrow);
+        QCOMPARE(words(m_editor->toolbarLayout(), false), QStringLiteral("arrow ") + QLatin1String(kHidden));
+        QCOMPARE(parseToolbarLayout(changed.at(0).at(0).toString()), m_editor->toolbarLayout());
+        click(ToolType::Arrow);
+        QCOMPARE(words(m_editor->toolbarLayout(), true),
+                 QStringLiteral("rect pen marker eraser mosaic text sequence ocr record long_screenshot arrow"));
+        QCOMPARE(changed.size(), 2);
+    }
+
+    void aDragMovesToThePlaceOfTheMark_data()
+    {
+        QTest::addColumn<ToolType>("tool");
+        QTest::addColumn<ToolType>("over");
+        QTest::addColumn<QPoint>("offset");
+        QTest::addColumn<QString>("expected"); ///< visible tools; empty for no change
+        const QString same;
+        QTest::newRow("left half of a cell") << ToolType::Eraser << ToolType::Arrow << QPoint(-5, 0)
+                                             << QStringLiteral("rect eraser arrow pen marker mosaic text sequence ocr "
+                                                               "record long_screenshot");
+        QTest::newRow("right half of a cell") << ToolType::Eraser << ToolType::Arrow << QPoint(5, 0)
+                                              << QStringLiteral("rect arrow eraser pen marker mosaic text sequence "
+                                                                "ocr record long_screenshot");
+        QTest::newRow("behind the end of a row") << ToolType::Rect << ToolType::Ocr << QPoint(23, 0)
+                                                 << QStringLiteral("arrow pen marker eraser mosaic text sequence ocr "
+                                                                   "rect record long_screenshot");
+        QTest::newRow("between two rows counts for the upper one")
+            << ToolType::Eraser << ToolType::Arrow << QPoint(-5, 22)
+            << QStringLiteral("rect eraser arrow pen marker mosaic text sequence ocr record long_screenshot");
+        QTest::newRow("behind the last one") << ToolType::Rect << ToolType::LongScreenshot << QPoint(100, 0)
+                                             << QStringLiteral("arrow pen marker eraser mosaic text sequence ocr "
+                                                               "record long_screenshot rect");
+        QTest::newRow("a hidden one into the middle") << ToolType::Watermark << ToolType::Pen << QPoint(-5, 0)
+                                                      << QStringLiteral("rect arrow watermark pen marker eraser "
+                                                                        "mosaic text sequence ocr record "
+                                                                        "long_screenshot");
+        QTest::newRow("a visible one out") << ToolType::Pen << ToolType::Watermark << QPoint(60, 0)
+                                           << QStringLiteral("rect arrow marker eraser mosaic text sequence ocr "
+                                                             "record long_screenshot");
+        QTest::newRow("before its follower") << ToolType::Eraser << ToolType::Mosaic << QPoint(-5, 0) << same;
+        QTest::newRow("before itself") << ToolType::Eraser << ToolType::Eraser << QPoint(-8, 0) << same;
+        QTest::newRow("a hidden one within its section")
+            << ToolType::Spotlight << ToolType::Watermark << QPoint(60, 0) << same;
+        QTest::newRow("onto the title") << ToolType::Pen << ToolType::Pen << QPoint(0, -90) << same;
+        QTest::newRow("out of the card") << ToolType::Pen << ToolType::Pen << QPoint(-300, 0) << same;
+    }
+
+    void aDragMovesToThePlaceOfTheMark()
+    {
+        QFETCH(ToolType, tool);
+        QFETCH(ToolType, over);
+        QFETCH(QPoint, offset);
+        QFETCH(QString, expected);
+        QSignalSpy changed(m_editor, &ToolbarLayoutEditor::configChanged);
+        drag(m_editor, centre(tool), centre(over) + offset);
+        QCOMPARE(words(m_editor->toolbarLayout(), true), expected.isEmpty() ? QLatin1String(kVisible) : expected);
+        QCOMPARE(changed.size(), expected.isEmpty() ? 0 : 1);
+        QCOMPARE(m_ground->events, 0);
+    }
+
+    void theWholeToolbarCanBeEmptiedAndFilledAgain()
+    {
+        const ToolbarLayout before = m_editor->toolbarLayout();
+        for (const ToolbarItem &item : before) {
+            if (item.visible)
+                click(item.tool);
+        }
+        QVERIFY(words(m_editor->toolbarLayout(), true).isEmpty());
+        drag(m_editor, centre(ToolType::Pen), m_editor->toolbarSection().center());
+        QCOMPARE(words(m_editor->toolbarLayout(), true), QStringLiteral("pen"));
+        QSignalSpy changed(m_editor, &ToolbarLayoutEditor::configChanged);
+        QTest::mouseClick(m_editor, Qt::LeftButton, {}, m_editor->restoreRect().center());
+        QCOMPARE(m_editor->toolbarLayout(), defaultToolbarLayout());
+        QCOMPARE(changed.size(), 1);
+        QVERIFY(changed.at(0).at(0).toString().isEmpty());
+        QTest::mouseClick(m_editor, Qt::LeftButton, {}, m_editor->restoreRect().center());
+        QCOMPARE(changed.size(), 1);
+    }
+
+    void textsThatComeDuringADragAreIgnored()
+    {
+        const QPoint from = centre(ToolType::Pen);
+        QTest::mousePress(m_editor, Qt::LeftButton, {}, from);
+        QTest::mouseMove(m_editor, from + QPoint(-40, 0));
+        m_editor->setConfig(toolbarLayoutJson(withToolHidden(defaultToolbarLayout(), ToolType::Rect)));
+        QCOMPARE(m_editor->toolbarLayout(), defaultToolbarLayout());
+        QTest::mouseRelease(m_editor, Qt::LeftButton, {}, from);
+        m_editor->setConfig(toolbarLayoutJson(withToolHidden(defaultToolbarLayout(), ToolType::Rect)));
+        QVERIFY(words(m_editor->toolbarLayout(), false).startsWith(QStringLiteral("rect")));
+    }
+
+    void cancelGivesBackWhatWasThere_data()
+    {
+        QTest::addColumn<QString>("initial");
+        QTest::newRow("default") << QString();
+        QTest::newRow("own") << toolbarLayoutJson(withToolHidden(defaultToolbarLayout(), ToolType::Pen));
+        QTest::newRow("broken") << QStringLiteral("[{");
+    }
+
+    void cancelGivesBackWhatWasThere()
+    {
+        QFETCH(QString, initial);
+        m_dialog->open(lightTheme(), initial);
+        QStringList log;
+        connect(m_dialog, &ToolbarConfigDialog::configChanged, m_dialog,
+                [&log](const QString &json) { log.append(QStringLiteral("config ") + json); });
+        connect(m_dialog, &ToolbarConfigDialog::closeRequested, m_dialog,
+                [&log] { log.append(QStringLiteral("close")); });
+        click(ToolType::Mosaic);
+        QCOMPARE(log.size(), 1);
+        QTest::mouseClick(button("toolbarConfigCancel"), Qt::LeftButton);
+        QCOMPARE(log.mid(1), QStringList({QStringLiteral("config ") + initial, QStringLiteral("close")}));
+        QCOMPARE(m_editor->toolbarLayout(), parseToolbarLayout(initial));
+    }
+
+    void doneEscapeAndTheOutsideKeepTheChanges()
+    {
+        QSignalSpy closed(m_dialog, &ToolbarConfigDialog::closeRequested);
+        click(ToolType::Mosaic);
+        QSignalSpy changed(m_dialog, &ToolbarConfigDialog::configChanged);
+        QTest::mouseClick(button("toolbarConfigDone"), Qt::LeftButton);
+        QCOMPARE(closed.size(), 1);
+        QTest::keyClick(m_dialog, Qt::Key_Escape);
+        QCOMPARE(closed.size(), 2);
+        QTest::mouseClick(m_dialog, Qt::LeftButton, {}, {5, 5});
+        QCOMPARE(closed.size(), 3);
+
+        // None of these is a click outside.
+        QTest::mouseClick(m_dialog, Qt::LeftButton, {}, m_dialog->cardRect().bottomLeft() + QPoint(30, -8));
+        QTest::mouseClick(m_dialog, Qt::RightButton, {}, {5, 5});
+        drag(m_dialog, m_dialog->cardRect().topLeft() + QPoint(30, 8), {5, 5});
+        QCOMPARE(closed.size(), 3);
+        QVERIFY(changed.isEmpty());
+        QCOMPARE(m_ground->events, 0);
+    }
+
+    void theCardIsDraggedByItsHeaderAndStaysInside()
+    {
+        QCOMPARE(m_dialog->geometry(), m_ground->rect());
+        const QRect start = m_dialog->cardRect();
+        QVERIFY((start.center() - m_ground->rect().center()).manhattanLength() <= 1);
+        const QPoint title(30, m_editor->headerRect().center().y());
+        drag(m_editor, title, title + QPoint(50, 40)); // the press falls through the editor
+        QVERIFY(m_dialog->cardRect().topLeft() != start.topLeft());
+        const QRect moved = m_dialog->cardRect();
+        drag(m_editor, {30, m_editor->toolbarSection().top() + 5}, {200, 300});
+        QCOMPARE(m_dialog->cardRect(), moved);
+        drag(m_dialog, moved.topLeft() + QPoint(30, 8), moved.topLeft() + QPoint(3000, 3008));
+        QCOMPARE(m_dialog->cardRect().bottomRight(), m_ground->rect().bottomRight() - QPoint(8, 8));
+
+        // A row less leaves its corner where it is, and so does a row more while there is room.
+        const QRect low = m_dialog->cardRect();
+        for (const ToolType tool : {ToolType::Rect, ToolType::Arrow})
+            click(tool);
+        QCOMPARE(m_dialog->cardRect(), low.adjusted(0, 0, 0, -45));
+        QTest::mouseClick(m_editor, Qt::LeftButton, {}, m_editor->restoreRect().center());
+        QCOMPARE(m_dialog->cardRect(), low);
+        QVERIFY(m_dialog->cardRect().contains(button("toolbarConfigDone")->geometry()));
+
+        m_dialog->hide();
+        m_dialog->open(lightTheme(), QString());
+        QCOMPARE(m_dialog->cardRect(), start);
+        m_ground->resize(500, 420);
+        QCOMPARE(m_dialog->size(), QSize(500, 420));
+        QVERIFY(m_dialog->rect().contains(m_dialog->cardRect()));
+    }
+
+    void theKeyboardStaysAndGoesBack()
+    {
+        QVERIFY(m_dialog->hasFocus());
+        QTest::keyClick(m_dialog, Qt::Key_A);
+        QTest::keyClick(m_dialog, Qt::Key_C, Qt::ControlModifier);
+        QSignalSpy closed(m_dialog, &ToolbarConfigDialog::closeRequested);
+        QTest::keyClick(m_dialog, Qt::Key_Tab);
+        QCOMPARE(QApplication::focusWidget(), button("toolbarConfigCancel"));
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        QCOMPARE(QApplication::focusWidget(), button("toolbarConfigDone"));
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        QCOMPARE(closed.size(), 1);
+        QCOMPARE(m_ground->events, 0);
+        m_dialog->hide();
+        QVERIFY(m_ground->hasFocus());
+    }
+
+private:
+    [[nodiscard]] QPoint centre(ToolType tool) const { return m_editor->cellRect(tool).center(); }
+    void click(ToolType tool) { QTest::mouseClick(m_editor, Qt::LeftButton, {}, centre(tool)); }
+    [[nodiscard]] QPushButton *button(const char *name) const
+    {
+        return m_dialog->findChild<QPushButton *>(QString::fromLatin1(name));
+    }
+
+    std::unique_ptr<Ground> m_ground;
+    ToolbarConfigDialog *m_dialog = nullptr;
+    ToolbarLayoutEditor *m_editor = nullptr;
+};
+
+TAVREL_TEST_MAIN(QApplication, ToolbarConfigTest)
+#include "test_toolbar_config.moc"
