@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <vector>
 
 namespace tavrel::ui {
 namespace {
@@ -148,8 +147,9 @@ int EdgeRegionFinder::strongestRow(int y, const Span &columns) const
 {
     const int start = std::max(0, y - kReachBefore * m_cell);
     const int end = std::min(y + m_cell, m_image.height());
-    const auto width = static_cast<std::size_t>(columns.last - columns.first + 1);
-    std::vector<int> above(width);
+    const int width = columns.last - columns.first + 1;
+    QList<int> luminance(width);
+    int *above = luminance.data();
     std::transform(rowOf(m_image, start) + columns.first, rowOf(m_image, start) + columns.last + 1, above.begin(),
                    luma);
     int found = -1;
@@ -157,7 +157,7 @@ int EdgeRegionFinder::strongestRow(int y, const Span &columns) const
     for (int row = start + 1; row < end; ++row) {
         const QRgb *pixels = rowOf(m_image, row) + columns.first;
         int sum = 0;
-        for (std::size_t i = 0; i < width; ++i) {
+        for (int i = 0; i < width; ++i) {
             const int here = luma(pixels[i]);
             sum += std::abs(here - above[i]);
             above[i] = here;
