@@ -150,8 +150,7 @@ int EdgeRegionFinder::strongestRow(int y, const Span &columns) const
     const int width = columns.last - columns.first + 1;
     QList<int> luminance(width);
     int *above = luminance.data();
-    std::transform(rowOf(m_image, start) + columns.first, rowOf(m_image, start) + columns.last + 1, above.begin(),
-                   luma);
+    std::transform(rowOf(m_image, start) + columns.first, rowOf(m_image, start) + columns.last + 1, above, luma);
     int found = -1;
     int strongest = 0;
     for (int row = start + 1; row < end; ++row) {
