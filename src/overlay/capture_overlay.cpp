@@ -1,11 +1,12 @@
 #include "overlay/capture_overlay.h"
 
 #include "overlay/element_probe.h"
+#include "overlay/overlay_panels.h"
 #include "overlay/overlay_renderer.h"
-#include "overlay/panel_placement.h"
 #include "overlay/selection_geometry.h"
 #include "platform/window_controller.h"
 
+#include <QCloseEvent>
 #include <QCoreApplication>
 #include <QEnterEvent>
 #include <QMouseEvent>
@@ -16,32 +17,8 @@
 namespace tavrel::ui {
 namespace {
 
-constexpr double kSmallestBand = 4;     ///< a shorter drag is a click
-constexpr double kHandleTolerance = 15; ///< of the handles of shapes
+constexpr double kSmallestBand = 4; ///< a shorter drag is a click
 constexpr int kToastMs = 2000;
-constexpr int kGestureSlowness = 4; ///< of a zoom gesture that walks the hovered rectangle
-
-Qt::CursorShape cursorOfHit(int hit)
-{
-    switch (hit) {
-    case 0:
-    case 7:
-        return Qt::SizeFDiagCursor;
-    case 2:
-    case 5:
-        return Qt::SizeBDiagCursor;
-    case 1:
-    case 6:
-        return Qt::SizeVerCursor;
-    case 3:
-    case 4:
-        return Qt::SizeHorCursor;
-    case kInsideHit:
-        return Qt::OpenHandCursor;
-    default:
-        return Qt::CrossCursor;
-    }
-}
 
 } // namespace
 
@@ -50,6 +27,8 @@ CaptureOverlay::CaptureOverlay(const platform::CapturedDisplay &display, const S
       m_display(display),
       m_config(config),
       m_picture(display.image),
+      m_panels(new OverlayPanels(this, config)),
+      m_markerLines(new MarkerLines(this)),
       m_livePicture(m_picture.image().cacheKey()),
       m_colorFormat(config.colorFormat)
 {
@@ -70,6 +49,7 @@ CaptureOverlay::CaptureOverlay(const platform::CapturedDisplay &display, const S
     });
     connect(&m_hover, &HoverTracker::changed, this, &CaptureOverlay::scheduleUpdate);
     refreshHoverScene();
+    connectTools();
     rebuildHints();
 }
 
@@ -78,6 +58,8 @@ CaptureOverlay::~CaptureOverlay() = default;
 void CaptureOverlay::setConfig(const SettingsConfig &config)
 {
     m_config = config;
+    m_document.setMarkerSnapText(config.markerSnapText);
+    m_panels->setConfig(config);
     m_hintKey = -1;
     rebuildHints();
     scheduleUpdate();
@@ -129,34 +111,9 @@ void CaptureOverlay::setPickMode(bool pick)
     scheduleUpdate();
 }
 
-void CaptureOverlay::setToolbar(QWidget *toolbar)
-{
-    m_toolbar = toolbar;
-    toolbar->setParent(this);
-    layoutPanels();
-    scheduleUpdate();
-}
-
 void CaptureOverlay::setAttributeBar(QWidget *bar)
 {
-    m_attributeBar = bar;
-    bar->setParent(this);
-    layoutPanels();
-    scheduleUpdate();
-}
-
-void CaptureOverlay::moveToolbar(const QPoint &position)
-{
-    m_toolbarPos = position;
-    layoutPanels();
-    scheduleUpdate();
-}
-
-void CaptureOverlay::setTool(ToolType tool)
-{
-    m_document.setTool(tool);
-    layoutPanels();
-    updateCursor(m_pointer);
+    m_panels->setAttributeBar(bar);
     scheduleUpdate();
 }
 
@@ -215,7 +172,7 @@ void CaptureOverlay::pressLeft(const QPointF &point)
     } else if (hasTool()) {
         // Beside the selection only a shape can be taken, so that a stray click does not lose the selection.
         const QPointF inside = inPicture(point);
-        if (m_selection.contains(point) || m_document.hitAny(inside.x(), inside.y(), kHandleTolerance))
+        if (m_selection.contains(point) || m_document.hitAny(inside.x(), inside.y(), kShapeHandleTolerance))
             beginDrawing(point);
     } else if (hit == kInsideHit) {
         changeMode(OverlayMode::Moving);
@@ -238,13 +195,6 @@ void CaptureOverlay::beginSelection(const QPointF &point)
     changeMode(OverlayMode::Selecting);
     m_selection = QRectF(point, QSizeF(0, 0));
     Q_EMIT selectionStarted();
-}
-
-void CaptureOverlay::beginDrawing(const QPointF &point)
-{
-    const QPointF inside = inPicture(point);
-    m_document.press(inside.x(), inside.y(), kHandleTolerance);
-    changeMode(OverlayMode::Drawing);
 }
 
 void CaptureOverlay::mouseMoveEvent(QMouseEvent *event)
@@ -302,8 +252,7 @@ void CaptureOverlay::mouseReleaseEvent(QMouseEvent *event)
         layoutPanels();
         break;
     case OverlayMode::Drawing:
-        m_document.release();
-        changeMode(OverlayMode::Idle);
+        endDrawing();
         break;
     }
     updateCursor(m_pointer);
@@ -373,9 +322,16 @@ void CaptureOverlay::resizeEvent(QResizeEvent *event)
     layoutPanels();
 }
 
+void CaptureOverlay::closeEvent(QCloseEvent *event)
+{
+    // A session manager or the user by way of the window list; the session has to end with its overlay.
+    event->accept();
+    Q_EMIT closeRequested();
+}
+
 void CaptureOverlay::clearSelection()
 {
-    m_toolbarPos.reset();
+    m_panels->forgetPosition();
     m_selection = {};
     changeMode(OverlayMode::Idle);
     m_document.loadState(QStringLiteral("[]"), QStringLiteral("{}"), {}, 0);
@@ -413,57 +369,28 @@ void CaptureOverlay::updateHover(const QPointF &point)
         m_hover.clear();
 }
 
-void CaptureOverlay::wheelEvent(QWheelEvent *event)
-{
-    if (isHovering())
-        m_hover.wheel(*event, m_config.wheelZoomReversed);
-    event->accept();
-}
-
-bool CaptureOverlay::event(QEvent *event)
-{
-    if (event->type() == QEvent::NativeGesture) {
-        const auto *gesture = static_cast<QNativeGestureEvent *>(event);
-        if (gesture->gestureType() == Qt::ZoomNativeGesture && isHovering())
-            m_hover.walkSmoothly(gestureValue(gesture->value()) / kGestureSlowness);
-    }
-    return QWidget::event(event);
-}
-
 void CaptureOverlay::updateCursor(const QPointF &point)
 {
-    Qt::CursorShape shape = Qt::CrossCursor;
+    QCursor wanted(Qt::CrossCursor);
     if (m_mode == OverlayMode::Moving)
-        shape = Qt::ClosedHandCursor;
+        wanted = Qt::ClosedHandCursor;
     else if (m_mode == OverlayMode::Resizing)
-        shape = cursorOfHit(m_activeHandle);
+        wanted = cursorOfHit(m_activeHandle);
+    else if (m_mode == OverlayMode::Drawing)
+        return; // keeps the one it began with
     else if (m_mode == OverlayMode::Idle && hasSelection())
-        shape = cursorOfHit(hasTool() ? hitNarrow(m_selection, point) : hitBroad(m_selection, point));
-    if (cursor().shape() != shape)
-        setCursor(shape);
+        wanted = hasTool() ? toolCursor(point) : QCursor(cursorOfHit(hitBroad(m_selection, point)));
+    if (cursor() != wanted)
+        setCursor(wanted);
 }
 
 void CaptureOverlay::layoutPanels()
 {
-    const bool showsToolbar = m_toolbar && !m_pickMode && hasSelection() && m_mode != OverlayMode::Selecting;
-    const bool showsBar = showsToolbar && m_attributeBar && hasTool();
-    if (showsToolbar) {
-        m_toolbar->adjustSize();
-        if (m_attributeBar)
-            m_attributeBar->adjustSize();
-        // Room for the bar is kept while it is hidden: the toolbar must not jump away from a click on a tool.
-        const PanelPlacement place = placePanels(m_selection, size(), m_toolbar->size(),
-                                                 m_attributeBar ? m_attributeBar->size() : QSize(), m_toolbarPos);
-        if (m_toolbarPos)
-            m_toolbarPos = place.toolbar;
-        m_toolbar->move(place.toolbar);
-        if (showsBar)
-            m_attributeBar->move(place.attributeBar);
-    }
-    if (m_toolbar)
-        m_toolbar->setVisible(showsToolbar);
-    if (m_attributeBar)
-        m_attributeBar->setVisible(showsBar);
+    m_panels->show({.selection = m_selection,
+                    .isShown = !m_pickMode && hasSelection() && m_mode != OverlayMode::Selecting,
+                    .tool = m_document.tool(),
+                    .canUndo = m_document.canUndo(),
+                    .canRedo = m_document.canRedo()});
 }
 
 void CaptureOverlay::setStarter(AutoStart what, std::function<void()> starter)

@@ -12,8 +12,10 @@
 #include "platform/screen_capturer.h"
 #include "record/record_request.h"
 #include "settings/settings_config.h"
+#include "ui/brush_cursor.h"
+#include "ui/marker_lines.h"
+#include "ui/wheel_steps.h"
 
-#include <QPointer>
 #include <QTimer>
 #include <QWidget>
 
@@ -29,6 +31,7 @@ class IWindowController;
 namespace tavrel::ui {
 
 class ElementProbe;
+class OverlayPanels;
 
 /// Stands over one display from the end of the grab until a result leaves it: selection, keys, annotations.
 ///
@@ -57,12 +60,12 @@ public:
     void setRecordPrefs(const record::RecordPrefs &prefs) { m_recordPrefs = prefs; }
     [[nodiscard]] const record::RecordPrefs &recordPrefs() const { return m_recordPrefs; }
 
-    /// Panels of the selection; the overlay becomes their parent. The toolbar shows with every selection, the attribute
-    /// bar only while a tool is active.
-    void setToolbar(QWidget *toolbar);
+    /// The bar below the toolbar while a tool is active; the overlay becomes its parent.
     void setAttributeBar(QWidget *bar);
-    void moveToolbar(const QPoint &position);
+    /// Finds the lines of text that highlighter strokes are pulled onto; without it there are none.
+    void setLineSearch(LineSearch search);
     void setTool(ToolType tool);
+    [[nodiscard]] const OverlayPanels &panels() const { return *m_panels; }
 
     /// What can begin by itself as soon as a selection stands.
     enum class AutoStart { TextRecognition, LongCapture };
@@ -122,6 +125,7 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
     bool event(QEvent *event) override;
 
 private:
@@ -131,6 +135,7 @@ private:
     void pressRight();
     void beginSelection(const QPointF &point);
     void beginDrawing(const QPointF &point);
+    void endDrawing();
     void endSelecting();
     void finishPick();
     void changeMode(OverlayMode mode);
@@ -145,8 +150,25 @@ private:
     void connectProbe(ElementProbe *probe);
     [[nodiscard]] QPointF globalOrigin() const { return m_display.geometry.topLeft() - m_picture.origin(); }
     void updateCursor(const QPointF &point);
+    /// Brings the panels in step with selection, tool and history, and puts them in their places.
     void layoutPanels();
     void consumeArmedStarts();
+
+    // tools
+    void connectTools();
+    void runAction(ToolType action);
+    void tellMissing();
+    [[nodiscard]] bool canStart(AutoStart what) const;
+    void startTextRecognition();
+    void undoShapes();
+    void redoShapes();
+    void removeSelectedShape();
+    /// The pointer over a selection while a tool is active.
+    [[nodiscard]] QCursor toolCursor(const QPointF &point);
+    /// Wheel and zoom gesture over a selection or with a tool.
+    void stepByWheel(int value, int sizeValue, bool isSize);
+    void ensureMarkerLines();
+    void trackMarkerSnap();
     [[nodiscard]] QImage renderedSelection() const;
     void requestCopy();
     void requestSave();
@@ -166,11 +188,13 @@ private:
     [[nodiscard]] MagnifierLook magnifierLook() const;
     [[nodiscard]] QRectF hintBox() const;
     void rebuildHints();
-    void paintSelection(QPainter &painter) const;
-    /// What the shapes may touch on the overlay.
-    [[nodiscard]] QRectF shapesBox() const;
+    void paintSelection(QPainter &painter, const QRegion &exposed) const;
+    /// Where shapes look different since the last call.
+    [[nodiscard]] QRegion shapeDamage();
     /// The hovered rectangle while it is painted.
     [[nodiscard]] QRectF shownHover() const;
+
+    static constexpr double kShapeHandleTolerance = 15; ///< half side of the square around a handle of a shape
 
     platform::DisplayInfo m_display;
     SettingsConfig m_config;
@@ -180,15 +204,19 @@ private:
     QPointer<ElementProbe> m_probe;
     std::shared_ptr<platform::IWindowController> m_windowController;
     record::RecordPrefs m_recordPrefs;
-    QPointer<QWidget> m_toolbar;
-    QPointer<QWidget> m_attributeBar;
-    std::optional<QPoint> m_toolbarPos;
+    OverlayPanels *m_panels;
+    MarkerLines *m_markerLines;
+    BrushCursor m_brush;
+    WheelAccumulator m_toolWheel;
+    WheelAccumulator m_sizeWheel;
     struct Start
     {
         bool isArmed = false;
         std::function<void()> starter;
     };
     std::array<Start, 2> m_starts; ///< by AutoStart
+    qsizetype m_shapesAtPress = 0;
+    bool m_markerSnap = false; ///< as last told
 
     QRectF m_selection;
     OverlayMode m_mode = OverlayMode::Idle;

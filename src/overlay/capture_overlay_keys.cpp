@@ -61,14 +61,13 @@ bool CaptureOverlay::handleEditKey(const KeyCombo &combo)
     const KeyCombo redo{.key = Qt::Key_Z, .ctrl = true, .shift = true};
     const KeyCombo otherRedo{.key = Qt::Key_Y, .ctrl = true};
     if (combo == undo)
-        m_document.undo();
+        undoShapes();
     else if (combo == redo || combo == otherRedo)
-        m_document.redo();
+        redoShapes();
     else if ((combo.key == Qt::Key_Delete || combo.key == Qt::Key_Backspace) && m_document.selected())
-        m_document.removeSelected();
+        removeSelectedShape();
     else
         return false;
-    scheduleUpdate();
     return true;
 }
 

@@ -3,13 +3,12 @@
 
 #include "annotate/selection_marks.h"
 #include "overlay/overlay_marks.h"
+#include "overlay/overlay_panels.h"
 #include "overlay/selection_geometry.h"
 
 #include <QPaintEvent>
 #include <QPainter>
 #include <QScreen>
-
-#include <algorithm>
 
 namespace tavrel::ui {
 namespace {
@@ -42,7 +41,7 @@ void CaptureOverlay::paintEvent(QPaintEvent *event)
         return !part.isNull() && event->region().intersects(part.toAlignedRect());
     };
     if (hasSelection())
-        paintSelection(painter);
+        paintSelection(painter, event->region());
     else if (isTouched(now.hover))
         paintRectOutline(painter, shownHover(), 1.0);
     if (isTouched(now.hint))
@@ -55,7 +54,7 @@ void CaptureOverlay::paintEvent(QPaintEvent *event)
     m_painted = now;
 }
 
-void CaptureOverlay::paintSelection(QPainter &painter) const
+void CaptureOverlay::paintSelection(QPainter &painter, const QRegion &exposed) const
 {
     painter.save();
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
@@ -64,6 +63,8 @@ void CaptureOverlay::paintSelection(QPainter &painter) const
     context.backdrop = &m_picture.image();
     context.canvasBounds = m_selection.translated(-m_picture.origin());
     context.contentClip = context.canvasBounds;
+    for (const QRect &part : exposed)
+        context.exposed.append(QRectF(part).translated(-m_picture.origin()));
     m_document.paint(painter, context);
     painter.restore();
 
@@ -72,15 +73,16 @@ void CaptureOverlay::paintSelection(QPainter &painter) const
     paintSizeLabel(painter, sizeLabelBox(m_selection, text, width()), text);
 }
 
-QRectF CaptureOverlay::shapesBox() const
+QRegion CaptureOverlay::shapeDamage()
 {
-    const auto &shapes = m_document.shapes();
-    const bool fillsSelection = std::any_of(shapes.begin(), shapes.end(), [](const auto &shape) {
-        return shape->type() == ToolType::Spotlight || shape->type() == ToolType::Watermark;
-    });
-    const QRectF box = m_document.boundsPadded();
-    const QRectF onOverlay = box.isNull() ? QRectF() : box.translated(m_picture.origin());
-    return fillsSelection ? onOverlay.united(m_selection) : onOverlay;
+    QRegion damage;
+    for (const QRectF &place : m_document.takeDamage()) {
+        if (place.isNull())
+            damage += rect();
+        else
+            damage += place.translated(m_picture.origin()).toAlignedRect().adjusted(-1, -1, 1, 1);
+    }
+    return damage;
 }
 
 QRectF CaptureOverlay::shownHover() const
@@ -123,11 +125,7 @@ QRectF CaptureOverlay::hintBox() const
     const QRectF box = m_hints.place(height(), inset);
     const QRectF reach = grown(box, 8);
     const auto isCovered = [&reach](const QRectF &other) { return !other.isEmpty() && reach.intersects(other); };
-    const auto isPanelOver = [&](const QWidget *panel) {
-        return panel && panel->isVisible() && isCovered(QRectF(panel->geometry()));
-    };
-    if (box.top() < 0 || isCovered(m_selection) || isCovered(m_hover.target()) || isPanelOver(m_toolbar) ||
-        isPanelOver(m_attributeBar))
+    if (box.top() < 0 || isCovered(m_selection) || isCovered(m_hover.target()) || m_panels->cover(reach))
         return {};
     return box;
 }
@@ -141,7 +139,6 @@ PaintedRegions CaptureOverlay::regionsNow() const
         if (m_mode == OverlayMode::Selecting || m_mode == OverlayMode::Moving || m_mode == OverlayMode::Resizing)
             now.selectionRect = m_selection;
         now.sizeLabel = grown(sizeLabelBox(m_selection, sizeText(), width()), 4);
-        now.shapes = shapesBox();
     }
     now.hover = grown(shownHover(), 4);
     now.hint = grown(hintBox(), 4);
@@ -156,7 +153,8 @@ PaintedRegions CaptureOverlay::regionsNow() const
 void CaptureOverlay::scheduleUpdate()
 {
     rebuildHints();
-    update(dirtyRegion(m_painted, regionsNow(), rect()));
+    const QRegion shapes = shapeDamage();
+    update(dirtyRegion(m_painted, regionsNow(), rect()) + (hasSelection() ? shapes : QRegion()));
 }
 
 } // namespace tavrel::ui

@@ -3,7 +3,7 @@
 #include "base/host_clock.h"
 #include "overlay/edge_region_finder.h"
 #include "overlay/hover_candidates.h"
-#include "overlay/wheel_steps.h"
+#include "ui/wheel_steps.h"
 
 #include <QFutureWatcher>
 #include <QImage>

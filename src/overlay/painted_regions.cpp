@@ -39,7 +39,6 @@ QRegion dirtyRegion(const PaintedRegions &before, const PaintedRegions &now, con
         if (before.*part != now.*part)
             addBoth(part);
     };
-    addBoth(&PaintedRegions::shapes);
     if (before.selectionRect.isNull() || now.selectionRect.isNull()) {
         addChanged(&PaintedRegions::selectionBox);
     } else {

@@ -13,9 +13,8 @@ struct PaintedRegions
     QRectF selectionBox;    ///< selection grown by 16 on each side
     QRectF selectionRect;   ///< the selection while it is being drawn, moved or resized
     QRectF sizeLabel;       ///< grown by 4
-    QRectF shapes;
-    QRectF hover; ///< grown by 4
-    QRectF hint;  ///< grown by 4
+    QRectF hover;           ///< grown by 4
+    QRectF hint;            ///< grown by 4
     int hintKey = 0;
     QRectF magnifier; ///< grown by 3
     QRectF toast;     ///< grown by 4

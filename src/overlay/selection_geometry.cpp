@@ -93,6 +93,28 @@ int hitNarrow(const QRectF &selection, const QPointF &point)
     return kNoHit;
 }
 
+Qt::CursorShape cursorOfHit(int hit)
+{
+    switch (hit) {
+    case 0:
+    case 7:
+        return Qt::SizeFDiagCursor;
+    case 2:
+    case 5:
+        return Qt::SizeBDiagCursor;
+    case 1:
+    case 6:
+        return Qt::SizeVerCursor;
+    case 3:
+    case 4:
+        return Qt::SizeHorCursor;
+    case kInsideHit:
+        return Qt::OpenHandCursor;
+    default:
+        return Qt::CrossCursor;
+    }
+}
+
 QRectF resizedSelection(const QRectF &pressed, int handle, const QPointF &delta, const QRectF &area)
 {
     QRectF result = pressed;

@@ -17,6 +17,9 @@ inline constexpr int kInsideHit = 8;
 /// Never kInsideHit.
 [[nodiscard]] int hitNarrow(const QRectF &selection, const QPointF &point);
 
+/// The pointer over a hit.
+[[nodiscard]] Qt::CursorShape cursorOfHit(int hit);
+
 /// The selection after dragging one of its handles, cut to `area`. Dragging over the opposite edge flips it.
 [[nodiscard]] QRectF resizedSelection(const QRectF &pressed, int handle, const QPointF &delta, const QRectF &area);
 /// The selection after dragging it as a whole: it keeps its size and stays within `area`.

@@ -1,5 +1,7 @@
 #include "overlay/capture_overlay.h"
 #include "overlay/element_probe.h"
+#include "overlay/overlay_panels.h"
+#include "overlay/toolbar_widget.h"
 #include "support/test_main.h"
 
 #include <QApplication>
@@ -482,33 +484,31 @@ private Q_SLOTS:
 
     void panelsGoWithTheSelection()
     {
-        auto *toolbar = new QWidget;
-        toolbar->setFixedSize(200, 30);
         auto *bar = new QWidget;
         bar->setFixedSize(150, 20);
-        m_overlay->setToolbar(toolbar);
         m_overlay->setAttributeBar(bar);
-        QVERIFY(!toolbar->isVisible());
+        const auto toolbar = [this] { return m_overlay->panels().toolbar(); };
         send(QEvent::MouseButtonPress, {100, 100});
         send(QEvent::MouseMove, {400, 200});
-        QVERIFY(!toolbar->isVisible());
+        QVERIFY(!toolbar() || !toolbar()->isVisible());
         send(QEvent::MouseButtonRelease, {400, 200});
-        QVERIFY(toolbar->isVisible() && !bar->isVisible());
-        QCOMPARE(toolbar->pos(), QPoint(200, 215));
+        QVERIFY(toolbar()->isVisible() && !bar->isVisible());
+        const QPoint place = toolbar()->pos();
+        QCOMPARE(place.y(), 215);
         m_overlay->setTool(ToolType::Rect);
         QVERIFY(bar->isVisible());
-        QCOMPARE(toolbar->pos(), QPoint(200, 215)); // it does not jump away from under the pointer
-        QCOMPARE(bar->pos(), QPoint(200, 251));
+        QCOMPARE(toolbar()->pos(), place); // it does not jump away from under the pointer
+        QCOMPARE(bar->y(), place.y() + toolbar()->height() + 6);
         m_overlay->setTool(ToolType::None);
         send(QEvent::MouseButtonPress, {250, 150});
         send(QEvent::MouseMove, {260, 160});
-        QCOMPARE(toolbar->pos(), QPoint(210, 225));
+        QCOMPARE(toolbar()->y(), 225);
         send(QEvent::MouseButtonRelease, {260, 160});
         m_overlay->clearSelection();
-        QVERIFY(!toolbar->isVisible());
+        QVERIFY(!toolbar()->isVisible());
         m_overlay->setPickMode(true);
         m_overlay->setSelectionRect({100, 100, 200, 150});
-        QVERIFY(!toolbar->isVisible());
+        QVERIFY(!toolbar()->isVisible());
     }
 
     void theHintCardGivesWayToTheSelection()
@@ -516,6 +516,8 @@ private Q_SLOTS:
         SettingsConfig config;
         config.showOperationTips = false;
         CaptureOverlay without(captured(), config);
+        for (CaptureOverlay *overlay : {m_overlay.get(), &without})
+            overlay->setPickMode(true); // no panels, which the card gives way to as well
         const QRect corner(16, 400, 60, 60);
         const auto isShown = [&] { return m_overlay->grab(corner).toImage() != without.grab(corner).toImage(); };
         QVERIFY(isShown());
@@ -538,10 +540,6 @@ private Q_SLOTS:
         };
         QPoint at(320, 240);
         bool held = false;
-        auto *toolbar = new QWidget;
-        toolbar->setFixedSize(200, 30);
-        toolbar->setAutoFillBackground(true);
-        m_overlay->setToolbar(toolbar);
         OverlaySnapshot other;
         other.image = captured().image.copy(0, 0, 500, 300);
         other.image.setDevicePixelRatio(1);
@@ -567,11 +565,13 @@ private Q_SLOTS:
             } else if (action == 19 && !held) {
                 m_overlay->clearSelection();
             } else if (action == 20 && !held) {
-                m_overlay->setTool(random.bounded(2U) == 0 ? ToolType::Spotlight : ToolType::None);
+                static constexpr std::array tools{ToolType::None, ToolType::Rect,   ToolType::Arrow, ToolType::Pen,
+                                                  ToolType::None, ToolType::Marker, ToolType::Circle};
+                m_overlay->setTool(tools[random.bounded(static_cast<quint32>(tools.size()))]);
             } else if (action == 21) {
                 QTest::mouseMove(m_overlay.get(), at + QPoint(1, 0)); // hardly anything changes
             } else if (action == 22 && !held) {
-                m_overlay->moveToolbar(point());
+                turnWheel(random.bounded(2U) == 0 ? 120 : -360);
             } else if (action == 23 && !held && random.bounded(4U) == 0) {
                 m_overlay->loadSnapshot(random.bounded(2U) == 0 ? other : live);
             } else if (action == 24) {
@@ -601,6 +601,12 @@ private Q_SLOTS:
     }
 
 private:
+    void turnWheel(int angle, Qt::KeyboardModifiers modifiers = {})
+    {
+        QWheelEvent event({200, 150}, {200, 150}, {}, {0, angle}, Qt::NoButton, modifiers, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(m_overlay.get(), &event);
+    }
+
     void send(QEvent::Type type, const QPointF &at)
     {
         const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;

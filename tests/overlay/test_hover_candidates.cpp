@@ -1,5 +1,5 @@
 #include "overlay/hover_candidates.h"
-#include "overlay/wheel_steps.h"
+#include "ui/wheel_steps.h"
 #include "support/test_main.h"
 
 #include <QGuiApplication>

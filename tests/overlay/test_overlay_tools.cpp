@@ -1,0 +1,336 @@
+#include "annotate/path_shape.h"
+#include "overlay/capture_overlay.h"
+#include "overlay/overlay_panels.h"
+#include "overlay/tool_guide_bubble.h"
+#include "overlay/toolbar_config_dialog.h"
+#include "overlay/toolbar_widget.h"
+#include "support/test_main.h"
+#include "ui/tool_steps.h"
+
+#include <QApplication>
+#include <QMouseEvent>
+#include <QNativeGestureEvent>
+#include <QSignalSpy>
+#include <QWheelEvent>
+
+using namespace tavrel;
+using ui::CaptureOverlay;
+
+namespace {
+
+constexpr QSize kSize(640, 480);
+
+platform::CapturedDisplay captured()
+{
+    platform::CapturedDisplay display;
+    display.id = 1;
+    display.geometry = QRect(QPoint(0, 0), kSize);
+    display.devicePixelRatio = qApp->devicePixelRatio();
+    display.image = QImage((QSizeF(kSize) * display.devicePixelRatio).toSize(), QImage::Format_ARGB32_Premultiplied);
+    display.image.fill(QColor(240, 240, 240));
+    display.image.setDevicePixelRatio(display.devicePixelRatio);
+    return display;
+}
+
+} // namespace
+
+class OverlayToolsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_overlay = std::make_unique<CaptureOverlay>(captured(), SettingsConfig());
+        m_overlay->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_overlay.get()));
+        m_overlay->setSelectionRect({50, 50, 500, 300});
+    }
+
+    void cleanup() { m_overlay.reset(); }
+
+    /// Every tool draws inside the selection, and the result shows what the overlay shows.
+    void toolsDrawAndTheResultIsWhatWasSeen()
+    {
+        QSignalSpy copied(m_overlay.get(), &CaptureOverlay::copyRequested);
+        SettingsConfig config;
+        config.toolGuideShown = true; // these would lie over the shapes
+        config.showMagnifier = config.showColorPicker = false;
+        m_overlay->setConfig(config);
+        int count = 0;
+        double y = 70;
+        for (const ToolType tool :
+             {ToolType::Rect, ToolType::Circle, ToolType::Line, ToolType::Arrow, ToolType::Pen, ToolType::Marker}) {
+            m_overlay->setTool(tool);
+            drag({{90, y}, {150, y + 20}, {320, y + 25}});
+            QCOMPARE(document().shapes().size(), ++count);
+            QCOMPARE(document().shapes().last()->type(), tool);
+            y += 35;
+        }
+        document().clearSelection();
+        m_overlay->setTool(ToolType::None);
+        QTest::keyClick(m_overlay.get(), Qt::Key_Return);
+        QCOMPARE(copied.count(), 1);
+        const QImage result = copied.first().first().value<QImage>();
+        const double ratio = qApp->devicePixelRatio();
+        const QImage seen = m_overlay->grab(QRect(50, 50, 500, 300)).toImage();
+        int inked = 0;
+        for (int row = qRound(20 * ratio); row < qRound(280 * ratio); ++row) { // away from the selection's marks
+            for (int column = qRound(17 * ratio); column < qRound(400 * ratio); ++column) {
+                const QColor expected = seen.pixelColor(column, row);
+                QCOMPARE(result.pixelColor(column, row), expected);
+                inked += expected != QColor(240, 240, 240);
+            }
+        }
+        QVERIFY(inked > 2000 * ratio);
+    }
+
+    void shapesArePickedMovedAndRemoved()
+    {
+        m_overlay->setTool(ToolType::Rect);
+        drag({{100, 100}, {200, 160}});
+        m_overlay->setTool(ToolType::Arrow);
+        drag({{300, 100}, {400, 200}});
+        // A click that draws nothing takes the shape below, and the tool follows it.
+        drag({{100, 130}, {100, 130}});
+        QCOMPARE(document().shapes().size(), 2);
+        QCOMPARE(document().tool(), ToolType::Rect);
+        QCOMPARE(document().selected(), document().shapes().last().get());
+        drag({{100, 130}, {120, 150}});
+        QCOMPARE(*document().selected()->bounds(), QRectF(120, 120, 100, 60));
+        drag({{220, 180}, {260, 200}}); // its corner
+        QCOMPARE(*document().selected()->bounds(), QRectF(120, 120, 140, 80));
+        QTest::keyClick(m_overlay.get(), Qt::Key_Delete);
+        QCOMPARE(document().shapes().size(), 1);
+        QTest::keyClick(m_overlay.get(), Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(document().shapes().size(), 2);
+        QTest::keyClick(m_overlay.get(), Qt::Key_Y, Qt::ControlModifier);
+        QCOMPARE(document().shapes().size(), 1);
+        m_overlay->setTool(ToolType::Eraser);
+        drag({{350, 90}, {350, 150}});
+        QCOMPARE(document().shapes().size(), 0);
+    }
+
+    void theToolbarRunsTheOverlay()
+    {
+        ui::ToolbarWidget *toolbar = m_overlay->panels().toolbar();
+        Q_EMIT toolbar->toolSelected(ToolType::Pen);
+        drag({{100, 100}, {150, 130}, {200, 100}});
+        QCOMPARE(document().shapes().size(), 1);
+        Q_EMIT toolbar->actionTriggered(ToolType::Undo);
+        QCOMPARE(document().shapes().size(), 0);
+        Q_EMIT toolbar->actionTriggered(ToolType::Redo);
+        QCOMPARE(document().shapes().size(), 1);
+        for (const auto &[action, signal] : {std::pair(ToolType::Copy, SIGNAL(copyRequested(QImage))),
+                                             std::pair(ToolType::Save, SIGNAL(saveRequested(QImage))),
+                                             std::pair(ToolType::Pin, SIGNAL(pinRequested(QImage, QRect))),
+                                             std::pair(ToolType::Cloud, SIGNAL(cloudRequested(QImage))),
+                                             std::pair(ToolType::Cancel, SIGNAL(closeRequested()))}) {
+            QSignalSpy spy(m_overlay.get(), signal);
+            Q_EMIT toolbar->actionTriggered(action);
+            QCOMPARE(spy.count(), 1);
+        }
+        // Something that cannot be done says so.
+        const QImage before = m_overlay->grab().toImage();
+        Q_EMIT toolbar->actionTriggered(ToolType::Ocr);
+        QVERIFY(m_overlay->grab().toImage() != before);
+    }
+
+    void closedFromOutsideItEndsTheSession()
+    {
+        QSignalSpy closed(m_overlay.get(), &CaptureOverlay::closeRequested);
+        QVERIFY(m_overlay->close());
+        QCOMPARE(closed.count(), 1);
+    }
+
+    void theGuideGoesAwayForGood()
+    {
+        QSignalSpy dismissed(m_overlay.get(), &CaptureOverlay::toolGuideDismissed);
+        auto *guide = m_overlay->findChild<ui::ToolGuideBubble *>();
+        QVERIFY(guide && guide->isVisible());
+        Q_EMIT guide->dismissed();
+        QVERIFY(!guide->isVisible());
+        m_overlay->setSelectionRect({80, 80, 300, 200});
+        QVERIFY(!guide->isVisible());
+        QCOMPARE(dismissed.count(), 1);
+    }
+
+    void theToolbarIsConfiguredInPlace()
+    {
+        QSignalSpy changed(m_overlay.get(), &CaptureOverlay::toolbarConfigChanged);
+        ui::ToolbarWidget *toolbar = m_overlay->panels().toolbar();
+        Q_EMIT toolbar->configRequested();
+        auto *dialog = m_overlay->findChild<ui::ToolbarConfigDialog *>();
+        QVERIFY(dialog && dialog->isVisible());
+        Q_EMIT dialog->configChanged(QStringLiteral("[{\"id\":\"pen\",\"visible\":true}]"));
+        QCOMPARE(toolbar->toolbarLayout().first().tool, ToolType::Pen);
+        QCOMPARE(changed.count(), 1);
+        Q_EMIT dialog->closeRequested();
+        QVERIFY(!dialog->isVisible());
+        QVERIFY(m_overlay->hasSelection());
+    }
+
+    void wheelSteps_data()
+    {
+        QTest::addColumn<int>("tool");
+        QTest::addColumn<int>("angle");
+        QTest::addColumn<bool>("shift");
+        QTest::addColumn<QString>("attributes"); // thickness, font, mosaic, blur, watermark, its font, zoom
+        const auto add = [](const char *name, ToolType tool, int angle, bool shift, const char *attributes) {
+            QTest::newRow(name) << static_cast<int>(tool) << angle << shift << QString::fromLatin1(attributes);
+        };
+        const char *nothing = "3 28 15 3 30 20 2.0";
+        add("pen up", ToolType::Pen, 120, false, "4 28 15 3 30 20 2.0");
+        add("pen to its limit", ToolType::Pen, 120 * 100, false, "30 28 15 3 30 20 2.0");
+        add("arrow down to its limit", ToolType::Arrow, -120 * 9, false, "1 28 15 3 30 20 2.0");
+        add("half a notch", ToolType::Pen, 60, false, nothing);
+        add("eraser", ToolType::Eraser, 240, false, nothing);
+        add("spotlight", ToolType::Spotlight, 240, false, nothing);
+        add("numbers", ToolType::Sequence, -240, false, "3 24 15 3 30 20 2.0");
+        add("text to its limit", ToolType::Text, -12000, false, "3 12 15 3 30 20 2.0");
+        add("mosaic", ToolType::Mosaic, 240, false, "3 28 17 3 30 20 2.0");
+        add("watermark", ToolType::Watermark, 240, false, "3 28 15 3 40 20 2.0");
+        add("watermark's size", ToolType::Watermark, 240, true, "3 28 15 3 30 24 2.0");
+        add("magnifier", ToolType::Magnifier, 120, false, "3 28 15 3 30 20 2.2");
+        add("magnifier to its limit", ToolType::Magnifier, 120000, false, "3 28 15 3 30 20 8.0");
+        add("magnifier's frame", ToolType::Magnifier, 240, true, "5 28 15 3 30 20 2.0");
+        add("shift elsewhere", ToolType::Pen, 120, true, "4 28 15 3 30 20 2.0");
+    }
+
+    void wheelSteps()
+    {
+        QFETCH(int, tool);
+        QFETCH(int, angle);
+        QFETCH(bool, shift);
+        QFETCH(QString, attributes);
+        m_overlay->setTool(static_cast<ToolType>(tool));
+        turnWheel(angle, shift ? Qt::ShiftModifier : Qt::NoModifier);
+        const ShapeAttributes &now = document().attributes();
+        const QString seen = QStringLiteral("%1 %2 %3 %4 %5 %6 %7")
+                                 .arg(now.baseThickness)
+                                 .arg(now.baseFontSize)
+                                 .arg(now.mosaicStrength)
+                                 .arg(now.blurStrength)
+                                 .arg(now.watermarkOpacity * 100)
+                                 .arg(now.watermarkFontSize)
+                                 .arg(now.magnifierZoom, 0, 'f', 1);
+        QCOMPARE(seen, attributes);
+    }
+
+    void smallWheelMovesAddUp()
+    {
+        m_overlay->setTool(ToolType::Pen);
+        for (int i = 0; i < 12; ++i)
+            scroll({0, 5});
+        QCOMPARE(document().attributes().baseThickness, 5.0);
+        scroll({0, 25});
+        scroll({0, -29}); // the other way drops what was left
+        QCOMPARE(document().attributes().baseThickness, 5.0);
+        scroll({0, -1});
+        QCOMPARE(document().attributes().baseThickness, 4.0);
+        scroll({50, 40}); // sideways
+        QCOMPARE(document().attributes().baseThickness, 4.0);
+        SettingsConfig reversed;
+        reversed.wheelZoomReversed = true;
+        m_overlay->setConfig(reversed);
+        turnWheel(-120);
+        QCOMPARE(document().attributes().baseThickness, 5.0);
+        document().setMarkerRectMode(true);
+        m_overlay->setTool(ToolType::Marker);
+        turnWheel(-1200);
+        QCOMPARE(document().attributes().baseThickness, 5.0);
+    }
+
+    void thePointerTellsWhatAPressWouldDo()
+    {
+        m_overlay->setTool(ToolType::Rect);
+        drag({{150, 150}, {250, 250}});
+        const auto shapeAt = [this](const QPointF &at) {
+            send(QEvent::MouseMove, at, Qt::NoButton);
+            return m_overlay->cursor().shape();
+        };
+        QCOMPARE(shapeAt({150, 150}), Qt::SizeFDiagCursor);
+        QCOMPARE(shapeAt({250, 150}), Qt::SizeBDiagCursor);
+        QCOMPARE(shapeAt({200, 150}), Qt::SizeAllCursor);
+        QCOMPARE(shapeAt({400, 200}), Qt::BitmapCursor);
+        QCOMPARE(shapeAt({20, 20}), Qt::ArrowCursor);
+        QCOMPARE(shapeAt({50, 200}), Qt::SizeHorCursor);
+        m_overlay->setTool(ToolType::Text);
+        QCOMPARE(shapeAt({400, 200}), Qt::IBeamCursor);
+        m_overlay->setTool(ToolType::Eraser);
+        QCOMPARE(shapeAt({400, 200}), Qt::CrossCursor);
+        // A thicker pen has a larger pointer.
+        m_overlay->setTool(ToolType::Pen);
+        shapeAt({400, 200});
+        const QSize thin = m_overlay->cursor().pixmap().size();
+        turnWheel(120 * 20);
+        QVERIFY(m_overlay->cursor().pixmap().width() > thin.width() + 15);
+    }
+
+    void highlightersFollowTheLinesThatAreFound()
+    {
+        QList<QPair<QSize, std::function<void(ui::FoundLines)>>> searches;
+        m_overlay->setLineSearch([&](const QImage &picture, QObject *, std::function<void(ui::FoundLines)> answer) {
+            searches.append({picture.size(), std::move(answer)});
+        });
+        QSignalSpy told(m_overlay.get(), &CaptureOverlay::markerSnapChanged);
+        document().setMarkerSnapText(true);
+        m_overlay->setTool(ToolType::Marker);
+        QCOMPARE(told.count(), 1);
+        const double ratio = qApp->devicePixelRatio();
+        QCOMPARE(searches.size(), 1);
+        QCOMPARE(searches[0].first, (QSizeF(500, 300) * ratio).toSize());
+        drag({{100, 100}, {200, 100}});
+        QVERIFY(dynamic_cast<PathShape *>(document().shapes().last().get())); // not known yet
+        QCOMPARE(searches.size(), 1);
+        searches[0].second({.lines = {QRectF(QPointF(30, 60) * ratio, QSizeF(200, 20) * ratio)}, .error = {}});
+        drag({{100, 120}, {200, 120}});
+        QCOMPARE(*document().shapes().last()->bounds(), QRectF(78, 108.5, 204, 23));
+        QCOMPARE(document().shapes().size(), 2);
+
+        // Another selection has other lines.
+        m_overlay->setSelectionRect({60, 60, 400, 200});
+        drag({{100, 200}, {200, 200}});
+        QVERIFY(dynamic_cast<PathShape *>(document().shapes().last().get()));
+        QCOMPARE(searches.size(), 2);
+        QTest::ignoreMessage(QtWarningMsg, "智能整行 OCR 失败：no model");
+        searches[1].second({.lines = {}, .error = QStringLiteral("no model")});
+        drag({{100, 140}, {200, 140}});
+        QCOMPARE(searches.size(), 3); // asked again
+    }
+
+private:
+    ShapeDocument &document() { return m_overlay->document(); }
+
+    void drag(const QList<QPointF> &way)
+    {
+        send(QEvent::MouseButtonPress, way.first());
+        for (const QPointF &at : way)
+            send(QEvent::MouseMove, at);
+        send(QEvent::MouseButtonRelease, way.last());
+    }
+
+    void send(QEvent::Type type, const QPointF &at, Qt::MouseButton held = Qt::LeftButton)
+    {
+        const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : held;
+        QMouseEvent event(type, at, at, at, button, held, Qt::NoModifier);
+        QApplication::sendEvent(m_overlay.get(), &event);
+    }
+
+    void turnWheel(int angle, Qt::KeyboardModifiers modifiers = {})
+    {
+        QWheelEvent event({200, 150}, {200, 150}, {}, {0, angle}, Qt::NoButton, modifiers, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(m_overlay.get(), &event);
+    }
+
+    void scroll(const QPoint &pixels)
+    {
+        QWheelEvent event({200, 150}, {200, 150}, pixels, pixels * 4, Qt::NoButton, {}, Qt::ScrollUpdate, false);
+        QApplication::sendEvent(m_overlay.get(), &event);
+    }
+
+    std::unique_ptr<CaptureOverlay> m_overlay;
+};
+
+TAVREL_TEST_MAIN(QApplication, OverlayToolsTest)
+#include "test_overlay_tools.moc"
