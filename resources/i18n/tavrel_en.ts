@@ -306,6 +306,18 @@
         <source>下一个历史截图</source>
         <translation>Next history screenshot</translation>
     </message>
+    <message>
+        <source>本版本不含文字识别组件</source>
+        <translation>This build does not include text recognition</translation>
+    </message>
+    <message>
+        <source>此版本还没有这个功能</source>
+        <translation>This version cannot do this yet</translation>
+    </message>
+    <message>
+        <source>请先拖拽选定识别区域</source>
+        <translation>Drag to select the area to recognize first</translation>
+    </message>
 </context>
 <context>
     <name>Dialogs</name>
@@ -366,6 +378,150 @@
     <message>
         <source>无法创建目录：%1</source>
         <translation>Cannot create folder: %1</translation>
+    </message>
+</context>
+<context>
+    <name>ToolGuideBubble</name>
+    <message>
+        <source>、</source>
+        <translation>, </translation>
+    </message>
+    <message>
+        <source>%1 收在这里，点箭头展开，还可自行配置</source>
+        <translation>%1 are tucked away here. Click the arrow to expand; you can also customize them</translation>
+    </message>
+</context>
+<context>
+    <name>ToolbarConfigDialog</name>
+    <message>
+        <source>取消</source>
+        <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>完成</source>
+        <translation>Done</translation>
+    </message>
+</context>
+<context>
+    <name>ToolbarLayoutEditor</name>
+    <message>
+        <source>工具栏配置</source>
+        <translation>Toolbar settings</translation>
+    </message>
+    <message>
+        <source>恢复默认</source>
+        <translation>Restore defaults</translation>
+    </message>
+    <message>
+        <source>按住工具拖动：在工具栏内松手 = 调整位置；拖进下方「待选工具」= 收起</source>
+        <translation>Drag a tool: drop it inside the toolbar to move it, or onto “Available tools” below to collapse it</translation>
+    </message>
+    <message>
+        <source>工具栏</source>
+        <translation>Toolbar</translation>
+    </message>
+    <message>
+        <source>待选工具（拖到这里 = 收起）</source>
+        <translation>Available tools (drop here to collapse)</translation>
+    </message>
+</context>
+<context>
+    <name>ToolbarWidget</name>
+    <message>
+        <source>形状</source>
+        <translation>Shape</translation>
+    </message>
+    <message>
+        <source>线条</source>
+        <translation>Lines</translation>
+    </message>
+    <message>
+        <source>画笔</source>
+        <translation>Pen</translation>
+    </message>
+    <message>
+        <source>马克笔</source>
+        <translation>Marker</translation>
+    </message>
+    <message>
+        <source>橡皮</source>
+        <translation>Eraser</translation>
+    </message>
+    <message>
+        <source>智能擦除</source>
+        <translation>Smart erase</translation>
+    </message>
+    <message>
+        <source>聚光灯</source>
+        <translation>Spotlight</translation>
+    </message>
+    <message>
+        <source>放大镜</source>
+        <translation>Magnifier</translation>
+    </message>
+    <message>
+        <source>水印</source>
+        <translation>Watermark</translation>
+    </message>
+    <message>
+        <source>马赛克</source>
+        <translation>Mosaic</translation>
+    </message>
+    <message>
+        <source>文字</source>
+        <translation>Text</translation>
+    </message>
+    <message>
+        <source>序号</source>
+        <translation>Numbers</translation>
+    </message>
+    <message>
+        <source>OCR</source>
+        <translation>OCR</translation>
+    </message>
+    <message>
+        <source>录制</source>
+        <translation>Record</translation>
+    </message>
+    <message>
+        <source>长截图</source>
+        <translation>Long screenshot</translation>
+    </message>
+    <message>
+        <source>撤销</source>
+        <translation>Undo</translation>
+    </message>
+    <message>
+        <source>重做</source>
+        <translation>Redo</translation>
+    </message>
+    <message>
+        <source>取消</source>
+        <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>贴图</source>
+        <translation>Pin</translation>
+    </message>
+    <message>
+        <source>上传</source>
+        <translation>Upload</translation>
+    </message>
+    <message>
+        <source>保存</source>
+        <translation>Save</translation>
+    </message>
+    <message>
+        <source>复制</source>
+        <translation>Copy</translation>
+    </message>
+    <message>
+        <source>配置工具栏</source>
+        <translation>Configure toolbar</translation>
+    </message>
+    <message>
+        <source>展开收起的工具</source>
+        <translation>Show collapsed tools</translation>
     </message>
 </context>
 <context>

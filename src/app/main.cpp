@@ -7,7 +7,6 @@
 #include "app/logging.h"
 #include "app/one_shot.h"
 #include "app/single_instance.h"
-#include "app/toolbar_preview.h"
 #include "platform/synthetic/synthetic_capturer.h"
 #include "settings/settings_store.h"
 #include "ui/glyphs.h"
@@ -65,8 +64,6 @@ int main(int argc, char *argv[])
     qInfo().noquote() << QStringLiteral("Tavrel %1 启动（日志：%2）").arg(QApplication::applicationVersion(), log);
 
     if (const int code = runOneShot(QApplication::arguments()); code >= 0)
-        return code;
-    if (const int code = runToolbarPreview(QApplication::arguments()); code >= 0)
         return code;
     QApplication::setQuitOnLastWindowClosed(false);
 

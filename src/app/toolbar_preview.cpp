@@ -96,41 +96,34 @@ QImage inBothThemes(const std::function<std::unique_ptr<QWidget>(const ui::Theme
     return both;
 }
 
-struct Preview
+int render(const char *option, const QStringList &values, std::unique_ptr<QWidget> (*make)(const ui::Theme &theme))
 {
-    const char *option;
-    std::unique_ptr<QWidget> (*make)(const ui::Theme &theme);
-};
-
-constexpr Preview kPreviews[] = {
-    {"--render-toolbar-preview", toolbars},
-    {"--render-toolbar-config-preview", configDialog},
-};
+    const QString path = values.value(0);
+    if (path.isEmpty() || path.startsWith(u"--")) {
+        std::fprintf(stderr, "用法: tavrel %s <out.png> [--lang en]\n", option);
+        return 2;
+    }
+    LanguageApplier language;
+    const auto lang = values.indexOf(QStringLiteral("--lang"));
+    language.apply(lang > 0 ? values.value(lang + 1) : QStringLiteral("system"));
+    if (inBothThemes(make).save(path)) {
+        std::printf("%s\n", qPrintable(path));
+        return 0;
+    }
+    std::fprintf(stderr, "无法写入 %s\n", qPrintable(path));
+    return 1;
+}
 
 } // namespace
 
-int runToolbarPreview(const QStringList &arguments)
+int renderToolbarPreview(const QStringList &values)
 {
-    for (const Preview &preview : kPreviews) {
-        const auto at = arguments.indexOf(QString::fromLatin1(preview.option));
-        if (at <= 0)
-            continue;
-        const QString path = arguments.value(at + 1);
-        if (path.isEmpty() || path.startsWith(u"--")) {
-            std::fprintf(stderr, "用法: tavrel %s <out.png> [--lang en]\n", preview.option);
-            return 2;
-        }
-        LanguageApplier language;
-        const auto lang = arguments.indexOf(QStringLiteral("--lang"));
-        language.apply(lang > 0 ? arguments.value(lang + 1) : QStringLiteral("system"));
-        if (inBothThemes(preview.make).save(path)) {
-            std::printf("%s\n", qPrintable(path));
-            return 0;
-        }
-        std::fprintf(stderr, "无法写入 %s\n", qPrintable(path));
-        return 1;
-    }
-    return -1;
+    return render("--render-toolbar-preview", values, toolbars);
+}
+
+int renderToolbarConfigPreview(const QStringList &values)
+{
+    return render("--render-toolbar-config-preview", values, configDialog);
 }
 
 } // namespace tavrel

@@ -4,10 +4,10 @@
 
 namespace tavrel {
 
-/// Runs `--render-toolbar-preview <out.png>` or `--render-toolbar-config-preview <out.png>`, when `arguments` have one
-/// of them: pictures of the capture toolbar and of its settings in both themes. `--lang <code>` chooses the language.
+/// Write a picture of the toolbar, or of the dialog that configures it, in both themes, and give the exit code.
 ///
-/// returns    the exit code of the process; negative when there is no such option
-[[nodiscard]] int runToolbarPreview(const QStringList &arguments);
+/// values  what follows the option on the command line: the file, and optionally `--lang` with a language
+[[nodiscard]] int renderToolbarPreview(const QStringList &values);
+[[nodiscard]] int renderToolbarConfigPreview(const QStringList &values);
 
 } // namespace tavrel
