@@ -4,13 +4,16 @@
 #include "platform/linux/x_connection.h"
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QFileInfo>
 #include <QHash>
+#include <QThread>
 
 #include <xcb/xcb_icccm.h>
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 
 namespace tavrel::platform {
 
@@ -20,6 +23,8 @@ constexpr int kMinimumSide = 24;         // device pixels
 constexpr int kTitleLength = 256;        // characters
 constexpr quint32 kTitleBytes = 4 * 256; // that many characters of UTF-8
 constexpr quint32 kIconBytes = 8U << 20;
+constexpr auto kQuery = std::chrono::milliseconds(250);
+constexpr double kSmallestElement = 2.0; // logical pixels
 
 // Windows of these types are furniture, not something to take a picture of.
 constexpr std::array kLeftOut{
@@ -68,7 +73,9 @@ struct NativeWindow
 {
     xcb_window_t window = 0;
     qint64 processId = 0;
-    QRect rect;
+    QRect client; ///< the window itself
+    QRect outer;  ///< with its frame
+    QRect rect;   ///< with its frame, without its shadow
     QString title;
     QString className; ///< from WM_CLASS
 };
@@ -123,12 +130,9 @@ bool land(const XConnection &x, const WindowFlight &flight, bool clientOfManager
         return false;
 
     found.window = flight.window;
-    found.rect = QRect(position->dst_x, position->dst_y, geometry->width, geometry->height);
-    if (clientOfManager)
-        found.rect = found.rect.marginsAdded(frame);
-    else
-        found.rect = found.rect.marginsAdded(QMargins(1, 1, 1, 1) * geometry->border_width);
-    found.rect = found.rect.marginsRemoved(shadow);
+    found.client = QRect(position->dst_x, position->dst_y, geometry->width, geometry->height);
+    found.outer = found.client.marginsAdded(clientOfManager ? frame : QMargins(1, 1, 1, 1) * geometry->border_width);
+    found.rect = found.outer.marginsRemoved(shadow);
     if (found.rect.width() < kMinimumSide || found.rect.height() < kMinimumSide)
         return false;
     found.title = propertyText(x, name.get());
@@ -235,24 +239,55 @@ QList<WindowInfo> X11ElementDetector::topLevelWindows()
 
 bool X11ElementDetector::isAvailable() const
 {
-    return false;
+    const bool mayWait = QThread::currentThread() != QCoreApplication::instance()->thread();
+    return m_tree.isAvailable(mayWait ? QDeadlineTimer(kQuery) : QDeadlineTimer(0));
 }
 
-void X11ElementDetector::requestAccess() {}
-
-QList<QRectF> X11ElementDetector::elementChain(const QPointF &, qint64)
+void X11ElementDetector::requestAccess()
 {
-    return {};
+    askForAccessibility();
 }
 
-QString X11ElementDetector::sourceUrl(const QPointF &, qint64)
+std::optional<AtspiTree::Target> X11ElementDetector::targetAt(const QPoint &point, qint64 processId) const
 {
-    return {};
+    if (processId <= 0)
+        return std::nullopt;
+    for (const NativeWindow &native : nativeWindows(*m_x)) {
+        if (native.processId == processId && native.rect.contains(point))
+            return AtspiTree::Target{processId, {native.client, native.outer, native.rect, native.title}, point};
+    }
+    return std::nullopt;
 }
 
-ElementInfo X11ElementDetector::elementAt(const QPointF &, qint64)
+QList<QRectF> X11ElementDetector::elementChain(const QPointF &global, qint64 processId)
 {
-    return {};
+    const QDeadlineTimer deadline(kQuery);
+    const ScreenMapping screens = mapping();
+    const auto target = targetAt(screens.toNative(global), processId);
+    QList<QRectF> chain;
+    if (!target)
+        return chain;
+    for (const QRect &native : m_tree.rectanglesAt(*target, deadline)) {
+        const QRectF logical = screens.toLogical(native);
+        const bool large = logical.width() >= kSmallestElement && logical.height() >= kSmallestElement;
+        if (large && (chain.isEmpty() || chain.last() != logical))
+            chain.append(logical);
+    }
+    return chain;
+}
+
+QString X11ElementDetector::sourceUrl(const QPointF &global, qint64 processId)
+{
+    const QDeadlineTimer deadline(kQuery);
+    const auto target = targetAt(mapping().toNative(global), processId);
+    return target ? m_tree.pageAddressAt(*target, deadline) : QString();
+}
+
+ElementInfo X11ElementDetector::elementAt(const QPointF &global, qint64 processId)
+{
+    const QDeadlineTimer deadline(kQuery);
+    const auto target = targetAt(mapping().toNative(global), processId);
+    return target ? m_tree.elementAt(*target, deadline) : ElementInfo();
 }
 
 QImage X11ElementDetector::applicationIcon(qint64 processId, int sizePx)
