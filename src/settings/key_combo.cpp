@@ -29,7 +29,11 @@ bool isModifierKey(int key)
     case Qt::Key_Control:
     case Qt::Key_Meta:
     case Qt::Key_Alt:
+    case Qt::Key_Super_L:
+    case Qt::Key_Super_R:
     case Qt::Key_CapsLock:
+    case Qt::Key_NumLock:
+    case Qt::Key_ScrollLock:
     case Qt::Key_AltGr:
     case Qt::Key_unknown:
         return true;

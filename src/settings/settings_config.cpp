@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 
 namespace tavrel {
 namespace {
@@ -154,7 +155,8 @@ public:
     }
     void counter(const char *key, int &value) const
     {
-        value = std::max(readInt(m_object, Key::fromLatin1(key), value), 0);
+        // One below the end, so that there always is a next number.
+        value = std::clamp(readInt(m_object, Key::fromLatin1(key), value), 0, std::numeric_limits<int>::max() - 1);
     }
     void binding(const char *key, HotkeyBinding &value, ComboRule rule) const
     {
@@ -164,9 +166,10 @@ public:
     {
         const QJsonValue stored = m_object.value(Key::fromLatin1(key));
         // Before the palette could be edited, own colours were kept beside the default ones.
-        value = stored.isUndefined()
-                    ? paletteFrom(defaultPaletteColors(), m_object.value(QStringLiteral("customColors")).toArray())
-                    : paletteFrom({}, stored.toArray());
+        if (stored.isUndefined())
+            value = paletteFrom(defaultPaletteColors(), m_object.value(QStringLiteral("customColors")).toArray());
+        else if (stored.isArray())
+            value = paletteFrom({}, stored.toArray());
     }
 
 private:

@@ -63,8 +63,8 @@ private Q_SLOTS:
 
     void aModifierAloneIsNoCombo()
     {
-        for (const int key :
-             {Qt::Key_Shift, Qt::Key_Control, Qt::Key_Meta, Qt::Key_Alt, Qt::Key_CapsLock, Qt::Key_AltGr})
+        for (const int key : {Qt::Key_Shift, Qt::Key_Control, Qt::Key_Meta, Qt::Key_Alt, Qt::Key_CapsLock,
+                              Qt::Key_AltGr, Qt::Key_Super_L, Qt::Key_Super_R, Qt::Key_NumLock, Qt::Key_ScrollLock})
             QVERIFY(!KeyCombo::fromEvent(QKeyEvent(QEvent::KeyPress, key, Qt::NoModifier)).isValid());
     }
 

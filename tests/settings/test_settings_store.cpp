@@ -81,6 +81,7 @@ private Q_SLOTS:
         row("opacity too low", "'pinInitialOpacity':0.01", "'pinInitialOpacity':0.05");
         row("opacity too high", "'pinInitialOpacity':1e300", "'pinInitialOpacity':1");
         row("counter negative", "'filenameCounter':-3", "'filenameCounter':0");
+        row("counter at the end of int", "'filenameCounter':2147483647", "'filenameCounter':2147483646");
         row("counter beyond int", "'filenameCounter':1e12", "'filenameCounter':0");
         row("blank template", "'filenameFormat':'  '", "'filenameFormat':'Tavrel_{{yyyyMMdd}}_{{HHmmss}}'");
         row("bool as text", "'showMagnifier':'no'", "'showMagnifier':true");
@@ -95,7 +96,10 @@ private Q_SLOTS:
         row("binding of another type", "'captureHotkey':[1,2]", "'captureHotkey':{'enabled':true,'combo':'ctrl+49'}");
         row("palette cleaned", "'paletteColors':['#ff0000','#FF0000','red',5]", "'paletteColors':['#FF0000']");
         row("colour with a line end", "'paletteColors':['#FF0000\\n']", "'paletteColors':[]");
-        row("palette of another type", "'paletteColors':'#FF0000'", "'paletteColors':[]");
+        // Together with the older key, which counts only without the newer one.
+        row("palette of another type", "'paletteColors':'#FF0000','customColors':['#123456']",
+            "'paletteColors':['#F93442','#FF8C00','#FFE103','#40D651','#2ECFC1','#007AFF','#8A51FF','#FE2E6B',"
+            "'#FFFFFF','#000000']");
         row("palette emptied", "'paletteColors':[]", "'paletteColors':[]");
     }
 
