@@ -4,6 +4,7 @@
 #include "settings/settings_store.h"
 
 #include <QApplication>
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QLoggingCategory>
 #include <QTimer>
@@ -15,7 +16,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto kReleaseDelay = 150ms;
-constexpr int kFlushDeadlineMs = 3000;
+constexpr auto kFlushTime = 3000ms;
 
 } // namespace
 
@@ -62,14 +63,17 @@ AppController::AppController(SettingsStore &settings, Deps deps, QObject *parent
 AppController::~AppController()
 {
     m_flow.disconnect(this);
+    m_settings.disconnect(this); // what the last saves change registers nothing anew
     m_flow.closeSession();
     m_deps.globalHotkey->unregisterAll();
     ui::dialogs::setHotkeySuspender({});
     ui::dialogs::setWindowController(nullptr);
     ui::dialogs::setFileDialogHost(nullptr);
-    if (!waitForSaves(kFlushDeadlineMs))
+    // One deadline for both: a new start waits no longer than that for this one to go.
+    const QDeadlineTimer deadline(kFlushTime);
+    if (!m_results.finish(deadline))
         qWarning().noquote() << QStringLiteral("退出时仍有截图没有写完");
-    m_deps.history->flush(kFlushDeadlineMs);
+    m_deps.history->flush(static_cast<int>(deadline.remainingTime()));
     m_notices.setReceiver(nullptr);
 }
 

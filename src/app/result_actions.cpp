@@ -10,6 +10,9 @@
 #include <QElapsedTimer>
 #include <QLoggingCategory>
 
+#include <algorithm>
+#include <limits>
+
 namespace tavrel {
 namespace {
 
@@ -54,15 +57,14 @@ void ResultActions::saveImage(const QImage &image, const FilenameContext &contex
                               Saved saved)
 {
     const SettingsConfig &config = m_settings.config();
-    const Pending pending{image, saveRequest(config, m_settings.effectiveSavePath(), context), anchor,
-                          std::move(saved)};
+    const Pending pending{image, nextRequest(context), anchor, std::move(saved)};
     if (!config.saveToSpecifiedPath || config.savePath.trimmed().isEmpty() || saveAs) {
         askForFile(pending, saveAs ? QCoreApplication::translate("AppController", "另存为")
                                    : QCoreApplication::translate("AppController", "保存截图"));
         return;
     }
     saveImageAsync(image, pending.request, QDateTime::currentDateTime(), imageOutputOptions(config), this,
-                   [this, pending](const SaveResult &result) { finishSave(pending, result); });
+                   follow(pending));
 }
 
 void ResultActions::askForFile(const Pending &pending, const QString &title)
@@ -74,16 +76,53 @@ void ResultActions::askForFile(const Pending &pending, const QString &title)
                           [this, guard = QPointer<ResultActions>(this), pending, options](const QString &path) {
                               if (!guard)
                                   return;
-                              saveImageToAsync(
-                                  pending.image, path, pending.request.jpegQuality, options, this,
-                                  [this, pending](const SaveResult &result) { finishSave(pending, result); });
+                              saveImageToAsync(pending.image, path, pending.request.jpegQuality, options, this,
+                                               follow(pending));
                           });
+}
+
+SaveRequest ResultActions::nextRequest(const FilenameContext &context) const
+{
+    SaveRequest request = saveRequest(m_settings.config(), m_settings.effectiveSavePath(), context);
+    for (const int taken : m_indicesUnderWay) {
+        if (taken >= request.context.index && taken < std::numeric_limits<int>::max())
+            request.context.index = taken + 1;
+    }
+    return request;
+}
+
+SaveDone ResultActions::follow(const Pending &pending)
+{
+    if (!usesIndex(pending.request.nameTemplate))
+        return [this, pending](const SaveResult &result) { finishSave(pending, result); };
+    m_indicesUnderWay.append(pending.request.context.index);
+    return [this, pending](const SaveResult &result) {
+        m_indicesUnderWay.removeOne(pending.request.context.index);
+        finishSave(pending, result);
+    };
+}
+
+void ResultActions::countUp(int usedIndex)
+{
+    SettingsConfig config = m_settings.config();
+    // A picture before this one may have failed, and its index stays unused.
+    if (config.filenameCounter < std::numeric_limits<int>::max())
+        config.filenameCounter = std::max(config.filenameCounter + 1, usedIndex);
+    m_settings.update(config);
+}
+
+bool ResultActions::finish(const QDeadlineTimer &deadline)
+{
+    m_ending = true;
+    return finishSaves(this, deadline);
 }
 
 void ResultActions::finishSave(const Pending &pending, const SaveResult &result)
 {
     if (result.path.isEmpty()) {
         qWarning().noquote() << QStringLiteral("保存失败：") + result.error;
+        if (m_ending)
+            return; // nobody is there to answer any more
         ui::dialogs::Options options;
         options.okText = QCoreApplication::translate("AppController", "另存为");
         options.cancelDefault = false;
@@ -97,11 +136,8 @@ void ResultActions::finishSave(const Pending &pending, const SaveResult &result)
             this);
         return;
     }
-    if (usesIndex(pending.request.nameTemplate)) {
-        SettingsConfig config = m_settings.config();
-        ++config.filenameCounter;
-        m_settings.update(config);
-    }
+    if (usesIndex(pending.request.nameTemplate))
+        countUp(pending.request.context.index);
     m_lastSavedPath = result.path;
     qInfo().noquote() << QStringLiteral("已保存：") + result.path;
     m_notices.show(QCoreApplication::translate("AppController", "已保存"), QDir::toNativeSeparators(result.path),

@@ -6,7 +6,9 @@
 #include "edit/name_template.h"
 #include "edit/save_service.h"
 
+#include <QDeadlineTimer>
 #include <QImage>
+#include <QList>
 #include <QObject>
 #include <QPointer>
 #include <QString>
@@ -40,6 +42,10 @@ public:
     /// saved   called with the path once the file stands
     void saveImage(const QImage &image, const FilenameContext &context, bool saveAs, QWidget *anchor, Saved saved = {});
 
+    /// Waits for the files that are being written and lets everything follow that belongs to them, save dialogs; false
+    /// when one was not done in time. For the end of the program.
+    [[nodiscard]] bool finish(const QDeadlineTimer &deadline);
+
     [[nodiscard]] QString lastSavedPath() const { return m_lastSavedPath; }
 
 private:
@@ -53,7 +59,11 @@ private:
     };
 
     void askForFile(const Pending &pending, const QString &title);
+    /// The request with the first index that neither a file nor one on its way has.
+    [[nodiscard]] SaveRequest nextRequest(const FilenameContext &context) const;
+    [[nodiscard]] SaveDone follow(const Pending &pending);
     void finishSave(const Pending &pending, const SaveResult &result);
+    void countUp(int usedIndex);
 
     SettingsStore &m_settings;
     IUserNotices &m_notices;
@@ -61,6 +71,8 @@ private:
     ClipboardWriter m_writer;
     ImageCopier m_copier;
     QString m_lastSavedPath;
+    QList<int> m_indicesUnderWay; ///< of the pictures that are being written
+    bool m_ending = false;
 };
 
 } // namespace tavrel

@@ -5,17 +5,20 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QEvent>
 #include <QFileInfo>
 #include <QThreadPool>
 #include <QtConcurrentRun>
 
+#include <algorithm>
+#include <limits>
 #include <utility>
 
 namespace tavrel {
 namespace {
 
 /// One thread, so that saves keep their order. Never destroyed: its destructor would wait for a hanging network
-/// folder without end, which waitForSaves() is there to avoid.
+/// folder without end, which finishSaves() is there to avoid.
 QThreadPool &savePool()
 {
     static QThreadPool *const pool = [] {
@@ -73,7 +76,7 @@ SaveRequest saveRequest(const SettingsConfig &config, const QString &directory, 
     request.nameTemplate = config.filenameFormat;
     request.format = config.imageFormat;
     request.context = context;
-    request.context.index = config.filenameCounter + 1;
+    request.context.index = std::min(config.filenameCounter, std::numeric_limits<int>::max() - 1) + 1;
     request.context.useUtc = config.filenameUseUtc;
     request.retinaSuffix = config.retinaSuffix;
     return request;
@@ -142,6 +145,11 @@ void SaveJob::startTo(const QImage &image, const QString &path, int jpegQuality,
     }));
 }
 
+void SaveJob::deliver()
+{
+    QCoreApplication::sendPostedEvents(&m_watcher, QEvent::FutureCallOut);
+}
+
 void saveImageAsync(const QImage &image, const SaveRequest &request, const QDateTime &time,
                     const ImageOutputOptions &options, QObject *context, SaveDone done)
 {
@@ -158,9 +166,13 @@ void saveImageToAsync(const QImage &image, const QString &path, int jpegQuality,
     job->startTo(image, path, jpegQuality, options);
 }
 
-bool waitForSaves(int timeoutMs)
+bool finishSaves(QObject *context, const QDeadlineTimer &deadline)
 {
-    return savePool().waitForDone(timeoutMs);
+    const bool done = savePool().waitForDone(static_cast<int>(deadline.remainingTime()));
+    const auto jobs = context->findChildren<SaveJob *>(QString(), Qt::FindDirectChildrenOnly);
+    for (SaveJob *job : jobs)
+        job->deliver();
+    return done;
 }
 
 } // namespace tavrel

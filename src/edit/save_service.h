@@ -3,6 +3,7 @@
 #include "edit/image_output.h"
 #include "edit/name_template.h"
 
+#include <QDeadlineTimer>
 #include <QFutureWatcher>
 #include <QObject>
 
@@ -25,8 +26,8 @@ struct SaveRequest
     friend bool operator==(const SaveRequest &, const SaveRequest &) = default;
 };
 
-/// The request that the settings describe. index becomes `filenameCounter` + 1; after a successful save the caller
-/// increases the counter when usesIndex() says so.
+/// The request that the settings describe. index becomes `filenameCounter` + 1, also when the counter is at its end;
+/// after a successful save the caller increases the counter when usesIndex() says so.
 [[nodiscard]] SaveRequest saveRequest(const SettingsConfig &config, const QString &directory,
                                       const FilenameContext &context);
 [[nodiscard]] bool usesIndex(const QString &nameTemplate);
@@ -67,6 +68,8 @@ public:
                const ImageOutputOptions &options);
     /// prepareOutput() and then saveImageTo().
     void startTo(const QImage &image, const QString &path, int jpegQuality, const ImageOutputOptions &options);
+    /// Emits finished() now when the file stands and the event loop has not told yet.
+    void deliver();
 
 Q_SIGNALS:
     void finished(const tavrel::SaveResult &result);
@@ -84,8 +87,9 @@ void saveImageAsync(const QImage &image, const SaveRequest &request, const QDate
 void saveImageToAsync(const QImage &image, const QString &path, int jpegQuality, const ImageOutputOptions &options,
                       QObject *context, SaveDone done);
 
-/// Waits at most `timeoutMs` for all saves that were started; false when one is still being written. For the end of
-/// the process, where a waiting GUI thread harms nobody.
-[[nodiscard]] bool waitForSaves(int timeoutMs);
+/// Waits until `deadline` for all saves that were started and delivers the answers that belong to `context`, without
+/// the event loop; false when one is still being written. For the end of the process, where a waiting GUI thread harms
+/// nobody.
+[[nodiscard]] bool finishSaves(QObject *context, const QDeadlineTimer &deadline);
 
 } // namespace tavrel

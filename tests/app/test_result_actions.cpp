@@ -1,0 +1,270 @@
+#include "app/result_actions.h"
+#include "app/user_notices.h"
+#include "settings/settings_store.h"
+#include "support/test_main.h"
+#include "ui/dialog_hosts.h"
+#include "ui/dialogs.h"
+
+#include <QApplication>
+#include <QPushButton>
+
+#include <limits>
+
+using namespace tavrel;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr int kLast = std::numeric_limits<int>::max();
+
+class Notices final : public IUserNotices
+{
+public:
+    void show(const QString &title, const QString &text, Kind, std::chrono::milliseconds) override
+    {
+        shown.append(title + u'|' + QFileInfo(text).fileName());
+    }
+    QStringList shown;
+};
+
+/// Keeps what it was given; another program may take it each time.
+class FakeClipboard final : public IClipboard
+{
+public:
+    void set(std::unique_ptr<QMimeData> data) override { m_data = std::move(data); }
+    const QMimeData *readBack() const override { return contested ? nullptr : m_data.get(); }
+
+    bool contested = false;
+
+private:
+    std::unique_ptr<QMimeData> m_data;
+};
+
+/// Answers every file dialog with one path; an empty one cancels.
+class FileDialogs final : public ui::dialogs::IFileDialogHost
+{
+public:
+    void present(const Request &request, std::function<void(const QStringList &)> answer) override
+    {
+        suggested.append(QFileInfo(request.start).fileName());
+        answer(path.isEmpty() ? QStringList() : QStringList{path});
+    }
+
+    QString path;
+    QStringList suggested;
+};
+
+QImage picture()
+{
+    QImage image(40, 30, QImage::Format_RGB32);
+    image.fill(Qt::darkCyan);
+    return image;
+}
+
+/// The button of the dialog on the screen that has this text; null without such a dialog.
+QPushButton *dialogButton(const QString &text)
+{
+    for (const QWidget *widget : QApplication::topLevelWidgets()) {
+        if (!qobject_cast<const ui::dialogs::FloatingDialog *>(widget) || !widget->isVisible())
+            continue;
+        for (QPushButton *button : widget->findChildren<QPushButton *>()) {
+            if (button->text() == text)
+                return button;
+        }
+    }
+    return nullptr;
+}
+
+} // namespace
+
+class ResultActionsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_folder = std::make_unique<QTemporaryDir>();
+        m_settings = std::make_unique<SettingsStore>(m_folder->filePath(QStringLiteral("s.ini")));
+        m_notices = std::make_unique<Notices>();
+        m_clipboard = std::make_shared<FakeClipboard>();
+        m_dialogs = std::make_shared<FileDialogs>();
+        ui::dialogs::setFileDialogHost(m_dialogs);
+        m_actions = std::make_unique<ResultActions>(*m_settings, *m_notices, m_clipboard);
+        saveTo(m_folder->filePath(QStringLiteral("shots")), QStringLiteral("shot_{{index}}"));
+    }
+
+    void cleanup()
+    {
+        m_actions.reset();
+        ui::dialogs::setFileDialogHost(nullptr);
+        for (QWidget *widget : QApplication::topLevelWidgets())
+            widget->close();
+        QTRY_COMPARE(ui::dialogs::openDialogCount(), 0);
+    }
+
+    void savesUnderWayHaveIndicesOfTheirOwn()
+    {
+        for (int i = 0; i < 3; ++i)
+            save();
+        QTRY_COMPARE(m_notices->shown.size(), 3);
+        QCOMPARE(files(), (QStringList{QStringLiteral("shot_1.png"), QStringLiteral("shot_2.png"),
+                                       QStringLiteral("shot_3.png")}));
+        QCOMPARE(counter(), 3);
+        save();
+        QTRY_COMPARE(m_notices->shown.size(), 4);
+        QCOMPARE(QFileInfo(m_actions->lastSavedPath()).fileName(), QStringLiteral("shot_4.png"));
+    }
+
+    void aFailedSaveLeavesNoIndexToBeGivenTwice()
+    {
+        QFile(m_folder->filePath(QStringLiteral("file"))).open(QIODevice::WriteOnly);
+        const QString good = m_settings->config().savePath;
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("保存失败：")));
+        saveTo(m_folder->filePath(QStringLiteral("file/below")));
+        save();
+        saveTo(good);
+        save();
+        QTRY_COMPARE(m_notices->shown.size(), 1);
+        save();
+        QTRY_COMPARE(m_notices->shown.size(), 2);
+        QCOMPARE(files(), (QStringList{QStringLiteral("shot_2.png"), QStringLiteral("shot_3.png")}));
+        QCOMPARE(counter(), 3);
+    }
+
+    void theCounterStopsAtItsEnd()
+    {
+        setCounter(kLast - 1);
+        for (int i = 0; i < 2; ++i)
+            save();
+        QTRY_COMPARE(m_notices->shown.size(), 2);
+        QCOMPARE(counter(), kLast);
+        save();
+        QTRY_COMPARE(m_notices->shown.size(), 3);
+        QCOMPARE(counter(), kLast);
+        QCOMPARE(files().filter(QStringLiteral("shot_2147483647")).size(), 3);
+    }
+
+    void aTemplateWithoutIndexCountsNothing()
+    {
+        saveTo(m_settings->config().savePath, QStringLiteral("plain"));
+        save();
+        QTRY_COMPARE(m_notices->shown, QStringList{QStringLiteral("已保存|plain.png")});
+        QCOMPARE(counter(), 0);
+    }
+
+    void theEndOfTheProgramLeavesNothingUnsaid()
+    {
+        QString told;
+        m_actions->saveImage(picture(), {}, false, nullptr, [&told](const QString &path) { told = path; });
+        QVERIFY(m_actions->finish(QDeadlineTimer(60s))); // no event loop
+        QCOMPARE(counter(), 1);
+        QCOMPARE(QFileInfo(told).fileName(), QStringLiteral("shot_1.png"));
+        QCoreApplication::processEvents();
+        QCOMPARE(counter(), 1);
+        QCOMPARE(m_notices->shown.size(), 1);
+    }
+
+    void aFailureAtTheEndAsksNobody()
+    {
+        QFile(m_folder->filePath(QStringLiteral("file"))).open(QIODevice::WriteOnly);
+        saveTo(m_folder->filePath(QStringLiteral("file/below")));
+        save();
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("保存失败：")));
+        QVERIFY(m_actions->finish(QDeadlineTimer(60s)));
+        QCOMPARE(ui::dialogs::openDialogCount(), 0);
+    }
+
+    void aPictureThatCannotBeWrittenIsOfferedForAnotherPlace()
+    {
+        QFile(m_folder->filePath(QStringLiteral("file"))).open(QIODevice::WriteOnly);
+        saveTo(m_folder->filePath(QStringLiteral("file/below")));
+        QString told;
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("保存失败：")));
+        m_actions->saveImage(picture(), {}, false, nullptr, [&told](const QString &path) { told = path; });
+        QPushButton *again = nullptr;
+        QTRY_VERIFY((again = dialogButton(QStringLiteral("另存为"))));
+        QCOMPARE(counter(), 0);
+
+        m_dialogs->path = m_folder->filePath(QStringLiteral("rescued.jpg"));
+        again->click();
+        QTRY_COMPARE(told, m_dialogs->path);
+        QCOMPARE(m_dialogs->suggested, QStringList{QStringLiteral("shot_1.png")});
+        QCOMPARE(QImage(told).size(), QSize(40, 30));
+        QCOMPARE(counter(), 1);
+    }
+
+    void whereTheFileGoes_data()
+    {
+        QTest::addColumn<bool>("folderIsSet");
+        QTest::addColumn<bool>("saveAs");
+        QTest::addColumn<bool>("asked");
+        QTest::newRow("folder set") << true << false << false;
+        QTest::newRow("folder set, another wanted") << true << true << true;
+        QTest::newRow("no folder") << false << false << true;
+    }
+
+    void whereTheFileGoes()
+    {
+        QFETCH(bool, folderIsSet);
+        QFETCH(bool, saveAs);
+        QFETCH(bool, asked);
+        if (!folderIsSet)
+            saveTo(QString());
+        m_dialogs->path = m_folder->filePath(QStringLiteral("chosen.png"));
+        m_actions->saveImage(picture(), {}, saveAs, nullptr);
+        QTRY_COMPARE(m_notices->shown.size(), 1);
+        QCOMPARE(!m_dialogs->suggested.isEmpty(), asked);
+        QCOMPARE(QFileInfo::exists(m_dialogs->path), asked);
+    }
+
+    void aCancelledDialogSavesNothing()
+    {
+        m_actions->saveImage(picture(), {}, true, nullptr);
+        QCOMPARE(m_dialogs->suggested.size(), 1);
+        QVERIFY(m_actions->finish(QDeadlineTimer(60s)));
+        QVERIFY(m_notices->shown.isEmpty());
+        QCOMPARE(counter(), 0);
+    }
+
+    void aClipboardThatOthersHoldIsReported()
+    {
+        m_clipboard->contested = true;
+        m_actions->copyImage(picture(), {});
+        QTRY_COMPARE(m_notices->shown.size(), 1);
+        QVERIFY(m_notices->shown.first().startsWith(QStringLiteral("复制失败|")));
+    }
+
+private:
+    void save() { m_actions->saveImage(picture(), {}, false, nullptr); }
+    [[nodiscard]] int counter() const { return m_settings->config().filenameCounter; }
+    [[nodiscard]] QStringList files() const
+    {
+        return QDir(m_settings->config().savePath).entryList(QDir::Files, QDir::Name);
+    }
+    void setCounter(int value)
+    {
+        SettingsConfig config = m_settings->config();
+        config.filenameCounter = value;
+        m_settings->update(config);
+    }
+    void saveTo(const QString &path, const QString &name = {})
+    {
+        SettingsConfig config = m_settings->config();
+        config.saveToSpecifiedPath = true;
+        config.savePath = path;
+        if (!name.isEmpty())
+            config.filenameFormat = name;
+        m_settings->update(config);
+    }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<SettingsStore> m_settings;
+    std::unique_ptr<Notices> m_notices;
+    std::shared_ptr<FakeClipboard> m_clipboard;
+    std::shared_ptr<FileDialogs> m_dialogs;
+    std::unique_ptr<ResultActions> m_actions;
+};
+
+TAVREL_TEST_MAIN(QApplication, ResultActionsTest)
+#include "test_result_actions.moc"
