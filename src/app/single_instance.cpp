@@ -1,7 +1,9 @@
 #include "app/single_instance.h"
 
 #include "base/json_read.h"
+#include "platform/user_identity.h"
 
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFileInfo>
 #include <QJsonArray>
@@ -10,8 +12,7 @@
 #include <QLocalSocket>
 #include <QLoggingCategory>
 #include <QThread>
-
-#include <unistd.h>
+#include <QTimer>
 
 namespace tavrel {
 namespace {
@@ -26,10 +27,10 @@ QString basePath(const QString &folder)
     const QFileInfo runtime(qEnvironmentVariable("XDG_RUNTIME_DIR"));
     constexpr auto others =
         QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup | QFile::ReadOther | QFile::WriteOther | QFile::ExeOther;
-    if (!runtime.filePath().isEmpty() && runtime.isAbsolute() && runtime.isDir() && runtime.ownerId() == ::getuid() &&
-        !(runtime.permissions() & others))
+    if (!runtime.filePath().isEmpty() && runtime.isAbsolute() && runtime.isDir() &&
+        runtime.ownerId() == platform::currentUserId() && !(runtime.permissions() & others))
         return QDir(runtime.filePath()).filePath(kName);
-    return QDir::temp().filePath(kName + u'.' + QString::number(::getuid()));
+    return QDir::temp().filePath(kName + u'.' + QString::number(platform::currentUserId()));
 }
 
 } // namespace
@@ -104,6 +105,12 @@ SingleInstance::Claim SingleInstance::claim(const HandOver &request, const Timin
             return Claim::Held;
         QThread::msleep(static_cast<unsigned long>(timing.roundPause.count()));
     }
+    // A lock file without a readable process id, or of this machine under an older name, looks held for ever. Nobody
+    // has it open, though.
+    if (m_lock->removeStaleLockFile() && m_lock->tryLock(0)) {
+        qWarning().noquote() << QStringLiteral("单实例锁文件无主，已接管：") + m_lockPath;
+        return Claim::Held;
+    }
     m_lock.reset();
     qWarning().noquote() << QStringLiteral("检测到另一个 Tavrel 持有单实例锁但连不上它：继续启动");
     return Claim::HolderUnreachable;
@@ -113,22 +120,33 @@ bool SingleInstance::sendTo(const HandOver &request, const Timing &timing)
 {
     // In a folder that all users share, the socket of another one is not to hear what this user opens.
     const QFileInfo place(m_socketPath);
-    if (place.exists() && place.ownerId() != ::getuid())
+    if (place.exists() && place.ownerId() != platform::currentUserId())
         return false;
     QLocalSocket socket;
     socket.connectToServer(m_socketPath, QIODevice::ReadWrite);
     if (!socket.waitForConnected(static_cast<int>(timing.connectWait.count())))
         return false;
-    socket.write(request.toLine());
-    socket.waitForBytesWritten(static_cast<int>(timing.writeWait.count()));
-    socket.disconnectFromServer();
+    const QByteArray line = request.toLine();
+    qint64 written = 0; // what is left in the buffer says nothing once the other end has hung up
+    connect(&socket, &QLocalSocket::bytesWritten, &socket, [&written](qint64 bytes) { written += bytes; });
+    socket.write(line);
+    const QDeadlineTimer deadline(timing.writeWait);
+    while (written < line.size() && socket.waitForBytesWritten(static_cast<int>(deadline.remainingTime()))) {
+    }
+    if (written < line.size())
+        return false;
+    // The holder hangs up when it has read the line. If it does not, the line still waits for it.
+    if (socket.state() != QLocalSocket::UnconnectedState &&
+        !socket.waitForDisconnected(static_cast<int>(timing.answerWait.count())))
+        qWarning().noquote() << QStringLiteral("正在运行的 Tavrel 没有应答，启动请求可能迟些才会执行");
     return true;
 }
 
-void SingleInstance::listen()
+void SingleInstance::listen(std::chrono::milliseconds lineWait)
 {
     if (!m_lock)
         return;
+    m_lineWait = lineWait;
     QLocalServer::removeServer(m_socketPath); // left behind by a crash
     m_server = std::make_unique<QLocalServer>();
     m_server->setSocketOptions(QLocalServer::UserAccessOption);
@@ -149,6 +167,10 @@ void SingleInstance::onConnection()
     while (QLocalSocket *socket = m_server->nextPendingConnection()) {
         connect(socket, &QLocalSocket::readyRead, this, [this, socket] { onReadable(socket); });
         connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
+        QTimer::singleShot(m_lineWait, socket, [socket] {
+            qWarning().noquote() << QStringLiteral("启动请求不完整，已丢弃");
+            socket->abort();
+        });
         // One byte more than a line may have is enough to see that it is too long.
         socket->setReadBufferSize(kMaxLineBytes + 1);
         if (socket->bytesAvailable() > 0)

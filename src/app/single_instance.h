@@ -55,10 +55,13 @@ public:
         std::chrono::milliseconds connectWait{200};
         std::chrono::milliseconds roundPause{200};
         std::chrono::milliseconds writeWait{1000};
+        std::chrono::milliseconds answerWait{1000}; ///< for the holder to have read the request
     };
 
     /// A longer line is no request of ours: the connection is dropped, so that nobody can fill the memory.
     static constexpr qint64 kMaxLineBytes = 256 * 1024;
+    /// Who has not ended its line by then has its connection dropped.
+    static constexpr std::chrono::milliseconds kLineWait{5000};
 
     /// folder  where lock and socket lie; empty for the user's place
     explicit SingleInstance(const QString &folder = {}, QObject *parent = nullptr);
@@ -67,7 +70,7 @@ public:
     [[nodiscard]] Claim claim(const HandOver &request) { return claim(request, Timing()); }
     [[nodiscard]] Claim claim(const HandOver &request, const Timing &timing);
     /// Starts to listen when the lock is held. A failure is logged; later starts then cannot hand over.
-    void listen();
+    void listen(std::chrono::milliseconds lineWait = kLineWait);
     /// Stops listening; the lock stays with this object.
     void close();
 
@@ -84,6 +87,7 @@ private:
 
     QString m_socketPath;
     QString m_lockPath;
+    std::chrono::milliseconds m_lineWait = kLineWait;
     std::unique_ptr<QLockFile> m_lock;
     std::unique_ptr<QLocalServer> m_server;
 };

@@ -17,7 +17,7 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr SingleInstance::Timing kQuick{
-    .lockWait = 5ms, .rounds = 3, .connectWait = 50ms, .roundPause = 1ms, .writeWait = 1000ms};
+    .lockWait = 5ms, .rounds = 3, .connectWait = 50ms, .roundPause = 1ms, .writeWait = 1000ms, .answerWait = 1ms};
 
 /// Sends raw bytes to a listening instance and ends the connection; false when it does not get through.
 bool sendRaw(const QString &socketPath, const QByteArray &bytes)
@@ -80,6 +80,7 @@ private Q_SLOTS:
         holder.listen();
         QSignalSpy spy(&holder, &SingleInstance::requested);
         for (int i = 0; i < 5; ++i) {
+            QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("没有应答")));
             // Nothing is accepted in between: this thread runs the holder's event loop only below.
             QCOMPARE(SingleInstance(folder.path()).claim({.files = {QString::number(i)}}, kQuick),
                      SingleInstance::Claim::HandedOver);
@@ -133,12 +134,44 @@ private Q_SLOTS:
         QVERIFY(good.get());
     }
 
+    void aRequestLargerThanASocketBufferArrivesWhole()
+    {
+        QTemporaryDir folder;
+        SingleInstance holder(folder.path());
+        QCOMPARE(holder.claim({}, kQuick), SingleInstance::Claim::Held);
+        holder.listen();
+        QSignalSpy spy(&holder, &SingleInstance::requested);
+        const HandOver request{.files = {QString(SingleInstance::kMaxLineBytes - 1000, u'x')}};
+        auto claim = elsewhere([&] {
+            return SingleInstance(folder.path())
+                .claim(request, {.connectWait = 5000ms, .writeWait = 60000ms, .answerWait = 60000ms});
+        });
+        QTRY_COMPARE(spy.count(), 1);
+        QCOMPARE(claim.get(), SingleInstance::Claim::HandedOver);
+        QCOMPARE(spy.first().first().value<HandOver>(), request);
+    }
+
+    void aLineThatNeverEndsIsDropped()
+    {
+        QTemporaryDir folder;
+        SingleInstance instance(folder.path());
+        QCOMPARE(instance.claim({}, kQuick), SingleInstance::Claim::Held);
+        instance.listen(1ms);
+        QSignalSpy spy(&instance, &SingleInstance::requested);
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("启动请求不完整")));
+        QLocalSocket endless;
+        endless.connectToServer(instance.socketPath());
+        endless.write("{\"capture\"");
+        QTRY_COMPARE(endless.state(), QLocalSocket::UnconnectedState);
+        QCOMPARE(spy.count(), 0);
+    }
+
     void aSlowSenderHoldsNobodyUp()
     {
         QTemporaryDir folder;
         SingleInstance instance(folder.path());
         QCOMPARE(instance.claim({}, kQuick), SingleInstance::Claim::Held);
-        instance.listen();
+        instance.listen(10min);
         QSignalSpy spy(&instance, &SingleInstance::requested);
         QLocalSocket slow;
         slow.connectToServer(instance.socketPath());
@@ -204,6 +237,29 @@ private Q_SLOTS:
         auto good = elsewhere([path] { return sendRaw(path, HandOver{.capture = true}.toLine()); });
         QTRY_COMPARE(spy.count(), 1);
         QVERIFY(good.get());
+    }
+
+    void aLockFileThatNobodyHoldsIsTakenOver_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::newRow("empty") << QByteArray();
+        QTest::newRow("garbled") << QByteArray("\0\xff no number\n", 12);
+        QTest::newRow("machine renamed") << QByteArray("1\ntavrel\nsome-other-host\n");
+    }
+
+    void aLockFileThatNobodyHoldsIsTakenOver()
+    {
+        QFETCH(QByteArray, content);
+        QTemporaryDir folder;
+        SingleInstance instance(folder.path());
+        QFile lock(instance.lockPath());
+        QVERIFY(lock.open(QIODevice::WriteOnly) && lock.write(content) == content.size());
+        lock.close();
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("单实例锁文件无主")));
+        QCOMPARE(instance.claim({}, kQuick), SingleInstance::Claim::Held);
+        // And now it is really held.
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("连不上它：继续启动")));
+        QCOMPARE(SingleInstance(folder.path()).claim({}, kQuick), SingleInstance::Claim::HolderUnreachable);
     }
 
     void theRuntimeFolderMustBePrivate()
