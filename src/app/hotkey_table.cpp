@@ -39,18 +39,27 @@ void HotkeyTable::apply(const SettingsConfig &config)
         if (m_operations.contains(row.id))
             wanted.append({row.id, config.*row.binding});
     }
-    if (m_everApplied && wanted == m_applied)
-        return;
+    const bool anew = !m_everApplied || wanted != m_applied;
     m_everApplied = true;
     m_applied = wanted;
 
-    m_hotkeys.unregisterAll();
-    m_errors.clear();
-    for (const Row &row : rows()) {
-        const QString error = registerRow(row, config);
-        if (!error.isEmpty())
-            m_errors.insert(QString::fromLatin1(row.name), error);
+    if (anew) {
+        m_hotkeys.unregisterAll();
+        m_errors.clear();
     }
+    for (const Row &row : rows()) {
+        if (anew || m_errors.contains(QString::fromLatin1(row.name)))
+            tryRow(row, config);
+    }
+}
+
+void HotkeyTable::tryRow(const Row &row, const SettingsConfig &config)
+{
+    const QString error = registerRow(row, config);
+    if (error.isEmpty())
+        m_errors.remove(QString::fromLatin1(row.name));
+    else
+        m_errors.insert(QString::fromLatin1(row.name), error);
 }
 
 QString HotkeyTable::registerRow(const Row &row, const SettingsConfig &config)

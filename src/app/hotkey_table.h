@@ -46,7 +46,8 @@ public:
 
     /// Gives a row its operation. A row without one is not registered, so that its key stays with other programs.
     void setOperation(Id id, const std::function<void()> &operation);
-    /// Registers everything anew, unless no combination has changed since the last call.
+    /// Registers everything anew, or only tries the failed rows again when no combination has changed since the last
+    /// call: another program may have given its key back.
     void apply(const SettingsConfig &config);
     /// Runs the operation behind an id; an unknown id does nothing.
     void dispatch(int id) const;
@@ -57,6 +58,7 @@ public:
     [[nodiscard]] QString errorLines() const;
 
 private:
+    void tryRow(const Row &row, const SettingsConfig &config);
     [[nodiscard]] QString registerRow(const Row &row, const SettingsConfig &config);
 
     platform::IGlobalHotkey &m_hotkeys;

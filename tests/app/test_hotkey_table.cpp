@@ -97,6 +97,24 @@ private Q_SLOTS:
         QCOMPARE(hotkeys.registrations, 2);
     }
 
+    void aFailedRowIsTriedAgainAndTheOthersAreLeftAlone()
+    {
+        RecordingHotkey hotkeys;
+        hotkeys.taken = {kCtrl1};
+        HotkeyTable table(hotkeys);
+        table.setOperation(HotkeyTable::Capture, [] {});
+        table.setOperation(HotkeyTable::PinClipboard, [] {});
+        for (int i = 0; i < 2; ++i) {
+            QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("注册热键失败：capture .* taken")));
+            table.apply(SettingsConfig());
+        }
+        hotkeys.taken.clear();
+        table.apply(SettingsConfig());
+        QVERIFY(table.errors().isEmpty());
+        QCOMPARE(hotkeys.bound.size(), 2);
+        QCOMPARE(hotkeys.registrations, 4); // the capture row three times, the other once
+    }
+
     void aPressRunsItsOperationAndAnUnknownIdNothing()
     {
         RecordingHotkey hotkeys;
