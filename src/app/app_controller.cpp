@@ -1,6 +1,7 @@
 #include "app/app_controller.h"
 
 #include "app/default_services.h"
+#include "overlay/capture_overlay.h"
 #include "settings/settings_store.h"
 
 #include <QApplication>
@@ -28,7 +29,9 @@ AppController::AppController(SettingsStore &settings, Deps deps, QObject *parent
       m_flow({*m_deps.screenCapturer, m_deps.windowController, m_deps.elementDetector, settings, *m_deps.history,
               m_notices, m_deps.cursorPosition, &m_probe}),
       m_results(settings, m_notices, m_deps.clipboard),
-      m_hotkeys(*m_deps.globalHotkey)
+      m_hotkeys(*m_deps.globalHotkey),
+      m_messages({m_deps.windowController, [this](QWindow *window) { activate(window); },
+                  [this] { return ui::themeFor(m_settings.config().theme); }})
 {
     m_notices.setReceiver(m_deps.notices.get());
     ui::dialogs::setWindowController(m_deps.windowController);
@@ -43,10 +46,10 @@ AppController::AppController(SettingsStore &settings, Deps deps, QObject *parent
     m_hotkeys.setOperation(HotkeyTable::Capture, [this] { startCapture(); });
 
     connect(&m_flow, &CaptureFlow::accessRefused, this, &AppController::onAccessRefused);
-    connect(&m_flow, &CaptureFlow::sessionStarted, this, [this] { m_deps.updater->setCanShutdown(false); });
+    connect(&m_flow, &CaptureFlow::sessionStarted, this, &AppController::updateCanShutdown);
     connect(&m_flow, &CaptureFlow::sessionClosed, this, &AppController::captureSessionClosed);
     connect(&m_flow, &CaptureFlow::idleReached, this, [this] {
-        m_deps.updater->setCanShutdown(true);
+        updateCanShutdown();
         scheduleRelease();
     });
     connect(&m_flow, &CaptureFlow::copyReady, &m_results, &ResultActions::copyImage);
@@ -80,7 +83,9 @@ AppController::~AppController()
 void AppController::start()
 {
     if (m_deps.enableBackground) {
-        m_tray = std::make_unique<TrayMenu>([this]() -> const SettingsConfig & { return m_settings.config(); });
+        m_tray =
+            std::make_unique<TrayMenu>([this]() -> const SettingsConfig & { return m_settings.config(); },
+                                       [this](const QString &title, const QString &text) { showWarning(title, text); });
         connect(m_tray.get(), &TrayMenu::captureRequested, this, &AppController::startCapture);
         connect(m_tray.get(), &TrayMenu::quitRequested, this, &AppController::quit);
         if (!m_deps.notices)
@@ -123,31 +128,45 @@ void AppController::onAccessRefused()
         QCoreApplication::translate("AppController", "Tavrel 需要「屏幕录制」权限才能截图。") + QStringLiteral("\n\n") +
         QCoreApplication::translate("AppController",
                                     "请在 系统设置 → 隐私与安全性 → 屏幕录制与系统音频录制 中勾选 Tavrel");
-    ui::dialogs::Options options;
-    options.okText = QCoreApplication::translate("AppController", "打开系统设置");
-    options.cancelText = QCoreApplication::translate("AppController", "稍后");
-    options.cancelDefault = false;
-    ui::dialogs::confirm(
-        nullptr, ui::dialogs::Icon::Warning, QCoreApplication::translate("AppController", "需要屏幕录制权限"), text,
-        options,
-        [this](bool open) {
-            if (open)
-                m_deps.permissions->openSystemSettings(platform::MediaKind::Screen);
-        },
-        this);
+    m_messages.show({.topic = QStringLiteral("access"),
+                     .icon = ui::dialogs::Icon::Warning,
+                     .title = QCoreApplication::translate("AppController", "需要屏幕录制权限"),
+                     .text = text,
+                     .okText = QCoreApplication::translate("AppController", "打开系统设置"),
+                     .cancelText = QCoreApplication::translate("AppController", "稍后"),
+                     .answer = [this](bool open) {
+                         if (open)
+                             m_deps.permissions->openSystemSettings(platform::MediaKind::Screen);
+                     }});
+}
+
+void AppController::updateCanShutdown()
+{
+    m_deps.updater->setCanShutdown(!m_flow.isActive());
+}
+
+void AppController::showWarning(const QString &title, const QString &text)
+{
+    // Over an overlay nothing of the program may appear, nor take the keyboard from it.
+    if (ui::CaptureOverlay *overlay = m_flow.overlay())
+        overlay->showToast(text);
+    else
+        m_messages.show({.topic = title, .icon = ui::dialogs::Icon::Warning, .title = title, .text = text});
 }
 
 void AppController::openRecording(const QString &path)
 {
     const QString text = QCoreApplication::translate("AppController", "此版本还不能打开录制文件。") + u'\n' +
                          QDir::toNativeSeparators(path);
-    ui::dialogs::message(nullptr, ui::dialogs::Icon::Warning,
-                         QCoreApplication::translate("AppController", "无法打开录像"), text,
-                         ui::themeFor(m_settings.config().theme), {});
+    m_messages.show({.topic = QStringLiteral("recording ") + path,
+                     .icon = ui::dialogs::Icon::Warning,
+                     .title = QCoreApplication::translate("AppController", "无法打开录像"),
+                     .text = text});
 }
 
 void AppController::showStatus()
 {
+    registerHotkeys();
     const HotkeyBinding &capture = m_settings.config().captureHotkey;
     QStringList lines;
     if (capture.isActive() && captureHotkeyError().isEmpty())
@@ -159,9 +178,9 @@ void AppController::showStatus()
     const QString errors = m_hotkeys.errorLines();
     if (!errors.isEmpty())
         lines.append(errors);
-    ui::dialogs::message(nullptr, ui::dialogs::Icon::Information,
-                         QCoreApplication::translate("AppController", "Tavrel 正在运行"),
-                         lines.join(QStringLiteral("\n")), ui::themeFor(m_settings.config().theme), {});
+    m_messages.show({.topic = QStringLiteral("status"),
+                     .title = QCoreApplication::translate("AppController", "Tavrel 正在运行"),
+                     .text = lines.join(u'\n')});
 }
 
 void AppController::quit()
@@ -184,7 +203,7 @@ void AppController::activate(QWindow *window)
 
 void AppController::scheduleRelease()
 {
-    QTimer::singleShot(kReleaseDelay, this, [this, before = m_activations, active = m_flow.wasApplicationActive()] {
+    QTimer::singleShot(kReleaseDelay, this, [this, before = m_activations, active = m_flow.takeApplicationActive()] {
         release(before, active);
     });
 }
@@ -193,10 +212,11 @@ void AppController::release(int activationsBefore, bool wasApplicationActive)
 {
     if (m_flow.isActive() || ui::dialogs::openDialogCount() > 0)
         return;
-    // No window of the program stays open between captures, so the foreground always goes back.
-    if (!wasApplicationActive && m_activations == activationsBefore)
+    const bool goesBack = !wasApplicationActive && m_activations == activationsBefore;
+    if (goesBack)
         m_deps.windowController->deactivateApplication();
-    m_deps.windowController->releaseActivation();
+    if (goesBack || !m_messages.isOpen())
+        m_deps.windowController->releaseActivation();
 }
 
 } // namespace tavrel

@@ -4,6 +4,7 @@
 #include "app/capture_flow.h"
 #include "app/history_keeper.h"
 #include "app/hotkey_table.h"
+#include "app/message_board.h"
 #include "app/result_actions.h"
 #include "app/tray_menu.h"
 #include "cloud/cloud_service.h"
@@ -88,7 +89,8 @@ public:
     void startCapture();
     /// Recordings cannot be opened by this version: says so.
     void openRecording(const QString &path);
-    /// Tells that the program runs and how to use it, since it has no window of its own.
+    /// Tells that the program runs and how to use it, since it has no window of its own. Failed hotkeys are tried
+    /// once more before.
     void showStatus();
     void quit();
     void retranslateUi();
@@ -107,6 +109,9 @@ private:
     void applySettings();
     void registerHotkeys();
     void onAccessRefused();
+    void updateCanShutdown();
+    /// A warning that has no notification area to appear in.
+    void showWarning(const QString &title, const QString &text);
     void scheduleRelease();
     void release(int activationsBefore, bool wasApplicationActive);
     void activate(QWindow *window);
@@ -118,6 +123,7 @@ private:
     CaptureFlow m_flow;
     ResultActions m_results;
     HotkeyTable m_hotkeys;
+    MessageBoard m_messages;
     std::unique_ptr<TrayMenu> m_tray;
     QString m_reportedHotkeyErrors;
     int m_activations = 0;

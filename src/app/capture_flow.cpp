@@ -48,14 +48,19 @@ private:
     std::function<void()> m_done;
 };
 
+QWidget *applicationModalWidget()
+{
+    QWidget *modal = QApplication::activeModalWidget();
+    return modal && modal->windowModality() == Qt::ApplicationModal ? modal : nullptr;
+}
+
 } // namespace
 
 void warnAboutModalWidget()
 {
-    const QWidget *modal = QApplication::activeModalWidget();
-    if (modal && modal->windowModality() == Qt::ApplicationModal) {
-        qWarning().noquote() << QStringLiteral("出现了应用级模态框（应改用 ui::dialogs）：")
-                             << modal->metaObject()->className();
+    if (const QWidget *modal = applicationModalWidget()) {
+        qWarning().noquote() << QStringLiteral("出现了应用级模态框（应改用 ui::dialogs）：") +
+                                    QString::fromLatin1(modal->metaObject()->className());
     }
 }
 
@@ -64,16 +69,14 @@ CaptureFlow::CaptureFlow(Services services, QObject *parent)
       m_services(std::move(services)),
       m_walk(m_services.history)
 {
-    const SettingsConfig &config = m_services.settings.config();
-    m_recordPrefs.systemAudio = config.recordSystemAudio;
-    m_recordPrefs.mouse = config.recordClickEffect;
-    m_recordPrefs.keys = config.recordKeyOsd;
+    takeRecordPrefs();
     connect(&m_services.capturer, &platform::IScreenCapturer::captured, this, &CaptureFlow::onCaptured);
 }
 
 CaptureFlow::~CaptureFlow()
 {
-    for (const auto &overlay : std::as_const(m_overlays))
+    const auto overlays = std::exchange(m_overlays, {});
+    for (const auto &overlay : overlays)
         delete overlay;
 }
 
@@ -94,6 +97,7 @@ void CaptureFlow::startCapture()
     }
     m_timer.start();
     m_captureRequested = true;
+    m_wasApplicationActive = true;
     Q_EMIT sessionStarted();
 
     platform::CaptureOptions options;
@@ -111,8 +115,10 @@ void CaptureFlow::onCaptured(const platform::CaptureResult &result)
     m_captureRequested = false;
     warnAboutModalWidget();
     if (!result.isGood()) {
-        qWarning().noquote() << QStringLiteral("抓屏失败：") + result.error;
-        m_services.notices.show(QCoreApplication::translate("AppController", "截图失败"), result.error,
+        const QString reason =
+            result.error.isEmpty() ? QCoreApplication::translate("AppController", "抓取屏幕失败") : result.error;
+        qWarning().noquote() << QStringLiteral("抓屏失败：") + reason;
+        m_services.notices.show(QCoreApplication::translate("AppController", "截图失败"), reason,
                                 IUserNotices::Kind::Warning, 4000ms);
         Q_EMIT idleReached();
         return;
@@ -134,6 +140,7 @@ void CaptureFlow::openOverlay(const platform::CapturedDisplay &display)
     overlay->setWindowController(m_services.windows);
     overlay->setDetection(m_windows, m_services.settings.config().detectUiElements ? m_services.probe : nullptr);
     m_overlays.append(overlay);
+    connect(overlay, &QObject::destroyed, this, &CaptureFlow::onOverlayGone);
     connectResults(overlay);
     connectSettings(overlay);
     overlay->setRecordPrefs(m_recordPrefs);
@@ -142,7 +149,7 @@ void CaptureFlow::openOverlay(const platform::CapturedDisplay &display)
     overlay->winId();
     QWindow *handle = overlay->windowHandle();
     m_services.windows->setWindowRole(handle, platform::WindowRole::Overlay);
-    if (QWidget *modal = QApplication::activeModalWidget(); modal && modal->windowHandle())
+    if (const QWidget *modal = applicationModalWidget(); modal && modal->windowHandle())
         handle->setTransientParent(modal->windowHandle());
     overlay->show();
     m_services.windows->setWindowRole(handle, platform::WindowRole::Overlay);
@@ -245,12 +252,34 @@ QString CaptureFlow::remember(ui::CaptureOverlay *overlay, const QString &source
     return m_services.history.add(snapshot, source, rendered, contextOf(overlay));
 }
 
+void CaptureFlow::takeRecordPrefs()
+{
+    const SettingsConfig &config = m_services.settings.config();
+    m_recordPrefs.systemAudio = config.recordSystemAudio;
+    m_recordPrefs.mouse = config.recordClickEffect;
+    m_recordPrefs.keys = config.recordKeyOsd;
+}
+
 void CaptureFlow::applySettings()
 {
+    takeRecordPrefs();
     for (const auto &overlay : std::as_const(m_overlays)) {
         if (overlay)
             overlay->setConfig(m_services.settings.config());
     }
+}
+
+void CaptureFlow::onOverlayGone(const QObject *gone)
+{
+    // A widget tells of its end before guarded pointers to it are cleared.
+    for (auto &overlay : m_overlays) {
+        if (overlay.data() == gone)
+            overlay.clear();
+    }
+    // Overlays that a session took down itself are no longer in the list.
+    if (!m_overlays.isEmpty() &&
+        std::all_of(m_overlays.cbegin(), m_overlays.cend(), [](const auto &overlay) { return overlay.isNull(); }))
+        closeSession();
 }
 
 void CaptureFlow::closeSession()

@@ -15,6 +15,7 @@
 
 #include <functional>
 #include <memory>
+#include <utility>
 
 namespace tavrel {
 
@@ -64,8 +65,9 @@ public:
 
     [[nodiscard]] bool isActive() const { return m_captureRequested || !m_overlays.isEmpty(); }
     [[nodiscard]] ui::CaptureOverlay *overlay() const;
-    /// Whether this application was the active one when the last overlay came up.
-    [[nodiscard]] bool wasApplicationActive() const { return m_wasApplicationActive; }
+    /// Whether this application was the active one when the overlay of the session that ended came up. True for a
+    /// session without an overlay, and from the second call on.
+    [[nodiscard]] bool takeApplicationActive() { return std::exchange(m_wasApplicationActive, true); }
 
 Q_SIGNALS:
     void sessionStarted();
@@ -82,6 +84,8 @@ private:
     void openOverlay(const platform::CapturedDisplay &display);
     void connectResults(ui::CaptureOverlay *overlay);
     void connectSettings(ui::CaptureOverlay *overlay);
+    void takeRecordPrefs();
+    void onOverlayGone(const QObject *gone);
     void logFirstPaint(ui::CaptureOverlay *overlay);
     void navigateHistory(ui::CaptureOverlay *overlay, int delta);
     [[nodiscard]] FilenameContext contextOf(const ui::CaptureOverlay *overlay) const;

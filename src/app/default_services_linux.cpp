@@ -19,6 +19,7 @@ AppController::Deps withDefaultServices(AppController::Deps deps)
     if (!deps.cursorPosition)
         deps.cursorPosition = [] { return QCursor::pos(); };
     QString error;
+    const bool complete = deps.screenCapturer && deps.globalHotkey && deps.windowController && deps.elementDetector;
     if (const auto services = x11 ? platform::X11Services::create(&error) : nullptr) {
         if (!deps.screenCapturer)
             deps.screenCapturer = services->screenCapturer();
@@ -30,6 +31,9 @@ AppController::Deps withDefaultServices(AppController::Deps deps)
             deps.elementDetector = services->elementDetector();
     } else if (x11) {
         qWarning().noquote() << QStringLiteral("X 服务不可用：") + error;
+    } else if (!complete) {
+        qWarning().noquote() << QStringLiteral("窗口系统“%1”不受支持（需要 X11）：不能抓屏，全局快捷键无效")
+                                    .arg(QGuiApplication::platformName());
     }
     if (!deps.screenCapturer)
         deps.screenCapturer = Unsupported::screenCapturer();

@@ -21,9 +21,10 @@ QKeySequence shownShortcut(const HotkeyBinding &binding)
 
 } // namespace
 
-TrayMenu::TrayMenu(std::function<const SettingsConfig &()> settings, QObject *parent)
+TrayMenu::TrayMenu(std::function<const SettingsConfig &()> settings, ShowWarning showWarning, QObject *parent)
     : QObject(parent),
       m_settings(std::move(settings)),
+      m_showWarning(std::move(showWarning)),
       m_menu(std::make_unique<QMenu>())
 {
     m_capture = m_menu->addAction(QString(), this, &TrayMenu::captureRequested);
@@ -57,8 +58,11 @@ void TrayMenu::show(const QString &title, const QString &text, Kind kind, std::c
         qWarning().noquote() << line;
     else
         qInfo().noquote() << line;
-    if (!QSystemTrayIcon::isSystemTrayAvailable())
+    if (!QSystemTrayIcon::isSystemTrayAvailable()) {
+        if (kind == Kind::Warning)
+            m_showWarning(title, text);
         return;
+    }
     m_icon.showMessage(title, text, kind == Kind::Warning ? QSystemTrayIcon::Warning : QSystemTrayIcon::Information,
                        static_cast<int>(duration.count()));
 }

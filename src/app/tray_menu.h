@@ -20,13 +20,16 @@ struct SettingsConfig;
 /// The icon in the notification area with its menu, and the messages that appear beside it.
 ///
 /// Texts, shortcuts and glyph colours are set again whenever the menu opens, so that language, theme and hotkeys
-/// need no further signals. Without a notification area messages go to the log.
+/// need no further signals. Without a notification area messages go to the log, and warnings to somebody else.
 class TrayMenu final : public QObject, public IUserNotices
 {
     Q_OBJECT
 
 public:
-    explicit TrayMenu(std::function<const SettingsConfig &()> settings, QObject *parent = nullptr);
+    using ShowWarning = std::function<void(const QString &title, const QString &text)>;
+
+    /// showWarning  shows a warning where there is no notification area
+    TrayMenu(std::function<const SettingsConfig &()> settings, ShowWarning showWarning, QObject *parent = nullptr);
     ~TrayMenu() override;
 
     void refresh();
@@ -40,6 +43,7 @@ Q_SIGNALS:
 
 private:
     std::function<const SettingsConfig &()> m_settings;
+    ShowWarning m_showWarning;
     std::unique_ptr<QMenu> m_menu;
     QSystemTrayIcon m_icon;
     QAction *m_capture = nullptr;

@@ -8,6 +8,7 @@
 
 #include <QApplication>
 #include <QSignalSpy>
+#include <QWindow>
 
 using namespace tavrel;
 
@@ -214,6 +215,63 @@ private Q_SLOTS:
         QSignalSpy captured(m_capturer.get(), &platform::IScreenCapturer::captured);
         QTRY_COMPARE(captured.count(), 1);
         QVERIFY(!m_flow->overlay());
+    }
+
+    void theRecordPreferencesFollowTheSettings()
+    {
+        SettingsConfig config = m_settings->config();
+        config.recordKeyOsd = false;
+        config.recordSystemAudio = false;
+        m_settings->update(config);
+        m_flow->applySettings();
+        m_flow->startCapture();
+        QTRY_VERIFY(m_flow->overlay());
+        const record::RecordPrefs &prefs = m_flow->overlay()->recordPrefs();
+        QCOMPARE(QList<bool>({prefs.systemAudio, prefs.mouse, prefs.keys}), QList<bool>({false, true, false}));
+    }
+
+    void onlyAnApplicationModalWidgetIsComplainedAbout_data()
+    {
+        QTest::addColumn<Qt::WindowModality>("modality");
+        QTest::newRow("application") << Qt::ApplicationModal;
+        QTest::newRow("window") << Qt::WindowModal;
+    }
+
+    void onlyAnApplicationModalWidgetIsComplainedAbout()
+    {
+        QFETCH(Qt::WindowModality, modality);
+        QWidget owner;
+        owner.show();
+        QWidget box(&owner, Qt::Dialog);
+        box.setWindowModality(modality);
+        box.show();
+        const bool complains = modality == Qt::ApplicationModal;
+        if (complains) {
+            for (int i = 0; i < 2; ++i)
+                QTest::ignoreMessage(QtWarningMsg, "出现了应用级模态框（应改用 ui::dialogs）：QWidget");
+        } else {
+            QTest::failOnWarning(QRegularExpression(QStringLiteral("应用级模态框")));
+        }
+        m_flow->startCapture();
+        QTRY_VERIFY(m_flow->overlay());
+        QCOMPARE(m_flow->overlay()->windowHandle()->transientParent(), complains ? box.windowHandle() : nullptr);
+    }
+
+    void anOverlayThatVanishesEndsItsSession()
+    {
+        QSignalSpy idle(m_flow.get(), &CaptureFlow::idleReached);
+        m_flow->startCapture();
+        QTRY_VERIFY(m_flow->overlay());
+        QPointer<ui::CaptureOverlay> first = m_flow->overlay();
+        m_flow->closeSession();
+        // The old overlay goes down while the next session waits for its picture: that one is not touched.
+        m_flow->startCapture();
+        QTRY_VERIFY(!first);
+        QTRY_VERIFY(m_flow->overlay());
+        QCOMPARE(idle.count(), 1);
+        delete m_flow->overlay();
+        QVERIFY(!m_flow->isActive());
+        QCOMPARE(idle.count(), 2);
     }
 
     void aDisplayThatIsGoneByNowStillGetsItsOverlay()

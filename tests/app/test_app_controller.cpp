@@ -1,0 +1,404 @@
+#include "app/app_controller.h"
+#include "overlay/capture_overlay.h"
+#include "platform/synthetic/synthetic_global_hotkey.h"
+#include "platform/unsupported/unsupported_services.h"
+#include "settings/settings_store.h"
+#include "support/test_main.h"
+#include "ui/dialog_hosts.h"
+
+#include <QApplication>
+#include <QPushButton>
+#include <QSystemTrayIcon>
+
+using namespace tavrel;
+using namespace std::chrono_literals;
+using ui::dialogs::FloatingDialog;
+
+namespace {
+
+constexpr KeyCombo kCtrl1{.key = 49, .ctrl = true};
+
+class FakeCapturer final : public platform::IScreenCapturer
+{
+public:
+    FakeCapturer()
+    {
+        platform::CapturedDisplay display;
+        display.id = 1;
+        display.geometry = QRect(0, 0, 400, 300);
+        display.devicePixelRatio = 1.0;
+        display.image = QImage(400, 300, QImage::Format_ARGB32_Premultiplied);
+        display.image.fill(Qt::darkGreen);
+        result.displays = {display};
+    }
+    int captureAccess() const override { return access; }
+    void requestCaptureAccess() override {}
+    void capture(const platform::CaptureOptions &) override
+    {
+        ++grabs;
+        QMetaObject::invokeMethod(
+            this, [this] { Q_EMIT captured(result); }, Qt::QueuedConnection);
+    }
+
+    int access = Granted;
+    int grabs = 0;
+    platform::CaptureResult result;
+};
+
+class FakeWindows final : public platform::IWindowController
+{
+public:
+    void setWindowRole(QWindow *, platform::WindowRole) override {}
+    void setExcludedFromCapture(QWindow *, bool) override {}
+    void activate(QWindow *) override {}
+    bool isApplicationActive() const override { return active; }
+    void deactivateApplication() override { events.append(QStringLiteral("deactivate")); }
+    void setDockPresence(bool) override {}
+    void placeOnDisplay(QWindow *, const QRect &) override {}
+    void releaseActivation() override { events.append(QStringLiteral("release")); }
+    void setClickThrough(QWindow *, bool) override {}
+    void setOverlayLowered(QWindow *, bool) override {}
+    bool isCompositing() const override { return false; }
+    void setTitleBarHeight(QWindow *, int) override {}
+
+    bool active = false;
+    QStringList events;
+};
+
+class FakeUpdater final : public platform::IUpdater
+{
+public:
+    bool isAvailable() const override { return false; }
+    void checkNow() override {}
+    bool automaticChecks() const override { return false; }
+    void setAutomaticChecks(bool) override {}
+    void setCanShutdown(bool can) override { canShutdown = can; }
+
+    bool canShutdown = true;
+};
+
+class FakePermissions final : public platform::IPermissions
+{
+public:
+    bool isRequired(platform::MediaKind) const override { return true; }
+    platform::PermissionState state(platform::MediaKind) const override { return platform::PermissionState::Denied; }
+    void request(platform::MediaKind, std::function<void(bool)>) override {}
+    void openSystemSettings(platform::MediaKind) override { ++opened; }
+
+    int opened = 0;
+};
+
+class Notices final : public IUserNotices
+{
+public:
+    void show(const QString &title, const QString &, Kind, std::chrono::milliseconds) override { shown.append(title); }
+    QStringList shown;
+};
+
+class Records final : public IHistoryKeeper
+{
+public:
+    QString add(const OverlaySnapshot &, const QString &, const QImage &, const FilenameContext &) override
+    {
+        return QStringLiteral("uuid");
+    }
+    void setSavedPath(const QString &uuid, const QString &path) override
+    {
+        events.append(uuid + u'|' + QFileInfo(path).fileName());
+    }
+    int count() const override { return 0; }
+    std::optional<OverlaySnapshot> load(int) const override { return {}; }
+    bool flush(int) override
+    {
+        events.append(QStringLiteral("flush"));
+        return true;
+    }
+    QStringList events;
+};
+
+class FakeClipboard final : public IClipboard
+{
+public:
+    void set(std::unique_ptr<QMimeData> data) override { m_data = std::move(data); }
+    const QMimeData *readBack() const override { return m_data.get(); }
+
+private:
+    std::unique_ptr<QMimeData> m_data;
+};
+
+QList<FloatingDialog *> messages()
+{
+    QList<FloatingDialog *> found;
+    for (QWidget *widget : QApplication::topLevelWidgets()) {
+        if (auto *dialog = qobject_cast<FloatingDialog *>(widget); dialog && dialog->isVisible())
+            found.append(dialog);
+    }
+    return found;
+}
+
+/// The title of the only message on the screen; says so when there is none or more than one.
+QString message()
+{
+    const auto all = messages();
+    return all.size() == 1 ? all.first()->findChild<ui::dialogs::DialogCard *>()->accessibleName()
+                           : QStringLiteral("%1 messages").arg(all.size());
+}
+
+void press(const QString &button)
+{
+    for (QPushButton *candidate : messages().first()->findChildren<QPushButton *>()) {
+        if (candidate->text() == button)
+            candidate->click();
+    }
+}
+
+void drag(QWidget *widget, const QPoint &from, const QPoint &to)
+{
+    QTest::mousePress(widget, Qt::LeftButton, {}, from);
+    QTest::mouseMove(widget, (from + to) / 2);
+    QTest::mouseMove(widget, to);
+    QTest::mouseRelease(widget, Qt::LeftButton, {}, to);
+}
+
+} // namespace
+
+class AppControllerTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_folder = std::make_unique<QTemporaryDir>();
+        m_settings = std::make_unique<SettingsStore>(m_folder->filePath(QStringLiteral("s.ini")));
+        m_windows = std::make_shared<FakeWindows>();
+        m_permissions = std::make_shared<FakePermissions>();
+        m_notices = std::make_shared<Notices>();
+        m_records = std::make_shared<Records>();
+    }
+
+    void cleanup()
+    {
+        m_controller.reset();
+        QVERIFY(messages().isEmpty());
+        QCOMPARE(ui::dialogs::openDialogCount(), 0);
+    }
+
+    void theUpdaterWaitsForEveryEndOfASession_data()
+    {
+        QTest::addColumn<int>("end");
+        QTest::newRow("result") << int(Qt::Key_Return);
+        QTest::newRow("given up") << int(Qt::Key_Escape);
+        QTest::newRow("overlay gone") << 0;
+        QTest::newRow("failed grab") << -1;
+    }
+
+    void theUpdaterWaitsForEveryEndOfASession()
+    {
+        QFETCH(int, end);
+        start();
+        if (end == -1) {
+            m_capturer->result.error = QStringLiteral("gone");
+            QTest::ignoreMessage(QtWarningMsg, "抓屏失败：gone");
+        }
+        QVERIFY(m_hotkeys->press(kCtrl1));
+        QVERIFY(!m_updater->canShutdown);
+        if (end != -1) {
+            QTRY_VERIFY(overlay());
+            drag(overlay(), {20, 20}, {120, 70});
+            QVERIFY(!m_updater->canShutdown);
+            if (end == 0)
+                delete overlay();
+            else
+                QTest::keyClick(overlay(), static_cast<Qt::Key>(end));
+        }
+        QTRY_VERIFY(m_updater->canShutdown);
+        QVERIFY(!m_controller->captureFlow().isActive());
+    }
+
+    void theStatusIsOneMessageThatLeavesTheHotkeysAlone()
+    {
+        start();
+        m_controller->showStatus();
+        m_controller->showStatus();
+        QCOMPARE(message(), QStringLiteral("Tavrel 正在运行"));
+        QVERIFY(m_hotkeys->press(kCtrl1));
+        QTRY_VERIFY(overlay());
+    }
+
+    void messagesTakeTurns()
+    {
+        start();
+        m_controller->openRecording(QStringLiteral("/a.tavrel"));
+        m_controller->openRecording(QStringLiteral("/b.tavrel"));
+        m_controller->showStatus();
+        m_controller->openRecording(QStringLiteral("/b.tavrel"));
+        QCOMPARE(message(), QStringLiteral("无法打开录像"));
+        press(QStringLiteral("好"));
+        QCOMPARE(message(), QStringLiteral("无法打开录像"));
+        QTest::keyClick(messages().first()->findChild<ui::dialogs::DialogCard *>(), Qt::Key_Escape);
+        QCOMPARE(message(), QStringLiteral("Tavrel 正在运行"));
+        messages().first()->close(); // by the window manager
+        QVERIFY(messages().isEmpty());
+        m_controller->showStatus();
+        QCOMPARE(message(), QStringLiteral("Tavrel 正在运行"));
+    }
+
+    void refusedAccessAsksOnce()
+    {
+        start();
+        m_capturer->access = platform::IScreenCapturer::Denied;
+        m_controller->startCapture();
+        m_hotkeys->press(kCtrl1);
+        QCOMPARE(message(), QStringLiteral("需要屏幕录制权限"));
+        press(QStringLiteral("打开系统设置"));
+        QVERIFY(messages().isEmpty());
+        QCOMPARE(m_permissions->opened, 1);
+        m_controller->startCapture();
+        press(QStringLiteral("稍后"));
+        QCOMPARE(m_permissions->opened, 1);
+        QCOMPARE(m_capturer->grabs, 0);
+    }
+
+    void withoutANotificationAreaFailuresAreShown()
+    {
+        QVERIFY(!QSystemTrayIcon::isSystemTrayAvailable());
+        m_notices.reset();
+        start();
+        m_capturer->result = {};
+        for (int i = 0; i < 2; ++i) {
+            QTest::ignoreMessage(QtWarningMsg, "抓屏失败：抓取屏幕失败");
+            QTest::ignoreMessage(QtWarningMsg, "截图失败：抓取屏幕失败");
+            m_controller->startCapture();
+            QTRY_VERIFY(!m_controller->captureFlow().isActive());
+        }
+        QCOMPARE(message(), QStringLiteral("截图失败"));
+    }
+
+    void aHotkeyThatAnotherProgramHeldIsTriedAgain()
+    {
+        start([this] { m_hotkeys->setTakenElsewhere(kCtrl1, true); });
+        QCOMPARE(m_notices->shown, QStringList{QStringLiteral("Tavrel 快捷键注册失败")});
+        QVERIFY(!m_controller->captureHotkeyError().isEmpty());
+
+        change([](SettingsConfig &config) { config.showMagnifier = false; });
+        QCOMPARE(m_notices->shown.size(), 1); // told once
+        m_hotkeys->setTakenElsewhere(kCtrl1, false);
+        change([](SettingsConfig &config) { config.showMagnifier = true; });
+        QVERIFY(m_controller->captureHotkeyError().isEmpty());
+        QVERIFY(m_hotkeys->press(kCtrl1));
+    }
+
+    void theForegroundGoesBackAfterASession_data()
+    {
+        QTest::addColumn<bool>("wasActive");
+        QTest::addColumn<bool>("messageAppears");
+        QTest::addColumn<QStringList>("events");
+        const auto deactivate = QStringLiteral("deactivate");
+        const auto release = QStringLiteral("release");
+        QTest::newRow("to the other program") << false << false << QStringList{deactivate, release};
+        QTest::newRow("it was ours") << true << false << QStringList{release};
+        QTest::newRow("a message came up since") << false << true << QStringList();
+    }
+
+    void theForegroundGoesBackAfterASession()
+    {
+        QFETCH(bool, wasActive);
+        QFETCH(bool, messageAppears);
+        QFETCH(QStringList, events);
+        start();
+        m_windows->active = wasActive;
+        m_controller->startCapture();
+        QTRY_VERIFY(overlay());
+        QTest::keyClick(overlay(), Qt::Key_Escape);
+        if (messageAppears)
+            m_controller->showStatus();
+        waitForRelease();
+        QCOMPARE(m_windows->events, events);
+
+        // A session that got no picture took the foreground from nobody.
+        m_windows->events.clear();
+        m_capturer->result.error = QStringLiteral("gone");
+        QTest::ignoreMessage(QtWarningMsg, "抓屏失败：gone");
+        m_controller->startCapture();
+        QTRY_VERIFY(!m_controller->captureFlow().isActive());
+        waitForRelease();
+        QCOMPARE(m_windows->events, messageAppears ? QStringList() : QStringList{QStringLiteral("release")});
+    }
+
+    void aSaveThatRunsWhenTheProgramEndsCounts()
+    {
+        change([this](SettingsConfig &config) {
+            config.saveToSpecifiedPath = true;
+            config.savePath = m_folder->filePath(QStringLiteral("shots"));
+            config.filenameFormat = QStringLiteral("shot_{{index}}");
+        });
+        start();
+        m_controller->startCapture();
+        QTRY_VERIFY(overlay());
+        drag(overlay(), {20, 20}, {120, 70});
+        QTest::keyClick(overlay(), Qt::Key_S, Qt::ControlModifier);
+        m_controller.reset(); // no event loop in between
+        QCOMPARE(m_settings->config().filenameCounter, 1);
+        QCOMPARE(m_records->events, (QStringList{QStringLiteral("uuid|shot_1.png"), QStringLiteral("flush")}));
+        QCOMPARE(QImage(m_folder->filePath(QStringLiteral("shots/shot_1.png"))).size(), QSize(100, 50));
+    }
+
+private:
+    void start(const std::function<void()> &before = {})
+    {
+        AppController::Deps deps;
+        auto capturer = std::make_unique<FakeCapturer>();
+        auto hotkeys = std::make_unique<platform::SyntheticGlobalHotkey>();
+        auto updater = std::make_unique<FakeUpdater>();
+        m_capturer = capturer.get();
+        m_hotkeys = hotkeys.get();
+        m_updater = updater.get();
+        if (before)
+            before();
+        deps.screenCapturer = std::move(capturer);
+        deps.globalHotkey = std::move(hotkeys);
+        deps.updater = std::move(updater);
+        deps.windowController = m_windows;
+        deps.elementDetector = platform::Unsupported::elementDetector();
+        deps.permissions = m_permissions;
+        deps.notices = m_notices;
+        deps.history = m_records;
+        deps.clipboard = std::make_shared<FakeClipboard>();
+        deps.cursorPosition = [] { return QPoint(10, 10); };
+        m_controller = std::make_unique<AppController>(*m_settings, std::move(deps));
+        m_controller->start();
+    }
+
+    template <typename Edit>
+    void change(Edit edit)
+    {
+        SettingsConfig config = m_settings->config();
+        edit(config);
+        m_settings->update(config);
+    }
+
+    /// Returns when the release of a session that has just ended is over: its timer is shorter.
+    void waitForRelease()
+    {
+        bool over = false;
+        QTimer::singleShot(200ms, this, [&over] { over = true; });
+        QTRY_VERIFY(over);
+    }
+
+    [[nodiscard]] ui::CaptureOverlay *overlay() const { return m_controller->captureFlow().overlay(); }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<SettingsStore> m_settings;
+    std::shared_ptr<FakeWindows> m_windows;
+    std::shared_ptr<FakePermissions> m_permissions;
+    std::shared_ptr<Notices> m_notices;
+    std::shared_ptr<Records> m_records;
+    FakeCapturer *m_capturer = nullptr;
+    platform::SyntheticGlobalHotkey *m_hotkeys = nullptr;
+    FakeUpdater *m_updater = nullptr;
+    std::unique_ptr<AppController> m_controller;
+};
+
+TAVREL_TEST_MAIN(QApplication, AppControllerTest)
+#include "test_app_controller.moc"
