@@ -1,0 +1,98 @@
+#!/usr/bin/env bash
+# faults.sh TAVREL: folders that are missing, cannot be made, or have no room left. The failure is shown, the picture
+# goes to another place instead, nothing half-written stays behind and the next capture works.
+set -u
+tavrel=$(realpath "$1")
+. "$(dirname "$0")/common.sh"
+dress_desktop 1280 800
+left=201 top=151 right=901 bottom=651
+import -window root "$home/before.png"
+convert "$home/before.png" -crop "$((right - left))x$((bottom - top))+$left+$top" +repage "$home/truth.png"
+same() { [ "$(compare -metric AE "$1" "$home/truth.png" null: 2>&1)" = 0 ]; }
+window() { xdotool search --onlyvisible --name "$1"; }
+no_window() { ! window "$1"; }
+has_focus() { [ "$(xdotool getwindowfocus)" = "$(window "$1" | tail -n 1)" ]; }
+
+capture() { # KEY that ends it
+    local before
+    before=$(grep -cF 覆盖层首次绘制完成 "$log")
+    xdotool mousemove 60 60 key ctrl+1
+    until_true 30 log_count 覆盖层首次绘制完成 $((before + 1)) || fail "$name: no overlay"
+    drag $left $top $right $bottom
+    xdotool key "$1"
+}
+
+begin() { # NAME FOLDER [COMMAND that starts the program]
+    name=$1
+    local folder=$2
+    shift 2
+    rm -f "$log"
+    write_settings "{\"configSchemaVersion\":9,\"language\":\"en\",\"saveToSpecifiedPath\":true,\"savePath\":\"$folder\",\"filenameFormat\":\"shot_{{index}}\"}"
+    start "$@" "$tavrel"
+    pid=${started[-1]}
+    until_true 30 log_has 就绪，等待快捷键 || fail "$name: the program did not start"
+}
+
+end() {
+    kill "$pid"
+    wait "$pid" 2>/dev/null
+    unset 'started[-1]'
+}
+
+next_capture_works() {
+    printf 'nothing yet' | xclip -selection clipboard -i
+    capture Return
+    got_picture() { xclip -selection clipboard -t image/png -o >"$home/copied.png" 2>/dev/null && same "$home/copied.png"; }
+    until_true 20 got_picture || fail "$name: the next capture was not copied"
+}
+
+# The message offers another place; what is written there is the picture.
+rescue() {
+    until_true 20 log_has 保存失败： || fail "$name: the failure was not noticed"
+    until_true 20 has_focus '^Save failed' || fail "$name: the failure was not shown"
+    xdotool key Return
+    until_true 20 has_focus '^Save as' || fail "$name: no other place was offered"
+    xdotool key ctrl+a type "$home/rescued-$name.png"
+    xdotool key Return
+    until_true 20 same "$home/rescued-$name.png" || fail "$name: the picture was lost"
+    until_true 20 no_window '^Save as' || fail "$name: the dialog stayed"
+}
+
+begin missing "$home/not/yet/there"
+capture ctrl+s
+until_true 20 same "$home/not/yet/there/shot_1.png" || fail "a missing folder was not made"
+next_capture_works
+end
+
+touch "$home/file"
+begin below-a-file "$home/file/shots"
+capture ctrl+s
+rescue
+next_capture_works
+end
+
+full=$home/full
+mkdir "$full"
+if mount -t tmpfs -o size=64k tmpfs "$full" 2>/dev/null; then
+    unmount() { umount "$full"; finish; }
+    trap unmount EXIT
+    limited=()
+else
+    # No file may grow beyond 64 kB; the pictures that are to work are written without that limit.
+    limited=(prlimit --fsize=65536: env --ignore-signal=XFSZ)
+fi
+begin full "$full" "${limited[@]}"
+capture ctrl+s
+if [ ${#limited[@]} -eq 0 ]; then
+    rescue
+else
+    until_true 20 has_focus '^Save failed' || fail "$name: the failure was not shown"
+    prlimit --pid "$pid" --fsize=unlimited:
+    rescue
+fi
+[ -z "$(ls -A "$full")" ] || fail "half a picture stayed: $(ls -A "$full")"
+next_capture_works
+end
+
+[ "$failures" -eq 0 ] && echo "faults: every picture was kept"
+exit "$failures"
