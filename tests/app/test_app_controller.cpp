@@ -106,7 +106,7 @@ public:
     {
         events.append(uuid + u'|' + QFileInfo(path).fileName());
     }
-    int count() const override { return 0; }
+    int count() const override { return 1; } // a record without its picture
     std::optional<OverlaySnapshot> load(int) const override { return {}; }
     bool flush(int) override
     {
@@ -273,6 +273,15 @@ private Q_SLOTS:
             QTRY_VERIFY(!m_controller->captureFlow().isActive());
         }
         QCOMPARE(message(), QStringLiteral("截图失败"));
+        press(QStringLiteral("好"));
+
+        // Over an overlay no window may come up.
+        m_capturer->result = FakeCapturer().result;
+        m_controller->startCapture();
+        QTRY_VERIFY(overlay());
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^截图历史：")));
+        QTest::keyClick(overlay(), Qt::Key_Comma);
+        QVERIFY(messages().isEmpty());
     }
 
     void aHotkeyThatAnotherProgramHeldIsTriedAgain()

@@ -22,6 +22,19 @@ until_true 20 log_has 覆盖层首次绘制完成 || fail "the request was not c
 xdotool key Escape
 until_true 20 log_has 截图会话结束 || fail "Esc did not end the session"
 
+# Starts that ask for nothing are told how to use the one that runs, in one message that leaves the hotkey alone.
+windows_named() { [ "$(xdotool search --onlyvisible --name "$1" | wc -l)" -eq "$2" ]; }
+for i in 1 2 3; do
+    timeout 20 "$tavrel" || fail "a bare start did not end with 0"
+done
+message='^(Tavrel is running|Tavrel 正在运行)$'
+until_true 20 windows_named "$message" 1 || fail "no message, or more than one"
+xdotool mousemove 60 60 key ctrl+1
+until_true 20 log_count 覆盖层首次绘制完成 2 || fail "the message holds the hotkey back"
+xdotool key Escape
+until_true 20 log_count 截图会话结束 2 || fail "Esc did not end the second session"
+windows_named "$message" 1 || fail "the message went away with the capture"
+
 kill -9 "$first"
 wait "$first" 2>/dev/null
 mv "$log" "$home/first.log"
