@@ -3,7 +3,9 @@
 #include "annotate/arrow_shape.h"
 #include "annotate/base_shape.h"
 #include "annotate/path_shape.h"
+#include "annotate/sequence_shape.h"
 #include "annotate/stroke_points.h"
+#include "annotate/text_shape.h"
 #include "annotate/vector_shapes.h"
 #include "base/json_read.h"
 
@@ -57,6 +59,8 @@ const ShapeFactory &ShapeFactory::standard()
         made.add<CircleShape>(ToolType::Circle);
         made.add<LineShape>(ToolType::Line);
         made.add<ArrowShape>(ToolType::Arrow);
+        made.add<SequenceShape>(ToolType::Sequence);
+        made.add<TextShape>(ToolType::Text);
         const auto makeStroke = [](ToolType type) { return std::make_shared<PathShape>(type); };
         made.add(
             ToolType::Pen, [makeStroke](const ShapeAttributes &) { return makeStroke(ToolType::Pen); },
