@@ -105,6 +105,31 @@ double textLineHeight(double fontSize)
     return fontSize * 1.2;
 }
 
+double textBaseline(const QStringList &lines, const QFont &font, double lineHeight)
+{
+    const QFontMetricsF metrics(font);
+    double top = 0;
+    double bottom = 0;
+    qsizetype first = -1;
+    qsizetype last = -1;
+    for (qsizetype i = 0; i < lines.size(); ++i) {
+        if (lines[i].isEmpty())
+            continue;
+        const QRectF ink = metrics.tightBoundingRect(lines[i]).translated(0, static_cast<double>(i) * lineHeight);
+        top = first < 0 ? ink.top() : std::min(top, ink.top());
+        bottom = first < 0 ? ink.bottom() : std::max(bottom, ink.bottom());
+        first = first < 0 ? i : first;
+        last = i;
+    }
+    if (first < 0) {
+        const double natural = metrics.ascent() + metrics.descent();
+        return natural > 0 ? (lineHeight - natural) / 2 + metrics.ascent() : lineHeight * 0.875;
+    }
+    const double blockTop = static_cast<double>(first) * lineHeight;
+    const double blockHeight = static_cast<double>(last - first + 1) * lineHeight;
+    return blockTop + (blockHeight - (bottom - top)) / 2 - top;
+}
+
 TextShape::TextShape() : BaseShape(ToolType::Text)
 {
     thickness = 1.0;
@@ -180,32 +205,15 @@ void TextShape::paintPlate(QPainter &painter) const
 void TextShape::paintLines(QPainter &painter) const
 {
     const QFont face = font();
-    const QFontMetricsF metrics(face);
     const QStringList texts = lines();
     const double lineHeight = textLineHeight(m_fontSize);
-    // The ink, not the font's own idea of a line, stands in the middle of the block.
-    double top = 0;
-    double bottom = 0;
-    qsizetype first = -1;
-    qsizetype last = -1;
-    for (qsizetype i = 0; i < texts.size(); ++i) {
-        if (texts[i].isEmpty())
-            continue;
-        const QRectF ink = metrics.tightBoundingRect(texts[i]).translated(0, static_cast<double>(i) * lineHeight);
-        top = first < 0 ? ink.top() : std::min(top, ink.top());
-        bottom = first < 0 ? ink.bottom() : std::max(bottom, ink.bottom());
-        first = first < 0 ? i : first;
-        last = i;
-    }
-    if (first < 0)
-        return;
-    const double blockTop = static_cast<double>(first) * lineHeight;
-    const double blockHeight = static_cast<double>(last - first + 1) * lineHeight;
-    const double offset = blockTop + (blockHeight - (bottom - top)) / 2 - top;
+    const double offset = textBaseline(texts, face, lineHeight);
 
     const QColor ink = colorFromText(color);
     painter.setFont(face);
-    for (qsizetype i = first; i <= last; ++i) {
+    for (qsizetype i = 0; i < texts.size(); ++i) {
+        if (texts[i].isEmpty())
+            continue;
         const QPointF at(-m_box.width() / 2 + m_padding.width(),
                          -m_box.height() / 2 + m_padding.height() + static_cast<double>(i) * lineHeight + offset);
         if (m_style == TextStyle::Border) {

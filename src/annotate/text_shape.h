@@ -83,5 +83,8 @@ private:
 [[nodiscard]] double textBorderWidth(double fontSize);
 /// Distance of lines for a font size.
 [[nodiscard]] double textLineHeight(double fontSize);
+/// Base line of the first of some lines, from the top of their block. The ink of all lines together, not the font's own
+/// idea of a line, stands in the middle of the block.
+[[nodiscard]] double textBaseline(const QStringList &lines, const QFont &font, double lineHeight);
 
 } // namespace tavrel

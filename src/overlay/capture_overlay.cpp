@@ -5,6 +5,7 @@
 #include "overlay/overlay_renderer.h"
 #include "overlay/selection_geometry.h"
 #include "platform/window_controller.h"
+#include "ui/shape_text_editor.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>
@@ -28,6 +29,7 @@ CaptureOverlay::CaptureOverlay(const platform::CapturedDisplay &display, const S
       m_config(config),
       m_picture(display.image),
       m_panels(new OverlayPanels(this, config)),
+      m_textEditor(new ShapeTextEditor(this, m_document)),
       m_markerLines(new MarkerLines(this)),
       m_livePicture(m_picture.image().cacheKey()),
       m_colorFormat(config.colorFormat)
@@ -157,6 +159,7 @@ void CaptureOverlay::mousePressEvent(QMouseEvent *event)
 void CaptureOverlay::pressLeft(const QPointF &point)
 {
     setFocus(Qt::MouseFocusReason);
+    endTextEdit(isOnEditedHandle(point));
     m_pressPoint = point;
     m_pressSelection = m_selection;
     if (!hasSelection()) {
@@ -183,7 +186,9 @@ void CaptureOverlay::pressLeft(const QPointF &point)
 
 void CaptureOverlay::pressRight()
 {
-    if (hasSelection())
+    if (isEditingText())
+        endTextEdit();
+    else if (hasSelection())
         clearSelection();
     else
         Q_EMIT closeRequested();
@@ -331,6 +336,7 @@ void CaptureOverlay::closeEvent(QCloseEvent *event)
 
 void CaptureOverlay::clearSelection()
 {
+    endTextEdit();
     m_panels->forgetPosition();
     m_selection = {};
     changeMode(OverlayMode::Idle);
@@ -439,6 +445,7 @@ QImage CaptureOverlay::renderedSelection() const
 
 void CaptureOverlay::requestCopy()
 {
+    endTextEdit();
     const QImage image = renderedSelection();
     if (!image.isNull())
         Q_EMIT copyRequested(image);
@@ -446,6 +453,7 @@ void CaptureOverlay::requestCopy()
 
 void CaptureOverlay::requestSave()
 {
+    endTextEdit();
     const QImage image = renderedSelection();
     if (!image.isNull())
         Q_EMIT saveRequested(image);
@@ -453,6 +461,7 @@ void CaptureOverlay::requestSave()
 
 void CaptureOverlay::requestPin()
 {
+    endTextEdit();
     const QImage image = renderedSelection();
     if (!image.isNull())
         Q_EMIT pinRequested(image, globalSelectionRect());
@@ -473,12 +482,14 @@ void CaptureOverlay::loadSnapshot(const OverlaySnapshot &snapshot)
 {
     if (snapshot.image.isNull())
         return;
+    endTextEdit();
     m_hover.clear();
     const double ratio = snapshot.image.devicePixelRatio();
     const QSizeF logical = QSizeF(snapshot.image.size()) / ratio;
     const bool covers = std::abs(logical.width() - width()) < 1 && std::abs(logical.height() - height()) < 1;
     m_picture = OverlayPicture(snapshot.image,
                                covers ? QPointF() : centredOrigin(logical, QSizeF(size()), devicePixelRatioF()));
+    m_textEditor->setView({.zoom = 1, .origin = m_picture.origin()});
     m_windows = snapshot.windows;
     refreshHoverScene();
     m_document.loadState(snapshot.shapesJson, snapshot.countersJson, snapshot.undoStack, snapshot.undoIndex);

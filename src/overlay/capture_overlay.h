@@ -32,6 +32,7 @@ namespace tavrel::ui {
 
 class ElementProbe;
 class OverlayPanels;
+class ShapeTextEditor;
 
 /// Stands over one display from the end of the grab until a result leaves it: selection, keys, annotations.
 ///
@@ -160,6 +161,11 @@ private:
     void tellMissing();
     [[nodiscard]] bool canStart(AutoStart what) const;
     void startTextRecognition();
+    /// Ends the edit of a text in place, if there is one.
+    void endTextEdit(bool keepSelection = false);
+    [[nodiscard]] bool isEditingText() const;
+    /// Whether a point is on a handle of the text being edited, whose selection a press there keeps.
+    [[nodiscard]] bool isOnEditedHandle(const QPointF &point) const;
     void undoShapes();
     void redoShapes();
     void removeSelectedShape();
@@ -205,6 +211,7 @@ private:
     std::shared_ptr<platform::IWindowController> m_windowController;
     record::RecordPrefs m_recordPrefs;
     OverlayPanels *m_panels;
+    ShapeTextEditor *m_textEditor;
     MarkerLines *m_markerLines;
     BrushCursor m_brush;
     WheelAccumulator m_toolWheel;

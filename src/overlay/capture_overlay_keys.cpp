@@ -1,6 +1,8 @@
 // The keyboard of the overlay.
 #include "overlay/capture_overlay.h"
 
+#include "ui/shape_text_editor.h"
+
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -9,6 +11,10 @@ namespace tavrel::ui {
 
 void CaptureOverlay::keyPressEvent(QKeyEvent *event)
 {
+    if (isEditingText()) {
+        QWidget::keyPressEvent(event);
+        return;
+    }
     if (event->key() == Qt::Key_Escape) {
         Q_EMIT closeRequested();
         return;
@@ -84,6 +90,11 @@ bool CaptureOverlay::handlePlainKey(const KeyCombo &combo, int key)
     }
     if (key == Qt::Key_Space && isHovering()) {
         m_hover.toggleWindow();
+        return true;
+    }
+    if (combo == KeyCombo{.key = Qt::Key_A} && m_document.selected() && m_document.selected()->numbering()) {
+        m_textEditor->open(m_document.selected());
+        scheduleUpdate();
         return true;
     }
     if (combo == KeyCombo{.key = Qt::Key_C} && m_pointerInside && !hasTool() && m_picture.hasPixelAt(m_pointer)) {

@@ -4,16 +4,21 @@
 #include "overlay/overlay_panels.h"
 #include "overlay/overlay_renderer.h"
 #include "overlay/selection_geometry.h"
+#include "ui/shape_text_editor.h"
 #include "ui/tool_steps.h"
 
 #include <QCoreApplication>
 #include <QNativeGestureEvent>
 #include <QWheelEvent>
 
+#include <algorithm>
+#include <cmath>
+
 namespace tavrel::ui {
 namespace {
 
 constexpr double kSmallestSearched = 10;
+constexpr double kClick = 4;        ///< a shorter move is none
 constexpr int kGestureSlowness = 4; ///< of a zoom gesture that walks the hovered rectangle
 
 void tellWithoutRecognition(CaptureOverlay &overlay)
@@ -32,6 +37,14 @@ void CaptureOverlay::connectTools()
     connect(m_markerLines, &MarkerLines::unavailable, this, [this] { tellWithoutRecognition(*this); });
     connect(m_markerLines, &MarkerLines::searched, this, &CaptureOverlay::ensureMarkerLines);
 
+    connect(m_textEditor, &ShapeTextEditor::changed, this, &CaptureOverlay::scheduleUpdate);
+    connect(m_textEditor, &ShapeTextEditor::ended, this, [this](bool byKey) {
+        if (byKey)
+            setFocus(Qt::OtherFocusReason);
+        layoutPanels();
+        scheduleUpdate();
+    });
+
     connect(m_panels, &OverlayPanels::toolChosen, this, &CaptureOverlay::setTool);
     connect(m_panels, &OverlayPanels::actionChosen, this, &CaptureOverlay::runAction);
     connect(m_panels, &OverlayPanels::configChanged, this, &CaptureOverlay::toolbarConfigChanged);
@@ -47,6 +60,7 @@ void CaptureOverlay::setLineSearch(LineSearch search)
 
 void CaptureOverlay::setTool(ToolType tool)
 {
+    endTextEdit();
     m_document.setTool(tool);
     m_document.clearSelection();
     m_toolWheel.reset();
@@ -136,16 +150,44 @@ void CaptureOverlay::beginDrawing(const QPointF &point)
 
 void CaptureOverlay::endDrawing()
 {
-    m_document.release();
+    BaseShape *shape = m_document.release();
     changeMode(OverlayMode::Idle);
     // The tool follows a shape that was picked, so that its attributes can be changed.
     if (const BaseShape *activated = m_document.takeActivated())
         m_document.setTool(activated->type());
+    const bool isCreated = m_document.shapes().size() > m_shapesAtPress;
+    const QPointF moved = m_pointer - m_pressPoint;
+    if (shape && (isCreated || std::hypot(moved.x(), moved.y()) < kClick))
+        m_textEditor->open(shape);
     layoutPanels();
+}
+
+void CaptureOverlay::endTextEdit(bool keepSelection)
+{
+    m_textEditor->end(keepSelection);
+}
+
+bool CaptureOverlay::isEditingText() const
+{
+    return m_textEditor->isOpen();
+}
+
+bool CaptureOverlay::isOnEditedHandle(const QPointF &point) const
+{
+    const BaseShape *shape = m_textEditor->shape();
+    if (!shape)
+        return false;
+    const QPointF inside = inPicture(point);
+    const QList<QPointF> handles = shape->handles();
+    return std::any_of(handles.begin(), handles.end(), [&inside](const QPointF &handle) {
+        return std::abs(handle.x() - inside.x()) < kShapeHandleTolerance &&
+               std::abs(handle.y() - inside.y()) < kShapeHandleTolerance;
+    });
 }
 
 void CaptureOverlay::undoShapes()
 {
+    endTextEdit();
     m_document.undo();
     layoutPanels();
     scheduleUpdate();
@@ -153,6 +195,7 @@ void CaptureOverlay::undoShapes()
 
 void CaptureOverlay::redoShapes()
 {
+    endTextEdit();
     m_document.redo();
     layoutPanels();
     scheduleUpdate();
@@ -160,6 +203,7 @@ void CaptureOverlay::redoShapes()
 
 void CaptureOverlay::removeSelectedShape()
 {
+    endTextEdit(true);
     m_document.removeSelected();
     layoutPanels();
     updateCursor(m_pointer);
@@ -232,6 +276,7 @@ void CaptureOverlay::stepByWheel(int value, int sizeValue, bool isSize)
         if (steps != 0)
             stepTool(m_document, steps, {});
     }
+    m_textEditor->relayout();
     layoutPanels();
     updateCursor(m_pointer);
     scheduleUpdate();

@@ -1,10 +1,13 @@
 #include "annotate/path_shape.h"
+#include "annotate/sequence_shape.h"
+#include "annotate/text_shape.h"
 #include "overlay/capture_overlay.h"
 #include "overlay/overlay_panels.h"
 #include "overlay/tool_guide_bubble.h"
 #include "overlay/toolbar_config_dialog.h"
 #include "overlay/toolbar_widget.h"
 #include "support/test_main.h"
+#include "ui/outlined_text_edit.h"
 #include "ui/tool_steps.h"
 
 #include <QApplication>
@@ -267,6 +270,101 @@ private Q_SLOTS:
         QVERIFY(m_overlay->cursor().pixmap().width() > thin.width() + 15);
     }
 
+    void textIsTypedInPlaceAndDoesNotJump_data()
+    {
+        QTest::addColumn<int>("style");
+        QTest::addColumn<QString>("typed");
+        QTest::newRow("plain") << static_cast<int>(TextStyle::Standard) << QStringLiteral("Hxg");
+        QTest::newRow("two lines") << static_cast<int>(TextStyle::Standard) << QStringLiteral("AB\nog");
+        QTest::newRow("border") << static_cast<int>(TextStyle::Border) << QStringLiteral("Wide\nH");
+        QTest::newRow("plate") << static_cast<int>(TextStyle::RoundBackground) << QStringLiteral("文字");
+    }
+
+    void textIsTypedInPlaceAndDoesNotJump()
+    {
+        QFETCH(int, style);
+        QFETCH(QString, typed);
+        SettingsConfig config;
+        config.toolGuideShown = true;
+        config.showMagnifier = config.showColorPicker = false;
+        m_overlay->setConfig(config);
+        document().setTextStyle(static_cast<TextStyle>(style));
+        m_overlay->setTool(ToolType::Text);
+        drag({{200, 150}, {200, 150}});
+        auto *edit = m_overlay->findChild<ui::OutlinedTextEdit *>();
+        QVERIFY(edit && edit->isVisible());
+        for (const QString &line : typed.split(u'\n')) {
+            if (!edit->toPlainText().isEmpty())
+                QTest::keyClick(edit, Qt::Key_Return, Qt::ControlModifier);
+            edit->insertPlainText(line);
+        }
+        edit->setCursorWidth(0);
+        send(QEvent::MouseMove, {500, 300}, Qt::NoButton);
+        const QRect before = letters();
+        QTest::keyClick(edit, Qt::Key_Escape);
+        QVERIFY(!edit->isVisible());
+        QVERIFY(m_overlay->hasSelection());
+        QCOMPARE(document().shapes().size(), 1);
+        const QRect after = letters();
+        QVERIFY2(
+            before.isValid() && (before.topLeft() - after.topLeft()).manhattanLength() <= 1 &&
+                (before.bottomRight() - after.bottomRight()).manhattanLength() <= 1,
+            qPrintable(QStringLiteral("%1,%2 to %3,%4").arg(before.x()).arg(before.y()).arg(after.x()).arg(after.y())));
+        QTest::keyClick(m_overlay.get(), Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(document().shapes().size(), 0);
+    }
+
+    void textEditsEnd()
+    {
+        m_overlay->setTool(ToolType::Text);
+        drag({{200, 150}, {200, 150}});
+        auto *edit = m_overlay->findChild<ui::OutlinedTextEdit *>();
+        edit->insertPlainText(QStringLiteral(" \n "));
+        drag({{300, 250}, {300, 250}}); // a blank one goes, another one begins
+        QVERIFY(edit->isVisible() && edit->toPlainText().isEmpty());
+        edit->insertPlainText(QStringLiteral("kept"));
+        send(QEvent::MouseButtonPress, {500, 300}, Qt::RightButton); // ends it and nothing else
+        QVERIFY(m_overlay->hasSelection() && !edit->isVisible());
+        QCOMPARE(document().shapes().size(), 1);
+        drag({{300, 250}, {300, 250}}); // again
+        QVERIFY(edit->isVisible());
+        QCOMPARE(edit->toPlainText(), QStringLiteral("kept"));
+        edit->insertPlainText(QStringLiteral(" and more"));
+        Q_EMIT m_overlay->panels().toolbar()->actionTriggered(ToolType::Undo);
+        QVERIFY(!edit->isVisible());
+        QCOMPARE(dynamic_cast<TextShape *>(document().shapes().first().get())->text(), QStringLiteral("kept"));
+        // An undo below the editor's feet makes the edit void.
+        drag({{300, 250}, {300, 250}});
+        edit->insertPlainText(QStringLiteral("lost"));
+        document().undo();
+        m_overlay->setTool(ToolType::Pen);
+        QVERIFY(!edit->isVisible());
+        QCOMPARE(document().shapes().size(), 0);
+    }
+
+    void badgesTakeALabel()
+    {
+        m_overlay->setTool(ToolType::Sequence);
+        drag({{200, 150}, {200, 150}});
+        auto *edit = m_overlay->findChild<ui::OutlinedTextEdit *>();
+        QVERIFY(edit && edit->isVisible());
+        edit->insertPlainText(QStringLiteral("here"));
+        drag({{200, 250}, {280, 300}});
+        QTest::keyClick(edit, Qt::Key_Return);
+        QCOMPARE(document().shapes().size(), 2);
+        const auto text = [this](int index) {
+            return dynamic_cast<SequenceShape *>(document().shapes().at(index).get())->displayText();
+        };
+        QCOMPARE(text(0), QStringLiteral("1. here"));
+        QCOMPARE(text(1), QStringLiteral("2"));
+        document().select(document().shapes().last().get());
+        QTest::keyClick(m_overlay.get(), Qt::Key_A);
+        QVERIFY(edit->isVisible());
+        edit->insertPlainText(QStringLiteral("there"));
+        m_overlay->setTool(ToolType::None);
+        QCOMPARE(text(1), QStringLiteral("2. there"));
+    }
+
     void highlightersFollowTheLinesThatAreFound()
     {
         QList<QPair<QSize, std::function<void(ui::FoundLines)>>> searches;
@@ -315,6 +413,21 @@ private:
         const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : held;
         QMouseEvent event(type, at, at, at, button, held, Qt::NoModifier);
         QApplication::sendEvent(m_overlay.get(), &event);
+    }
+
+    /// Where the overlay shows the colour of a text, or nearly.
+    QRect letters()
+    {
+        const QImage image = m_overlay->grab(QRect(100, 80, 300, 200)).toImage();
+        QRect all;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                const QColor color = image.pixelColor(x, y);
+                if (color.red() > 200 && color.green() < 130 && color.blue() < 130)
+                    all |= QRect(x, y, 1, 1);
+            }
+        }
+        return all;
     }
 
     void turnWheel(int angle, Qt::KeyboardModifiers modifiers = {})
