@@ -135,6 +135,10 @@
         <source>退出 Tavrel</source>
         <translation>Quit Tavrel</translation>
     </message>
+    <message>
+        <source>抓取屏幕失败</source>
+        <translation>Screen capture failed</translation>
+    </message>
 </context>
 <context>
     <name>CaptureOverlay</name>
