@@ -53,6 +53,7 @@ AppController::AppController(SettingsStore &settings, Deps deps, QObject *parent
         scheduleRelease();
     });
     connect(&m_flow, &CaptureFlow::copyReady, &m_results, &ResultActions::copyImage);
+    connect(&m_flow, &CaptureFlow::textReady, &m_results, &ResultActions::copyText);
     connect(&m_flow, &CaptureFlow::saveReady, &m_results,
             [this](const QImage &image, const FilenameContext &context, const QString &uuid) {
                 m_results.saveImage(image, context, false, nullptr, [this, uuid](const QString &path) {

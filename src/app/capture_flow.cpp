@@ -182,7 +182,10 @@ void CaptureFlow::connectResults(ui::CaptureOverlay *overlay)
         Q_EMIT saveReady(image, context, uuid);
     });
     connect(overlay, &ui::CaptureOverlay::closeRequested, this, &CaptureFlow::closeSession);
-    connect(overlay, &ui::CaptureOverlay::colorCopied, this, &CaptureFlow::closeSession);
+    connect(overlay, &ui::CaptureOverlay::colorCopied, this, [this](const QString &text) {
+        closeSession();
+        Q_EMIT textReady(text);
+    });
     connect(overlay, &ui::CaptureOverlay::historyNavigate, this,
             [this, overlay](int delta) { navigateHistory(overlay, delta); });
     // The picture stays on the overlay, so that it can still be copied or saved.

@@ -77,6 +77,7 @@ Q_SIGNALS:
     void idleReached();
     void accessRefused();
     void copyReady(const QImage &image, const tavrel::FilenameContext &context);
+    void textReady(const QString &text); ///< for the clipboard
     void saveReady(const QImage &image, const tavrel::FilenameContext &context, const QString &historyUuid);
 
 private:

@@ -35,6 +35,11 @@ ResultActions::ResultActions(SettingsStore &settings, IUserNotices &notices, std
       m_copier(m_writer)
 {}
 
+void ResultActions::copyText(const QString &text)
+{
+    m_writer.setText(text);
+}
+
 void ResultActions::copyImage(const QImage &image, const FilenameContext &context)
 {
     QElapsedTimer timer;

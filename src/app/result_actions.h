@@ -37,6 +37,8 @@ public:
                   QObject *parent = nullptr);
 
     void copyImage(const QImage &image, const FilenameContext &context);
+    /// Takes the place of a picture that is still being prepared.
+    void copyText(const QString &text);
     /// saveAs  always ask for the file, even when a folder is set
     /// anchor  window that the dialogs belong to, may be null
     /// saved   called with the path once the file stands

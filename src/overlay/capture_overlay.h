@@ -101,7 +101,7 @@ Q_SIGNALS:
     void pinRequested(const QImage &image, const QRect &globalRect);
     void cloudRequested(const QImage &image);
     void closeRequested();
-    void colorCopied(const QString &text);
+    void colorCopied(const QString &text); ///< the receiver puts it on the clipboard
     void historyNavigate(int delta); ///< -1 previous, 1 next
     void editRequested(const QImage &image);
     void regionPicked(const QImage &image);

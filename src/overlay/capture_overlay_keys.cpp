@@ -3,8 +3,6 @@
 
 #include "ui/shape_text_editor.h"
 
-#include <QClipboard>
-#include <QGuiApplication>
 #include <QKeyEvent>
 
 namespace tavrel::ui {
@@ -106,9 +104,7 @@ bool CaptureOverlay::handlePlainKey(const KeyCombo &combo, int key)
 
 void CaptureOverlay::copyColor()
 {
-    const QString text = colorText(m_picture.colorAt(m_pointer), m_colorFormat);
-    QGuiApplication::clipboard()->setText(text);
-    Q_EMIT colorCopied(text);
+    Q_EMIT colorCopied(colorText(m_picture.colorAt(m_pointer), m_colorFormat));
 }
 
 } // namespace tavrel::ui

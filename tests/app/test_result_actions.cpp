@@ -227,6 +227,19 @@ private Q_SLOTS:
         QCOMPARE(counter(), 0);
     }
 
+    /// A colour copied while the picture before it is still being put together stays on the clipboard.
+    void aTextOutranksThePictureBeforeIt()
+    {
+        QImage large(2000, 2000, QImage::Format_RGB32);
+        large.fill(Qt::blue);
+        m_actions->copyImage(large, {});
+        m_actions->copyText(QStringLiteral("#0000FF"));
+        QVERIFY(m_actions->finish(QDeadlineTimer(60s)));
+        QTRY_VERIFY(m_clipboard->readBack() && m_clipboard->readBack()->hasText());
+        QTest::qWait(0);
+        QCOMPARE(m_clipboard->readBack()->text(), QStringLiteral("#0000FF"));
+    }
+
     void aClipboardThatOthersHoldIsReported()
     {
         m_clipboard->contested = true;
