@@ -37,13 +37,14 @@ drag "$(px $left)" "$(px $top)" "$(px $right)" "$(px $bottom)"
 bar=$((bottom + 15 + 19)) # middle of the toolbar's buttons
 results=$((right - 8 - 15))
 tool() { click $((results - 224 - 30 * (11 - $1))) $bar; } # counted from the arrow behind the tools, on its left
-settle() { # until two pictures of the screen in a row are the same
+settle() { # NAME: keeps a picture once two in a row are the same
     still() {
-        mv "$home/now.png" "$home/last.png" 2>/dev/null
-        import -window root "$home/now.png"
-        [ "$(compare -metric AE "$home/now.png" "$home/last.png" null: 2>&1)" = 0 ]
+        mv "$home/now.ppm" "$home/last.ppm" 2>/dev/null
+        import -window root "$home/now.ppm"
+        cmp -s "$home/now.ppm" "$home/last.ppm"
     }
     until_true 20 still || fail "the screen does not come to rest"
+    convert "$home/now.ppm" -quality 10 "$out/$1.png"
 }
 
 tool 0 # rectangle
@@ -60,15 +61,13 @@ at 600 330
 wheel up 15
 stroke 560 330 700 335 900 330
 at 900 450
-settle
-import -window root "$out/tools.png"
+settle tools
 
 # A click takes the first rectangle; it is moved, then a third one is drawn, taken back and brought again.
 tool 0
 click 240 230
 stroke 240 230 260 300 280 430
-settle
-import -window root "$out/picked.png"
+settle picked
 click 700 560
 stroke 560 420 600 440 900 520
 xdotool key ctrl+z
@@ -78,8 +77,7 @@ xdotool key Delete
 xdotool key ctrl+z
 tool 0 # put away
 at 1180 60
-settle
-import -window root "$out/drawing.png"
+settle drawing
 
 xdotool key Return
 got_picture() { xclip -selection clipboard -t image/png -o >"$home/copied.png" 2>/dev/null && [ -s "$home/copied.png" ]; }
