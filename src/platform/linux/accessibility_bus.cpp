@@ -77,7 +77,8 @@ AccessibilityBus::Shared::State AccessibilityBus::Shared::settle(const std::shar
                                                                  QDeadlineTimer deadline)
 {
     const bool again = shared->state == State::Absent && shared->since.hasExpired(kLookAgain);
-    if (shared->state == State::Unknown || again) {
+    const bool begins = shared->state == State::Unknown || again;
+    if (begins) {
         shared->set(State::Opening);
         // Not joined by anybody: connecting to a socket whose owner is stopped may never return.
         std::thread([shared] {
@@ -88,11 +89,10 @@ AccessibilityBus::Shared::State AccessibilityBus::Shared::settle(const std::shar
             shared->set(shared->session.client ? State::Open : State::Absent);
         }).detach();
     }
-    if (shared->state == State::Opening && !shared->since.hasExpired(kPatience)) {
-        const QDeadlineTimer patience(std::max<qint64>(0, kPatience - shared->since.elapsed()));
-        shared->changed.wait_until(lock, timePoint(std::min(deadline, patience)),
-                                   [&shared] { return shared->state != State::Opening; });
-    }
+    if (!begins)
+        deadline = std::min(deadline, QDeadlineTimer(std::max<qint64>(0, kPatience - shared->since.elapsed())));
+    if (shared->state == State::Opening)
+        shared->changed.wait_until(lock, timePoint(deadline), [&shared] { return shared->state != State::Opening; });
     return shared->state;
 }
 

@@ -25,8 +25,15 @@ constexpr const char *kDocument = "org.a11y.atspi.Document";
 constexpr const char *kRegistry = "org.a11y.atspi.Registry";
 constexpr const char *kRoot = "/org/a11y/atspi/accessible/root";
 
+// What browsers call the address of a page: some the one, some the other.
+constexpr std::array kAddressNames{"DocURL", "URI"};
+
 enum class Coordinates { Screen = 0, Window = 1 };
+
+/// Of which states an element's visibility is told.
 constexpr int kStateShowing = 25;
+constexpr int kStateVisible = 30;
+enum class Visibility { Hidden, Visible, Showing };
 
 /// An object on the bus.
 struct Node
@@ -40,6 +47,7 @@ struct Element
     Node node;
     QRectF extents;
     int children = 0;
+    FramePlacement placement; ///< what the extents mean
 };
 
 // --- What is asked ---
@@ -58,6 +66,14 @@ BusMessage askChild(const Node &node, dbus_int32_t index)
     BusMessage message = busCall(node.bus, node.path, kAccessible, "GetChildAtIndex");
     if (message)
         dbus_message_append_args(message.get(), DBUS_TYPE_INT32, &index, DBUS_TYPE_INVALID);
+    return message;
+}
+
+BusMessage askDocument(const Node &node, const char *attribute)
+{
+    BusMessage message = busCall(node.bus, node.path, kDocument, "GetAttributeValue");
+    if (message)
+        dbus_message_append_args(message.get(), DBUS_TYPE_STRING, &attribute, DBUS_TYPE_INVALID);
     return message;
 }
 
@@ -151,19 +167,22 @@ QString textOf(const BusMessage &reply)
 }
 
 /// An application that does not answer hides nothing.
-bool isShowing(const BusMessage &reply)
+Visibility visibilityOf(const BusMessage &reply)
 {
     if (!reply || !dbus_message_has_signature(reply.get(), "au"))
-        return true;
+        return Visibility::Showing;
     DBusMessageIter outer;
     DBusMessageIter items;
     dbus_message_iter_init(reply.get(), &outer);
     dbus_message_iter_recurse(&outer, &items);
     if (dbus_message_iter_get_arg_type(&items) != DBUS_TYPE_UINT32)
-        return true;
+        return Visibility::Showing;
     dbus_uint32_t bits = 0;
     dbus_message_iter_get_basic(&items, &bits);
-    return (bits >> kStateShowing & 1U) != 0;
+    const auto has = [bits](int state) { return (bits >> state & 1U) != 0; };
+    if (has(kStateShowing))
+        return Visibility::Showing;
+    return has(kStateVisible) ? Visibility::Visible : Visibility::Hidden;
 }
 
 int childCountOf(const BusMessage &reply)
@@ -254,18 +273,16 @@ public:
         std::optional<Element> current = findFrame(target);
         if (!current)
             return chain;
-        m_point = m_placement.fromNative(target.point);
+        m_point = target.point;
         chain.push_back(*current);
         for (int level = 0; level < kLevels && !m_deadline.hasExpired(); ++level) {
-            current = lastUnderPoint(childrenOf(current->node, current->children));
+            current = lastUnderPoint(chain.back(), childrenOf(chain.back().node, chain.back().children));
             if (!current)
                 break;
             chain.push_back(*current);
         }
         return chain;
     }
-
-    [[nodiscard]] const FramePlacement &placement() const noexcept { return m_placement; }
 
     std::vector<BusMessage> callAll(std::vector<BusMessage> calls)
     {
@@ -297,13 +314,12 @@ private:
                 if (!onScreen)
                     continue;
                 const AccessibleFrame frame{*onScreen, extentsOf(reply[1]).value_or(*onScreen), textOf(reply[2]),
-                                            isShowing(reply[3])};
+                                            visibilityOf(reply[3]) == Visibility::Showing};
                 const auto placement = placeFrame(target.window, frame);
-                if (!placement || (found && m_placement.mismatch <= placement->mismatch))
+                if (!placement || (found && found->placement.mismatch <= placement->mismatch))
                     continue;
-                m_placement = *placement;
                 found = Element{frames[i], placement->windowCoordinates ? frame.inWindow : frame.onScreen,
-                                childCountOf(reply[4])};
+                                childCountOf(reply[4]), *placement};
             }
         }
         return found;
@@ -354,68 +370,81 @@ private:
         return nodes;
     }
 
-    std::optional<Element> lastUnderPoint(const std::vector<Node> &children)
+    std::optional<Element> lastUnderPoint(const Element &parent, const std::vector<Node> &children)
     {
+        // Some toolkits tell of their windows only that they are on the screen.
+        std::optional<Element> visible;
         for (std::size_t end = children.size(); end > 0 && !m_deadline.hasExpired();) {
             const std::size_t begin = end > kAtOnce ? end - kAtOnce : 0;
-            if (auto found = lastShowing(underPoint(children, begin, end)))
-                return found;
+            std::vector<Element> hits = underPoint(parent, children, begin, end);
+            const std::vector<Visibility> states = completeAll(hits);
+            for (std::size_t i = 0; i < hits.size(); ++i) {
+                if (states[i] == Visibility::Showing)
+                    return std::move(hits[i]);
+                if (states[i] == Visibility::Visible && !visible)
+                    visible = std::move(hits[i]);
+            }
             end = begin;
         }
-        return std::nullopt;
+        return visible;
     }
 
     /// Those of a part of the children that the point is in, from the last backwards.
-    std::vector<Element> underPoint(const std::vector<Node> &children, std::size_t begin, std::size_t end)
+    std::vector<Element> underPoint(const Element &parent, const std::vector<Node> &children, std::size_t begin,
+                                    std::size_t end)
     {
+        const Coordinates coordinates = parent.placement.windowCoordinates ? Coordinates::Window : Coordinates::Screen;
         std::vector<BusMessage> calls;
         std::vector<std::size_t> asked;
         for (std::size_t i = end; i > begin; --i) {
             if (children[i - 1].bus.isEmpty())
                 continue;
             asked.push_back(i - 1);
-            calls.push_back(
-                askExtents(children[i - 1], m_placement.windowCoordinates ? Coordinates::Window : Coordinates::Screen));
+            calls.push_back(askExtents(children[i - 1], coordinates));
         }
         const std::vector<BusMessage> replies = callAll(std::move(calls));
         std::vector<Element> hits;
         for (std::size_t i = 0; i < asked.size(); ++i) {
             const auto extents = extentsOf(replies[i]);
-            if (extents && holdsPoint(*extents))
-                hits.push_back({children[asked[i]], *extents, 0});
+            if (!extents)
+                continue;
+            Element child{children[asked[i]], *extents, 0, parent.placement.forChild(parent.extents, *extents)};
+            if (holdsPoint(child))
+                hits.push_back(std::move(child));
         }
         return hits;
     }
 
-    [[nodiscard]] bool holdsPoint(const QRectF &extents) const
+    [[nodiscard]] bool holdsPoint(const Element &element) const
     {
-        const double side = kSmallestSide / m_placement.scale;
-        return extents.width() >= side && extents.height() >= side && extents.left() <= m_point.x() &&
-               m_point.x() < extents.right() && extents.top() <= m_point.y() && m_point.y() < extents.bottom();
+        const QRectF &extents = element.extents;
+        const QPointF point = element.placement.fromNative(m_point);
+        const double side = kSmallestSide / element.placement.scale;
+        return extents.width() >= side && extents.height() >= side && extents.left() <= point.x() &&
+               point.x() < extents.right() && extents.top() <= point.y() && point.y() < extents.bottom();
     }
 
-    /// The pages of a stack all have one rectangle, of which one shows.
-    std::optional<Element> lastShowing(std::vector<Element> hits)
+    /// Fills in what going on from an element needs. The pages of a stack, say, all have one rectangle, of which one
+    /// shows.
+    std::vector<Visibility> completeAll(std::vector<Element> &elements)
     {
         std::vector<BusMessage> calls;
-        for (const Element &hit : hits) {
-            calls.push_back(ask(hit.node, "GetState"));
-            calls.push_back(askProperty(hit.node, "ChildCount"));
+        for (const Element &element : elements) {
+            calls.push_back(ask(element.node, "GetState"));
+            calls.push_back(askProperty(element.node, "ChildCount"));
         }
         const std::vector<BusMessage> replies = callAll(std::move(calls));
-        for (std::size_t i = 0; i < hits.size(); ++i) {
-            if (!isShowing(replies[2 * i]))
-                continue;
-            hits[i].children = childCountOf(replies[2 * i + 1]);
-            return std::move(hits[i]);
+        std::vector<Visibility> states;
+        for (std::size_t i = 0; i < elements.size(); ++i) {
+            states.push_back(visibilityOf(replies[2 * i]));
+            elements[i].children = childCountOf(replies[2 * i + 1]);
         }
-        return std::nullopt;
+        return states;
     }
 
     AccessibilityBus::Session &m_session;
     QDeadlineTimer m_deadline;
-    FramePlacement m_placement;
-    QPointF m_point; ///< in coordinates of the tree
+    QPoint m_point; ///< a pixel of the root
 };
 
 } // namespace
@@ -427,7 +456,7 @@ QList<QRect> AtspiTree::rectanglesAt(const Target &target, QDeadlineTimer deadli
         Descent descent(session, deadline);
         const std::vector<Element> chain = descent.run(target);
         for (auto element = chain.rbegin(); element != chain.rend(); ++element)
-            rectangles.append(descent.placement().toNative(element->extents));
+            rectangles.append(element->placement.toNative(element->extents));
     });
     return rectangles;
 }
@@ -463,16 +492,17 @@ QString AtspiTree::pageAddressAt(const Target &target, QDeadlineTimer deadline) 
         for (const Element &element : chain)
             roles.push_back(ask(element.node, "GetRole"));
         const std::vector<BusMessage> replies = descent.callAll(std::move(roles));
-        for (std::size_t i = 0; i < chain.size() && address.isEmpty(); ++i) {
+        std::vector<BusMessage> calls;
+        for (std::size_t i = 0; i < chain.size(); ++i) {
             if (!isDocument(basicOf<dbus_uint32_t>(replies[i], DBUS_TYPE_UINT32).value_or(0)))
                 continue;
-            const Node &node = chain[i].node;
-            std::vector<BusMessage> calls;
-            calls.push_back(busCall(node.bus, node.path, kDocument, "GetAttributeValue"));
-            const char *name = "DocURL";
-            if (calls.back())
-                dbus_message_append_args(calls.back().get(), DBUS_TYPE_STRING, &name, DBUS_TYPE_INVALID);
-            address = textOf(descent.callAll(std::move(calls)).front());
+            for (const char *name : kAddressNames)
+                calls.push_back(askDocument(chain[i].node, name));
+        }
+        // Browsers draw parts of their own with pages that have no address.
+        for (const BusMessage &reply : descent.callAll(std::move(calls))) {
+            if (address.isEmpty())
+                address = textOf(reply);
         }
     });
     return address;

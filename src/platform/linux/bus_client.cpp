@@ -11,6 +11,9 @@ namespace tavrel::platform {
 
 namespace {
 
+/// Buses limit how many calls of one connection may be without an answer; 128 is the least that is usual.
+constexpr qsizetype kInFlight = 100;
+
 /// The entries of an address list that are plain sockets.
 QByteArray socketAddresses(const QByteArray &address)
 {
@@ -66,17 +69,18 @@ std::vector<BusMessage> BusClient::callAll(std::vector<BusMessage> calls, QDeadl
 {
     Replies replies;
     replies.messages.resize(calls.size());
-    for (std::size_t i = 0; i < calls.size(); ++i) {
-        dbus_uint32_t serial = 0;
-        if (calls[i] && dbus_connection_send(m_connection, calls[i].get(), &serial))
-            replies.waiting.insert(serial, i);
-    }
+    std::size_t sent = 0;
     bool open = true;
     while (true) {
-        takeIncoming(replies);
+        for (; sent < calls.size() && replies.waiting.size() < kInFlight; ++sent) {
+            dbus_uint32_t serial = 0;
+            if (calls[sent] && dbus_connection_send(m_connection, calls[sent].get(), &serial))
+                replies.waiting.insert(serial, sent);
+        }
         if (!open || replies.waiting.isEmpty() || deadline.hasExpired())
             break;
         open = dbus_connection_read_write(m_connection, static_cast<int>(deadline.remainingTime()));
+        takeIncoming(replies);
     }
     return std::move(replies.messages);
 }

@@ -36,7 +36,7 @@ public:
     BusClient(const BusClient &) = delete;
     BusClient &operator=(const BusClient &) = delete;
 
-    /// Sends all calls, then collects what is answered before the deadline.
+    /// Sends all calls, many at a time, and collects what is answered before the deadline.
     ///
     /// returns  one entry per call, in their order: the reply, null for an error or no answer
     [[nodiscard]] std::vector<BusMessage> callAll(std::vector<BusMessage> calls, QDeadlineTimer deadline);

@@ -44,6 +44,9 @@ struct FramePlacement
     [[nodiscard]] QRect toNative(const QRectF &extents) const;
     /// The centre of a pixel.
     [[nodiscard]] QPointF fromNative(const QPoint &pixel) const;
+    /// The placement of a child. There are browsers whose own parts are scaled, while the page, which fills the part
+    /// that holds it, and all that is in it are in pixels.
+    [[nodiscard]] FramePlacement forChild(const QRectF &parent, const QRectF &child) const;
 };
 
 /// Nothing when the two cannot be the same window: the sizes fit at no scale.
