@@ -4,6 +4,7 @@
 #include "annotate/base_shape.h"
 #include "annotate/path_shape.h"
 #include "annotate/sequence_shape.h"
+#include "annotate/smart_erase_shape.h"
 #include "annotate/stroke_points.h"
 #include "annotate/text_shape.h"
 #include "annotate/vector_shapes.h"
@@ -61,6 +62,7 @@ const ShapeFactory &ShapeFactory::standard()
         made.add<ArrowShape>(ToolType::Arrow);
         made.add<SequenceShape>(ToolType::Sequence);
         made.add<TextShape>(ToolType::Text);
+        made.add<SmartEraseShape>(ToolType::SmartErase);
         const auto makeStroke = [](ToolType type) { return std::make_shared<PathShape>(type); };
         made.add(
             ToolType::Pen, [makeStroke](const ShapeAttributes &) { return makeStroke(ToolType::Pen); },

@@ -1,0 +1,91 @@
+#pragma once
+
+#include "annotate/erase_region.h"
+
+#include <QImage>
+#include <QList>
+#include <QObject>
+
+#include <memory>
+
+namespace tavrel {
+
+/// Keeps the picture with all boxes of smart erase removed from it.
+///
+/// A box is solved once and its result kept, also for a while after it is gone, so that moving one of many boxes or an
+/// undo repeats nothing. Solving runs on threads of its own; all functions are called on the thread of the engine and
+/// solved() comes there. Going down while a box is being solved waits for nobody.
+///
+/// memory  the source, a second picture of its size once something was erased, 4 bytes for each replaced pixel
+class SmartEraseEngine final : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// source  the picture without annotations; read as RGB32, so that transparent pixels count with their colour alone
+    explicit SmartEraseEngine(const QImage &source, QObject *parent = nullptr);
+    ~SmartEraseEngine() override;
+
+    /// The boxes wanted from now on, later ones over earlier ones. Begins to solve those without a result, gives up
+    /// those no longer wanted and returns at once. The same list again does nothing.
+    void setSpecs(const QList<EraseSpec> &specs);
+    /// As setSpecs(), but returns when all of them are solved, without solved(). Slow: for flattening, off the GUI
+    /// thread or where the result is needed at once.
+    void solve(const QList<EraseSpec> &specs);
+    [[nodiscard]] const QList<EraseSpec> &specs() const { return m_specs; }
+
+    /// The source with every solved box replaced; RGB32 at the ratio of the source.
+    [[nodiscard]] const QImage &result() const { return m_result; }
+    /// Device pixel ratio of the source; 1 when that has none.
+    [[nodiscard]] double scale() const { return m_scale; }
+    /// The source pixels around a wanted box that result() is right for; null when it is not solved, empty or outside
+    /// the picture.
+    [[nodiscard]] QRect window(const EraseSpec &spec) const;
+    /// The same for the first wanted box of that place.
+    [[nodiscard]] QRect window(const QRect &rect) const;
+    [[nodiscard]] bool isSolving(const EraseSpec &spec) const;
+    [[nodiscard]] bool isSolving() const { return !m_jobs.isEmpty(); }
+    /// One for each of specs(); Path::None for those without a result.
+    [[nodiscard]] QList<erase::RegionInfo> regionInfos() const;
+    /// How many boxes have been begun so far.
+    [[nodiscard]] quint64 solveCount() const { return m_generation; }
+
+Q_SIGNALS:
+    /// The result of a box begun by setSpecs() is in.
+    ///
+    /// rect  of the box in source pixels
+    void solved(const QRect &rect);
+
+private:
+    struct Job;
+    struct Mailbox;
+    using JobPtr = std::shared_ptr<Job>;
+    struct Solution
+    {
+        EraseSpec spec;
+        std::shared_ptr<const erase::RegionResult> result;
+    };
+
+    [[nodiscard]] const Solution *solution(const EraseSpec &spec) const;
+    JobPtr begin(const EraseSpec &spec);
+    /// Makes a list of boxes the wanted one and gives up the jobs of others.
+    void want(const QList<EraseSpec> &specs);
+    /// The boxes that have neither a result nor a job.
+    [[nodiscard]] QList<EraseSpec> missing() const;
+    void deliver(const JobPtr &job);
+    void accept(const Job &job);
+    /// Puts parts of the result together anew.
+    void compose(const QList<QRect> &dirty);
+    void forgetOldSolutions();
+
+    QImage m_source;
+    QImage m_result;
+    double m_scale = 1.0;
+    QList<EraseSpec> m_specs;
+    QList<Solution> m_solutions; ///< the latest first
+    QList<JobPtr> m_jobs;
+    quint64 m_generation = 0; ///< of the latest job; an answer of one that is not in m_jobs is dropped
+    std::shared_ptr<Mailbox> m_mailbox;
+};
+
+} // namespace tavrel
