@@ -1,0 +1,87 @@
+// Smart erase: how long a box takes, where the time goes, and how near the result comes to what was behind the object.
+#include "annotate/erase_harmonic.h"
+#include "annotate/erase_patch_fill.h"
+#include "annotate/erase_pictures.h"
+#include "annotate/erase_region.h"
+
+#include <benchmark/benchmark.h>
+
+#include <chrono>
+
+using namespace tavrel;
+
+namespace {
+
+test::Background background(const QString &name)
+{
+    const QList<test::Background> all = test::backgrounds();
+    return *std::find_if(all.begin(), all.end(), [&](const auto &one) { return one.name == name; });
+}
+
+/// A box in the middle of a picture that leaves the widest window around it.
+test::Scene sceneFor(const QString &name, const QSize &box)
+{
+    const QSize size(box.width() + 360, box.height() + 360);
+    return test::sceneOf(background(name), size, QRect(QPoint(180, 180), box));
+}
+
+void solve(benchmark::State &state, const QString &name, EraseSolver solver)
+{
+    const QSize box(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
+    const test::Scene scene = sceneFor(name, box);
+    erase::RegionResult result;
+    for (auto _ : state)
+        result = erase::eraseRegion(scene.image, {scene.box, solver});
+    QImage filled = scene.image;
+    result.pasteInto(filled, filled.rect());
+    state.counters["error"] = test::meanError(filled, scene.truth, scene.box);
+    state.counters["filled"] = result.info.maskPixels;
+    state.counters["texture"] = result.info.path == erase::Path::Texture;
+}
+
+void sizes(benchmark::internal::Benchmark *bench)
+{
+    bench->ArgNames({"w", "h"})->Unit(benchmark::kMillisecond)->UseRealTime()->MeasureProcessCPUTime();
+    bench->Args({600, 400})->Args({1600, 900});
+}
+BENCHMARK_CAPTURE(solve, gradient_auto, QStringLiteral("gradient"), EraseSolver::Auto)->Apply(sizes);
+BENCHMARK_CAPTURE(solve, gradient_whole, QStringLiteral("gradient"), EraseSolver::WholeBox)->Apply(sizes);
+BENCHMARK_CAPTURE(solve, grain_auto, QStringLiteral("grain"), EraseSolver::Auto)->Apply(sizes);
+BENCHMARK_CAPTURE(solve, grain_whole, QStringLiteral("grain"), EraseSolver::WholeBox)->Apply(sizes);
+BENCHMARK_CAPTURE(solve, photo_texture, QStringLiteral("photo"), EraseSolver::Texture)->Apply(sizes);
+BENCHMARK_CAPTURE(solve, tiles_whole, QStringLiteral("tiles"), EraseSolver::WholeBox)->Apply(sizes);
+
+/// Ten kinds of screens with an object over a known background: mean error of a channel inside the box, with the
+/// solver that the program picks by itself.
+void quality(benchmark::State &state, const test::Background &kind, EraseSolver solver)
+{
+    const test::Scene scene = test::sceneOf(kind, {480, 360}, {140, 110, 200, 140});
+    erase::RegionResult result;
+    for (auto _ : state)
+        result = erase::eraseRegion(scene.image, {scene.box, solver});
+    QImage filled = scene.image;
+    result.pasteInto(filled, filled.rect());
+    state.counters["before"] = test::meanError(scene.image, scene.truth, scene.box);
+    state.counters["error"] = test::meanError(filled, scene.truth, scene.box);
+    state.counters["texture"] = result.info.path == erase::Path::Texture;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    for (const test::Background &kind : test::backgrounds()) {
+        const auto add = [&kind](const char *solver, EraseSolver value) {
+            benchmark::RegisterBenchmark(("quality/" + kind.name.toStdString() + '/' + solver).c_str(),
+                                         [kind, value](benchmark::State &state) { quality(state, kind, value); })
+                ->Unit(benchmark::kMillisecond)
+                ->Iterations(1);
+        };
+        add("auto", EraseSolver::Auto);
+        add("whole", EraseSolver::WholeBox);
+    }
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
