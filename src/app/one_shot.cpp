@@ -1,6 +1,7 @@
 #include "app/one_shot.h"
 
 #include "app/detect_probe.h"
+#include "app/erase_tools.h"
 #include "app/toolbar_preview.h"
 #include "ui/icon_sheet.h"
 
@@ -58,6 +59,8 @@ struct OneShot
 constexpr std::array kOneShots{
     OneShot{"--render-toolbar-preview", renderToolbarPreview},
     OneShot{"--render-toolbar-config-preview", renderToolbarConfigPreview},
+    OneShot{"--render-smart-erase-preview", renderSmartErasePreview},
+    OneShot{"--erase-image", runEraseImage},
     OneShot{"--render-icon-sheet", renderIconSheet},
     OneShot{"--detect-probe", detectProbe},
     OneShot{"--render-glyph-sheet", renderGlyphSheet},
