@@ -16,6 +16,7 @@
 #include "ui/marker_lines.h"
 #include "ui/wheel_steps.h"
 
+#include <QPointer>
 #include <QTimer>
 #include <QWidget>
 
@@ -102,7 +103,7 @@ Q_SIGNALS:
     void cloudRequested(const QImage &image);
     void closeRequested();
     void colorCopied(const QString &text); ///< the receiver puts it on the clipboard
-    void historyNavigate(int delta); ///< -1 previous, 1 next
+    void historyNavigate(int delta);       ///< -1 previous, 1 next
     void editRequested(const QImage &image);
     void regionPicked(const QImage &image);
     void regionRectPicked(const QRect &rect);

@@ -2,9 +2,8 @@
 
 #include "platform/element_detector.h"
 
-#include <QMutex>
-
 #include <atomic>
+#include <mutex>
 #include <optional>
 #include <utility>
 
@@ -20,50 +19,58 @@ struct ElementProbe::Shared
     };
 
     std::atomic<quint64> newest = 0;
-    QMutex mutex;
-    std::optional<Request> waiting; ///< under the mutex
+    std::mutex mutex;
+    std::optional<Request> waiting;  ///< under the mutex
+    std::optional<Request> answered; ///< under the mutex
+    QList<QRectF> chain;             ///< under the mutex: the answer to it
 
     /// Whether the worker has to be woken: not when it already is to come for an older request.
     [[nodiscard]] bool put(const Request &request)
     {
-        const QMutexLocker lock(&mutex);
+        const std::lock_guard lock(mutex);
         return !std::exchange(waiting, request);
     }
 
     [[nodiscard]] std::optional<Request> take()
     {
-        const QMutexLocker lock(&mutex);
+        const std::lock_guard lock(mutex);
         return std::exchange(waiting, std::nullopt);
     }
 };
 
 class ElementProbe::Worker final : public QObject
 {
+    Q_OBJECT
+
 public:
-    Worker(std::shared_ptr<platform::IElementDetector> detector, std::shared_ptr<Shared> shared)
-        : m_detector(std::move(detector)),
+    /// `probe` outlives the thread that this runs on.
+    Worker(ElementProbe *probe, std::shared_ptr<platform::IElementDetector> detector, std::shared_ptr<Shared> shared)
+        : m_probe(probe),
+          m_detector(std::move(detector)),
           m_shared(std::move(shared))
     {}
 
-    /// `probe` outlives the thread that this runs on.
-    void query(ElementProbe *probe)
+    Q_INVOKABLE void query()
     {
         const auto request = m_shared->take();
         if (!request || isOvertaken(*request))
             return;
-        const QList<QRectF> chain =
+        QList<QRectF> chain =
             m_detector->isAvailable() ? m_detector->elementChain(request->global, request->processId) : QList<QRectF>();
         if (isOvertaken(*request))
             return;
-        QMetaObject::invokeMethod(
-            probe,
-            [probe, request = *request, chain] { Q_EMIT probe->ready(request.global, request.processId, chain); },
-            Qt::QueuedConnection);
+        {
+            const std::lock_guard lock(m_shared->mutex);
+            m_shared->answered = request;
+            m_shared->chain = std::move(chain);
+        }
+        QMetaObject::invokeMethod(m_probe, "deliver", Qt::QueuedConnection);
     }
 
 private:
     [[nodiscard]] bool isOvertaken(const Shared::Request &request) const { return m_shared->newest != request.number; }
 
+    ElementProbe *m_probe;
     std::shared_ptr<platform::IElementDetector> m_detector;
     std::shared_ptr<Shared> m_shared;
 };
@@ -71,7 +78,7 @@ private:
 ElementProbe::ElementProbe(std::shared_ptr<platform::IElementDetector> detector, QObject *parent)
     : QObject(parent),
       m_shared(std::make_shared<Shared>()),
-      m_worker(new Worker(std::move(detector), m_shared))
+      m_worker(new Worker(this, std::move(detector), m_shared))
 {
     m_thread.setObjectName(QStringLiteral("tavrel-element-probe"));
     m_worker->moveToThread(&m_thread);
@@ -89,10 +96,23 @@ ElementProbe::~ElementProbe()
 void ElementProbe::request(const QPointF &global, qint64 processId)
 {
     const quint64 number = ++m_shared->newest;
-    if (m_shared->put({number, global, processId})) {
-        QMetaObject::invokeMethod(
-            m_worker, [worker = m_worker, probe = this] { worker->query(probe); }, Qt::QueuedConnection);
+    if (m_shared->put({number, global, processId}))
+        QMetaObject::invokeMethod(m_worker, "query", Qt::QueuedConnection);
+}
+
+void ElementProbe::deliver()
+{
+    std::optional<Shared::Request> answered;
+    QList<QRectF> chain;
+    {
+        const std::lock_guard lock(m_shared->mutex);
+        answered = std::exchange(m_shared->answered, std::nullopt);
+        chain = std::exchange(m_shared->chain, {});
     }
+    if (answered)
+        Q_EMIT ready(answered->global, answered->processId, chain);
 }
 
 } // namespace tavrel::ui
+
+#include "element_probe.moc"

@@ -36,6 +36,8 @@ Q_SIGNALS:
     void ready(const QPointF &global, qint64 processId, const QList<QRectF> &chain);
 
 private:
+    Q_INVOKABLE void deliver();
+
     class Worker;
     struct Shared;
 

@@ -1,7 +1,6 @@
 #include "overlay/hover_tracker.h"
 
 #include <QWheelEvent>
-#include <QtConcurrent>
 
 #include <algorithm>
 #include <cmath>
@@ -37,12 +36,12 @@ HoverTracker::HoverTracker(Clock clock, QObject *parent) : QObject(parent), m_cl
     m_patience.setInterval(kPatienceMs);
     m_patience.setSingleShot(true);
     connect(&m_patience, &QTimer::timeout, this, &HoverTracker::giveUpWaiting);
-    connect(&m_preparing, &QFutureWatcherBase::finished, this, &HoverTracker::onPrepared);
 }
 
 HoverTracker::~HoverTracker()
 {
-    m_preparing.cancel(); // if it has not begun yet
+    if (m_preparing.joinable())
+        m_preparing.join(); // some milliseconds
 }
 
 void HoverTracker::setPicture(const QImage &picture, const QPointF &origin)
@@ -52,7 +51,6 @@ void HoverTracker::setPicture(const QImage &picture, const QPointF &origin)
         return;
     m_picture = picture;
     m_finder.reset();
-    m_preparing.cancel();
     m_isPreparing = false;
     m_sources.image.clear();
 }
@@ -84,17 +82,32 @@ void HoverTracker::prepare()
     if (m_finder || m_isPreparing || m_picture.isNull())
         return;
     m_isPreparing = true;
-    m_preparing.setFuture(QtConcurrent::run(
-        [picture = m_picture]() -> Finder { return std::make_shared<const EdgeRegionFinder>(picture); }));
+    if (m_preparing.joinable())
+        m_preparing.join();
+    m_preparing = std::thread([this, picture = m_picture] {
+        Finder finder = std::make_shared<const EdgeRegionFinder>(picture);
+        {
+            const std::lock_guard lock(m_preparedMutex);
+            m_prepared = std::move(finder);
+            m_preparedKey = picture.cacheKey();
+        }
+        QMetaObject::invokeMethod(this, "onPrepared", Qt::QueuedConnection);
+    });
 }
 
 void HoverTracker::onPrepared()
 {
-    if (!m_isPreparing || m_preparing.isCanceled())
+    Finder finder;
+    {
+        const std::lock_guard lock(m_preparedMutex);
+        if (m_preparedKey == m_picture.cacheKey())
+            finder = std::move(m_prepared);
+        m_prepared.reset(); // it lives no longer than the picture
+    }
+    if (!m_isPreparing || !finder)
         return;
     m_isPreparing = false;
-    m_finder = m_preparing.result();
-    m_preparing.setFuture({}); // the finder lives no longer than the picture
+    m_finder = std::move(finder);
     if (!m_point)
         return;
     findInPicture();

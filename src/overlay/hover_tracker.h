@@ -5,7 +5,6 @@
 #include "overlay/hover_candidates.h"
 #include "ui/wheel_steps.h"
 
-#include <QFutureWatcher>
 #include <QImage>
 #include <QList>
 #include <QObject>
@@ -15,7 +14,9 @@
 
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <optional>
+#include <thread>
 
 namespace tavrel::ui {
 
@@ -78,7 +79,7 @@ private:
     enum class Reached { Keep, Drop }; ///< what happens to a target that the user chose
 
     void prepare();
-    void onPrepared();
+    Q_INVOKABLE void onPrepared();
     void findInPicture();
     void giveUpWaiting();
     void dropElementsBeside();
@@ -94,8 +95,11 @@ private:
     QPointF m_globalOrigin;
     using Finder = std::shared_ptr<const EdgeRegionFinder>;
     Finder m_finder;
-    QFutureWatcher<Finder> m_preparing;
     bool m_isPreparing = false;
+    std::mutex m_preparedMutex;
+    Finder m_prepared;        ///< under the mutex: what the worker has made
+    qint64 m_preparedKey = 0; ///< under the mutex: of which picture
+    std::thread m_preparing;
 
     std::optional<QPointF> m_point; ///< of the last update
     HoverSources m_sources;

@@ -1,10 +1,10 @@
 #include "overlay/overlay_picture.h"
 
+#include "base/parallel.h"
 #include "overlay/selection_geometry.h"
 
 #include <QColor>
 #include <QPainter>
-#include <QtConcurrent>
 
 #include <algorithm>
 #include <array>
@@ -71,10 +71,8 @@ QImage dimmedImage(const QImage &image)
     QList<Band> bands;
     for (qsizetype start = 0; start < pixels; start += kPixelsPerBand)
         bands.append({from + start, to + start, std::min(kPixelsPerBand, pixels - start)});
-    if (bands.size() == 1)
-        dimBand(bands.first());
-    else
-        QtConcurrent::blockingMap(bands, dimBand);
+    inParallel(static_cast<std::size_t>(bands.size()),
+               [&bands](std::size_t i) { dimBand(bands[static_cast<qsizetype>(i)]); });
     return result;
 }
 

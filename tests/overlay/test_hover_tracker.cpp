@@ -244,7 +244,6 @@ private Q_SLOTS:
         m_tracker->setPicture(QImage(2000, 2000, QImage::Format_RGB32), {});
         m_tracker->update({50, 50});
         m_tracker.reset();
-        QThreadPool::globalInstance()->waitForDone();
         QCoreApplication::processEvents();
     }
 
