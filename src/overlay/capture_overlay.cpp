@@ -1,5 +1,7 @@
 #include "overlay/capture_overlay.h"
 
+#include "annotate/smart_erase_engine.h"
+
 #include "overlay/element_probe.h"
 #include "overlay/overlay_panels.h"
 #include "overlay/overlay_renderer.h"
@@ -342,6 +344,7 @@ void CaptureOverlay::clearSelection()
     changeMode(OverlayMode::Idle);
     m_document.loadState(QStringLiteral("[]"), QStringLiteral("{}"), {}, 0);
     m_document.setTool(ToolType::None);
+    refreshErase();
     layoutPanels();
     scheduleUpdate();
 }
@@ -439,8 +442,10 @@ QImage CaptureOverlay::renderedSelection() const
 {
     if (!hasSelection())
         return {};
+    if (m_eraseEngine)
+        m_eraseEngine->solve(m_document.eraseRegions(m_eraseEngine->scale()));
     return renderSelection(m_picture.image(), m_selection.translated(-m_picture.origin()), m_document.shapesJson(),
-                           ShapeFactory::standard());
+                           ShapeFactory::standard(), m_eraseEngine.get());
 }
 
 void CaptureOverlay::requestCopy()
@@ -490,9 +495,11 @@ void CaptureOverlay::loadSnapshot(const OverlaySnapshot &snapshot)
     m_picture = OverlayPicture(snapshot.image,
                                covers ? QPointF() : centredOrigin(logical, QSizeF(size()), devicePixelRatioF()));
     m_textEditor->setView({.zoom = 1, .origin = m_picture.origin()});
+    m_eraseEngine.reset();
     m_windows = snapshot.windows;
     refreshHoverScene();
     m_document.loadState(snapshot.shapesJson, snapshot.countersJson, snapshot.undoStack, snapshot.undoIndex);
+    refreshErase();
     m_document.setTool(ToolType::None);
     changeMode(OverlayMode::Idle);
     m_selection =

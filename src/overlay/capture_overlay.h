@@ -25,6 +25,10 @@
 #include <memory>
 #include <optional>
 
+namespace tavrel {
+class SmartEraseEngine;
+}
+
 namespace tavrel::platform {
 class IWindowController;
 }
@@ -174,6 +178,9 @@ private:
     [[nodiscard]] QCursor toolCursor(const QPointF &point);
     /// Wheel and zoom gesture over a selection or with a tool.
     void stepByWheel(int value, int sizeValue, bool isSize);
+    /// Lets the boxes of smart erase be solved that have no result yet.
+    void refreshErase();
+    void onEraseTick();
     void ensureMarkerLines();
     void trackMarkerSnap();
     [[nodiscard]] QImage renderedSelection() const;
@@ -212,6 +219,8 @@ private:
     std::shared_ptr<platform::IWindowController> m_windowController;
     record::RecordPrefs m_recordPrefs;
     OverlayPanels *m_panels;
+    std::unique_ptr<SmartEraseEngine> m_eraseEngine; ///< of the picture, from the first box on
+    QTimer m_eraseTimer;                             ///< moves the light over boxes that are being solved
     ShapeTextEditor *m_textEditor;
     MarkerLines *m_markerLines;
     BrushCursor m_brush;

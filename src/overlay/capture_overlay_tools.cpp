@@ -1,6 +1,7 @@
 // Drawing on the overlay: tools, the wheel, the pointer, and what the toolbar asks for.
 #include "overlay/capture_overlay.h"
 
+#include "annotate/smart_erase_engine.h"
 #include "overlay/overlay_panels.h"
 #include "overlay/overlay_renderer.h"
 #include "overlay/selection_geometry.h"
@@ -18,6 +19,7 @@ namespace tavrel::ui {
 namespace {
 
 constexpr double kSmallestSearched = 10;
+constexpr int kEraseTickMs = 50;
 constexpr double kClick = 4;        ///< a shorter move is none
 constexpr int kGestureSlowness = 4; ///< of a zoom gesture that walks the hovered rectangle
 
@@ -36,6 +38,9 @@ void CaptureOverlay::connectTools()
         [this] { return m_markerLines->linesIn(m_selection.translated(-m_picture.origin())); });
     connect(m_markerLines, &MarkerLines::unavailable, this, [this] { tellWithoutRecognition(*this); });
     connect(m_markerLines, &MarkerLines::searched, this, &CaptureOverlay::ensureMarkerLines);
+
+    m_eraseTimer.setInterval(kEraseTickMs);
+    connect(&m_eraseTimer, &QTimer::timeout, this, &CaptureOverlay::onEraseTick);
 
     connect(m_textEditor, &ShapeTextEditor::changed, this, &CaptureOverlay::scheduleUpdate);
     connect(m_textEditor, &ShapeTextEditor::ended, this, [this](bool byKey) {
@@ -159,6 +164,7 @@ void CaptureOverlay::endDrawing()
     const QPointF moved = m_pointer - m_pressPoint;
     if (shape && (isCreated || std::hypot(moved.x(), moved.y()) < kClick))
         m_textEditor->open(shape);
+    refreshErase();
     layoutPanels();
 }
 
@@ -189,6 +195,7 @@ void CaptureOverlay::undoShapes()
 {
     endTextEdit();
     m_document.undo();
+    refreshErase();
     layoutPanels();
     scheduleUpdate();
 }
@@ -197,6 +204,7 @@ void CaptureOverlay::redoShapes()
 {
     endTextEdit();
     m_document.redo();
+    refreshErase();
     layoutPanels();
     scheduleUpdate();
 }
@@ -205,6 +213,7 @@ void CaptureOverlay::removeSelectedShape()
 {
     endTextEdit(true);
     m_document.removeSelected();
+    refreshErase();
     layoutPanels();
     updateCursor(m_pointer);
     scheduleUpdate();
@@ -230,6 +239,32 @@ QCursor CaptureOverlay::toolCursor(const QPointF &point)
     if (BrushCursor::isFor(tool, m_document.attributes()))
         return m_brush.cursor(tool, m_document.attributes(), 1.0, devicePixelRatioF());
     return Qt::CrossCursor;
+}
+
+void CaptureOverlay::refreshErase()
+{
+    const bool hasBoxes = std::any_of(m_document.shapes().begin(), m_document.shapes().end(),
+                                      [](const auto &shape) { return shape->eraseBox().has_value(); });
+    if (!m_eraseEngine && !hasBoxes)
+        return;
+    if (!m_eraseEngine) {
+        m_eraseEngine = std::make_unique<SmartEraseEngine>(m_picture.image());
+        connect(m_eraseEngine.get(), &SmartEraseEngine::solved, this, &CaptureOverlay::onEraseTick);
+    }
+    m_eraseEngine->setSpecs(m_document.eraseRegions(m_eraseEngine->scale()));
+    if (m_eraseEngine->isSolving())
+        m_eraseTimer.start();
+}
+
+void CaptureOverlay::onEraseTick()
+{
+    for (const auto &shape : m_document.shapes()) {
+        if (shape->eraseBox())
+            m_document.markChanged(shape.get());
+    }
+    if (!m_eraseEngine || !m_eraseEngine->isSolving())
+        m_eraseTimer.stop();
+    scheduleUpdate();
 }
 
 // --- wheel -----------------------------------------------------------------------------------------------------------

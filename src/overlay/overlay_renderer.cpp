@@ -1,14 +1,17 @@
 #include "overlay/overlay_renderer.h"
 
 #include "annotate/shape_document.h"
+#include "annotate/smart_erase_engine.h"
 #include "overlay/selection_geometry.h"
 
 #include <QPainter>
 
+#include <memory>
+
 namespace tavrel {
 
 QImage renderSelection(const QImage &image, const QRectF &selection, const QString &shapesJson,
-                       const ShapeFactory &factory)
+                       const ShapeFactory &factory, const SmartEraseEngine *erased)
 {
     const double ratio = image.isNull() ? 1.0 : image.devicePixelRatio();
     const QRect crop = ui::cropRect(selection, ratio, image.size());
@@ -25,6 +28,13 @@ QImage renderSelection(const QImage &image, const QRectF &selection, const QStri
         return result;
     ShapeRenderContext context;
     context.backdrop = &image;
+    std::unique_ptr<SmartEraseEngine> own;
+    if (const auto boxes = document.eraseRegions(ratio); !erased && !boxes.isEmpty()) {
+        own = std::make_unique<SmartEraseEngine>(image);
+        own->solve(boxes);
+        erased = own.get();
+    }
+    context.eraseEngine = erased;
     context.canvasBounds = selection;
     QPainter painter(&result);
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);

@@ -342,6 +342,41 @@ private Q_SLOTS:
         QCOMPARE(document().shapes().size(), 0);
     }
 
+    /// What is erased on the overlay is erased in the result, also when it is asked for at once.
+    void erasedPlacesAreErasedInTheResult()
+    {
+        platform::CapturedDisplay display = captured();
+        {
+            QPainter painter(&display.image);
+            painter.fillRect(200, 150, 60, 30, Qt::red);
+        }
+        m_overlay = std::make_unique<CaptureOverlay>(display, SettingsConfig());
+        m_overlay->show();
+        m_overlay->setSelectionRect({50, 50, 500, 300});
+        const auto redPixels = [](const QImage &image) {
+            int count = 0;
+            for (int y = 0; y < image.height(); ++y) {
+                for (int x = 0; x < image.width(); ++x) {
+                    const QColor color = image.pixelColor(x, y);
+                    count += color.red() > 200 && color.green() < 100;
+                }
+            }
+            return count;
+        };
+        const QRect around(180, 130, 110, 75);
+        QVERIFY(redPixels(m_overlay->grab(around).toImage()) > 1000);
+        QSignalSpy copied(m_overlay.get(), &CaptureOverlay::copyRequested);
+        m_overlay->setTool(ToolType::SmartErase);
+        drag({{185, 135}, {220, 160}, {280, 195}});
+        m_overlay->setTool(ToolType::None);
+        QTest::keyClick(m_overlay.get(), Qt::Key_Return);
+        QCOMPARE(copied.count(), 1);
+        QCOMPARE(redPixels(copied.first().first().value<QImage>()), 0);
+        QTRY_COMPARE(redPixels(m_overlay->grab(around).toImage()), 0);
+        QTest::keyClick(m_overlay.get(), Qt::Key_Z, Qt::ControlModifier);
+        QVERIFY(redPixels(m_overlay->grab(around).toImage()) > 1000);
+    }
+
     void badgesTakeALabel()
     {
         m_overlay->setTool(ToolType::Sequence);
