@@ -1,6 +1,6 @@
 #include "annotate/arrow_geometry.h"
 
-#include "annotate/segment_shape.h"
+#include "annotate/segment_distance.h"
 
 #include <QPolygonF>
 

@@ -1,7 +1,5 @@
 #include "annotate/segment_shape.h"
 
-#include <algorithm>
-
 namespace tavrel {
 namespace {
 
@@ -70,16 +68,6 @@ void SegmentShape::readEnds(const QJsonObject &in, const Keys &keys)
 {
     m_start = {readLength(in, keys.startX), readLength(in, keys.startY)};
     m_end = {readLength(in, keys.endX), readLength(in, keys.endY)};
-}
-
-double squaredDistanceToSegment(const QPointF &place, const QPointF &from, const QPointF &to)
-{
-    const QPointF along = to - from;
-    const QPointF offset = place - from;
-    const double length = QPointF::dotProduct(along, along);
-    const double t = length > 0 ? std::clamp(QPointF::dotProduct(offset, along) / length, 0.0, 1.0) : 0.0;
-    const QPointF away = offset - along * t;
-    return QPointF::dotProduct(away, away);
 }
 
 } // namespace tavrel

@@ -40,7 +40,4 @@ private:
     QPointF m_end;
 };
 
-/// Squared distance of a point to a segment; to its start when it has no length.
-[[nodiscard]] double squaredDistanceToSegment(const QPointF &place, const QPointF &from, const QPointF &to);
-
 } // namespace tavrel

@@ -1,5 +1,6 @@
 #include "annotate/stroke_points.h"
 
+#include "annotate/segment_distance.h"
 #include "annotate/stored_number.h"
 
 #include <QJsonDocument>
@@ -21,16 +22,6 @@ constexpr std::string_view kBeforeX = "{\"x\":";
 constexpr std::string_view kBeforeY = ",\"y\":";
 constexpr std::string_view kEmptyPoints = "\"points\":[]";
 constexpr std::string_view kPointsKey = "\"points\":[";
-
-double squaredDistance(const QPointF &place, const QPointF &from, const QPointF &to)
-{
-    const QPointF along = to - from;
-    const QPointF offset = place - from;
-    const double length = QPointF::dotProduct(along, along);
-    const double t = length > 0 ? std::clamp(QPointF::dotProduct(offset, along) / length, 0.0, 1.0) : 0.0;
-    const QPointF away = offset - along * t;
-    return QPointF::dotProduct(away, away);
-}
 
 char *put(char *to, std::string_view text)
 {
@@ -180,7 +171,7 @@ bool StrokePoints::passesNear(const QPointF &place, double radius) const
             continue;
         const qsizetype last = std::min((box + 1) * kBoxSegments, m_points.size() - 1);
         for (qsizetype i = box * kBoxSegments; i < last; ++i) {
-            if (squaredDistance(place, m_points[i], m_points[i + 1]) <= radius * radius)
+            if (squaredDistanceToSegment(place, m_points[i], m_points[i + 1]) <= radius * radius)
                 return true;
         }
     }

@@ -1,5 +1,6 @@
 #include "annotate/vector_shapes.h"
 
+#include "annotate/segment_distance.h"
 #include "annotate/selection_marks.h"
 #include "base/color_text.h"
 
