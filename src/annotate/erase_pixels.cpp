@@ -1,17 +1,11 @@
 #include "annotate/erase_pixels.h"
 
-#include <QThread>
-#include <QThreadPool>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <memory>
 
 namespace tavrel::erase {
 namespace {
-
-constexpr int kMostHelpers = 7;
 
 std::size_t area(int w, int h)
 {
@@ -30,34 +24,6 @@ void dilateLine(const std::uint8_t *from, std::uint8_t *to, int length, std::ptr
         }
         to[i * stride] = lastOn >= i - radius ? 255 : 0;
     }
-}
-
-struct Work
-{
-    std::function<void(int)> job;
-    int count = 0;
-    std::atomic<int> next{0};
-    std::atomic<int> done{0};
-
-    void takePart()
-    {
-        for (int i = next.fetch_add(1); i < count; i = next.fetch_add(1)) {
-            job(i);
-            done.fetch_add(1);
-            done.notify_all();
-        }
-    }
-};
-
-/// Never destroyed: a solver that is still on its way when the process ends may look for it.
-QThreadPool &helpers()
-{
-    static QThreadPool *const pool = [] {
-        auto *made = new QThreadPool;
-        made->setMaxThreadCount(std::clamp(QThread::idealThreadCount() - 1, 1, kMostHelpers));
-        return made;
-    }();
-    return *pool;
 }
 
 } // namespace
@@ -216,27 +182,6 @@ std::array<float, 3> sampleHalf(const FloatImage &coarse, int x, int y)
         sample[static_cast<std::size_t>(c)] = top * (1 - fy) + bottom * fy;
     }
     return sample;
-}
-
-void inParallel(int count, const std::function<void(int)> &job)
-{
-    if (count < 2) {
-        if (count == 1)
-            job(0);
-        return;
-    }
-    // A helper that comes late finds nothing left and touches `work` alone, which it keeps.
-    auto work = std::make_shared<Work>();
-    work->job = job;
-    work->count = count;
-    QThreadPool &pool = helpers();
-    for (int i = 0; i < std::min(count - 1, pool.maxThreadCount()); ++i) {
-        if (!pool.tryStart([work] { work->takePart(); }))
-            break;
-    }
-    work->takePart();
-    for (int done = work->done.load(); done < count; done = work->done.load())
-        work->done.wait(done);
 }
 
 } // namespace tavrel::erase

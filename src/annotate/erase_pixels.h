@@ -7,7 +7,6 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <vector>
 
 /// Pixels as the parts of smart erase pass them on: plain buffers, rows from top to bottom, no padding. Nothing here
@@ -127,8 +126,5 @@ void dilate(Mask &mask, int radius);
 
 /// Bilinear sample of the coarser image for a pixel of one twice as large, clamped at the edges.
 [[nodiscard]] std::array<float, 3> sampleHalf(const FloatImage &coarse, int x, int y);
-
-/// Calls job(0) to job(count - 1), each once, here and on idle helper threads, and returns when all have returned.
-void inParallel(int count, const std::function<void(int)> &job);
 
 } // namespace tavrel::erase

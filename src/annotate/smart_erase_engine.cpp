@@ -1,11 +1,15 @@
 #include "annotate/smart_erase_engine.h"
 
-#include <QMetaObject>
-#include <QThreadPool>
+#include "annotate/erase_workers.h"
+
+#include <QCoreApplication>
+#include <QEvent>
 
 #include <algorithm>
 #include <condition_variable>
 #include <mutex>
+#include <utility>
+#include <vector>
 
 namespace tavrel {
 namespace {
@@ -14,15 +18,16 @@ constexpr int kSolverThreads = 2;
 constexpr int kKeptSolutions = 32;
 constexpr qint64 kKeptPixels = 4'000'000;
 
-QThreadPool &solvers()
+erase::Workers &solvers()
 {
-    static QThreadPool pool;
-    static const bool isSetUp = [] {
-        pool.setMaxThreadCount(kSolverThreads);
-        return true;
-    }();
-    Q_UNUSED(isSetUp);
-    return pool;
+    static erase::Workers workers(kSolverThreads);
+    return workers;
+}
+
+QEvent::Type answersCame()
+{
+    static const auto type = static_cast<QEvent::Type>(QEvent::registerEventType());
+    return type;
 }
 
 } // namespace
@@ -34,7 +39,6 @@ struct SmartEraseEngine::Job
     EraseSpec spec;
     quint64 generation = 0;
     erase::CancelFlag cancel;
-    std::shared_ptr<const erase::RegionResult> result; ///< once done
 
     /// False when somebody else has it.
     bool work()
@@ -49,37 +53,46 @@ struct SmartEraseEngine::Job
         if (!cancel.isSet())
             *made = erase::eraseRegion(source, spec, cancel);
         const std::lock_guard lock(m_mutex);
-        result = std::move(made);
+        m_result = std::move(made);
         m_isDone = true;
         m_done.notify_all();
         return true;
     }
-    void wait()
+    /// Waits for it.
+    std::shared_ptr<const erase::RegionResult> result()
     {
         std::unique_lock lock(m_mutex);
         m_done.wait(lock, [this] { return m_isDone; });
+        return m_result;
     }
 
 private:
+    std::shared_ptr<const erase::RegionResult> m_result;
     std::mutex m_mutex;
     std::condition_variable m_done;
     bool m_isClaimed = false;
     bool m_isDone = false;
 };
 
-/// Where solver threads find the engine, as long as there is one.
+/// Where solver threads leave their answers, as long as there is an engine to collect them.
 struct SmartEraseEngine::Mailbox
 {
     std::mutex mutex;
     SmartEraseEngine *engine = nullptr;
+    std::vector<JobPtr> answers;
 
-    void post(const JobPtr &job)
+    void post(JobPtr job)
     {
         const std::lock_guard lock(mutex);
         if (!engine || job->cancel.isSet())
             return;
-        QMetaObject::invokeMethod(
-            engine, [receiver = engine, job] { receiver->deliver(job); }, Qt::QueuedConnection);
+        answers.push_back(std::move(job));
+        QCoreApplication::postEvent(engine, new QEvent(answersCame()));
+    }
+    std::vector<JobPtr> collect()
+    {
+        const std::lock_guard lock(mutex);
+        return std::exchange(answers, {});
     }
 };
 
@@ -99,6 +112,7 @@ SmartEraseEngine::~SmartEraseEngine()
         job->cancel.cancel();
     const std::lock_guard lock(m_mailbox->mutex);
     m_mailbox->engine = nullptr;
+    m_mailbox->answers.clear();
 }
 
 void SmartEraseEngine::setSpecs(const QList<EraseSpec> &specs)
@@ -120,8 +134,7 @@ void SmartEraseEngine::solve(const QList<EraseSpec> &specs)
         begin(spec);
     while (!m_jobs.isEmpty()) {
         const JobPtr job = m_jobs.first();
-        if (!job->work())
-            job->wait();
+        (void)job->work();
         accept(*job);
     }
 }
@@ -171,6 +184,15 @@ QList<EraseSpec> SmartEraseEngine::missing() const
     return result;
 }
 
+bool SmartEraseEngine::event(QEvent *event)
+{
+    if (event->type() != answersCame())
+        return QObject::event(event);
+    for (const JobPtr &job : m_mailbox->collect())
+        deliver(job);
+    return true;
+}
+
 void SmartEraseEngine::deliver(const JobPtr &job)
 {
     const bool isExpected = std::any_of(m_jobs.cbegin(), m_jobs.cend(),
@@ -181,9 +203,9 @@ void SmartEraseEngine::deliver(const JobPtr &job)
     Q_EMIT solved(job->spec.first);
 }
 
-void SmartEraseEngine::accept(const Job &job)
+void SmartEraseEngine::accept(Job &job)
 {
-    const Solution made{job.spec, job.result};
+    const Solution made{job.spec, job.result()};
     m_jobs.removeIf([generation = job.generation](const JobPtr &known) { return known->generation == generation; });
     m_solutions.prepend(made);
     compose({made.spec.first});

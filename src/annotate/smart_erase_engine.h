@@ -56,6 +56,9 @@ Q_SIGNALS:
     /// rect  of the box in source pixels
     void solved(const QRect &rect);
 
+protected:
+    bool event(QEvent *event) override;
+
 private:
     struct Job;
     struct Mailbox;
@@ -73,7 +76,7 @@ private:
     /// The boxes that have neither a result nor a job.
     [[nodiscard]] QList<EraseSpec> missing() const;
     void deliver(const JobPtr &job);
-    void accept(const Job &job);
+    void accept(Job &job);
     /// Puts parts of the result together anew.
     void compose(const QList<QRect> &dirty);
     void forgetOldSolutions();

@@ -5,6 +5,7 @@
 #include "annotate/erase_patch_fill.h"
 #include "annotate/erase_pictures.h"
 #include "annotate/erase_region.h"
+#include "annotate/erase_workers.h"
 #include "support/test_main.h"
 
 #include <QCoreApplication>
