@@ -1,6 +1,6 @@
 #include "overlay/hover_candidates.h"
-#include "ui/wheel_steps.h"
 #include "support/test_main.h"
+#include "ui/wheel_steps.h"
 
 #include <QGuiApplication>
 #include <QWheelEvent>

@@ -40,8 +40,8 @@ private:
 /// A picture whose rows have no padding, its pixels not set but their memory ready to be written to; null when there
 /// is no memory for it.
 [[nodiscard]] QImage makePicture(const QSize &size);
-/// Copies the rows [firstRow, endRow) of pixels of 32 bits (0xXXRRGGBB) into a picture from makePicture() and makes them
-/// opaque, in one pass.
+/// Copies the rows [firstRow, endRow) of pixels of 32 bits (0xXXRRGGBB) into a picture from makePicture() and makes
+/// them opaque, in one pass.
 ///
 /// source  the whole picture, its rows as long as those of `picture`
 void copyOpaque(QImage &picture, const quint32 *source, int firstRow, int endRow);
