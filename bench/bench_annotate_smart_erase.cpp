@@ -1,12 +1,15 @@
 // Smart erase: how long a box takes, where the time goes, and how near the result comes to what was behind the object.
-#include "annotate/erase_harmonic.h"
-#include "annotate/erase_patch_fill.h"
 #include "annotate/erase_pictures.h"
 #include "annotate/erase_region.h"
+#include "annotate/smart_erase_engine.h"
+
+#include <QCoreApplication>
 
 #include <benchmark/benchmark.h>
 
 #include <chrono>
+#include <memory>
+#include <thread>
 
 using namespace tavrel;
 
@@ -51,6 +54,61 @@ BENCHMARK_CAPTURE(solve, grain_whole, QStringLiteral("grain"), EraseSolver::Whol
 BENCHMARK_CAPTURE(solve, photo_texture, QStringLiteral("photo"), EraseSolver::Texture)->Apply(sizes);
 BENCHMARK_CAPTURE(solve, tiles_whole, QStringLiteral("tiles"), EraseSolver::WholeBox)->Apply(sizes);
 
+/// What the thread of the windows pays while one of ten boxes goes to and fro in a 4K picture: all are solved already.
+void moveSolvedBox(benchmark::State &state)
+{
+    QImage image(3840, 2160, QImage::Format_RGB32);
+    background(QStringLiteral("gradient")).draw(image, 1);
+    QList<EraseSpec> specs;
+    for (int i = 0; i < 10; ++i)
+        specs.append({QRect(100 + 700 * (i % 5), 100 + 900 * (i / 5), 600, 400), EraseSolver::WholeBox});
+    QList<EraseSpec> moved = specs;
+    moved[6].first.translate(20, 10);
+    SmartEraseEngine engine(image);
+    engine.solve(moved);
+    engine.solve(specs);
+    bool isMoved = false;
+    for (auto _ : state) {
+        isMoved = !isMoved;
+        engine.setSpecs(isMoved ? moved : specs);
+    }
+    if (engine.solveCount() != 11)
+        state.SkipWithError("solved again");
+}
+BENCHMARK(moveSolvedBox)->Unit(benchmark::kMillisecond);
+
+/// The same for a new box of that size: from the call until it returns, and for taking the result in.
+void beginBox(benchmark::State &state)
+{
+    QImage image(3840, 2160, QImage::Format_RGB32);
+    image.fill(QColor(230, 235, 240));
+    for (auto _ : state) {
+        state.PauseTiming();
+        auto engine = std::make_unique<SmartEraseEngine>(image);
+        state.ResumeTiming();
+        engine->setSpecs({{QRect(100, 100, 600, 400), EraseSolver::WholeBox}});
+        state.PauseTiming();
+        engine.reset();
+        state.ResumeTiming();
+    }
+}
+BENCHMARK(beginBox)->Unit(benchmark::kMicrosecond)->Iterations(50);
+
+/// Taking the engine away while a large texture is being filled.
+void endWhileSolving(benchmark::State &state)
+{
+    const test::Scene scene = sceneFor(QStringLiteral("grain"), {1600, 900});
+    for (auto _ : state) {
+        state.PauseTiming();
+        auto engine = std::make_unique<SmartEraseEngine>(scene.image);
+        engine->setSpecs({{scene.box, EraseSolver::WholeBox}});
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        state.ResumeTiming();
+        engine.reset();
+    }
+}
+BENCHMARK(endWhileSolving)->Unit(benchmark::kMicrosecond)->Iterations(10);
+
 /// Ten kinds of screens with an object over a known background: mean error of a channel inside the box, with the
 /// solver that the program picks by itself.
 void quality(benchmark::State &state, const test::Background &kind, EraseSolver solver)
@@ -70,6 +128,7 @@ void quality(benchmark::State &state, const test::Background &kind, EraseSolver 
 
 int main(int argc, char *argv[])
 {
+    const QCoreApplication app(argc, argv);
     for (const test::Background &kind : test::backgrounds()) {
         const auto add = [&kind](const char *solver, EraseSolver value) {
             benchmark::RegisterBenchmark(("quality/" + kind.name.toStdString() + '/' + solver).c_str(),

@@ -39,6 +39,7 @@ struct SmartEraseEngine::Job
     EraseSpec spec;
     quint64 generation = 0;
     erase::CancelFlag cancel;
+    bool bringsCanvas = false; ///< it copies the source too, which takes too long for the thread of the windows
 
     /// False when somebody else has it.
     bool work()
@@ -52,8 +53,10 @@ struct SmartEraseEngine::Job
         auto made = std::make_shared<erase::RegionResult>();
         if (!cancel.isSet())
             *made = erase::eraseRegion(source, spec, cancel);
+        QImage canvas = bringsCanvas && !made->patch.isNull() ? source.copy() : QImage();
         const std::lock_guard lock(m_mutex);
         m_result = std::move(made);
+        m_canvas = std::move(canvas);
         m_isDone = true;
         m_done.notify_all();
         return true;
@@ -66,8 +69,16 @@ struct SmartEraseEngine::Job
         return m_result;
     }
 
+    /// Once it is done: a copy of the source to draw on; null when it brings none.
+    QImage takeCanvas()
+    {
+        const std::lock_guard lock(m_mutex);
+        return std::exchange(m_canvas, {});
+    }
+
 private:
     std::shared_ptr<const erase::RegionResult> m_result;
+    QImage m_canvas;
     std::mutex m_mutex;
     std::condition_variable m_done;
     bool m_isClaimed = false;
@@ -145,6 +156,8 @@ SmartEraseEngine::JobPtr SmartEraseEngine::begin(const EraseSpec &spec)
     job->source = m_source;
     job->spec = spec;
     job->generation = ++m_generation;
+    job->bringsCanvas = isUntouched() && std::none_of(m_jobs.cbegin(), m_jobs.cend(),
+                                                      [](const JobPtr &other) { return other->bringsCanvas; });
     m_jobs.append(job);
     return job;
 }
@@ -206,19 +219,25 @@ void SmartEraseEngine::deliver(const JobPtr &job)
 void SmartEraseEngine::accept(Job &job)
 {
     const Solution made{job.spec, job.result()};
+    if (QImage canvas = job.takeCanvas(); !canvas.isNull() && isUntouched())
+        m_result = std::move(canvas);
     m_jobs.removeIf([generation = job.generation](const JobPtr &known) { return known->generation == generation; });
     m_solutions.prepend(made);
     compose({made.spec.first});
 }
 
+bool SmartEraseEngine::isUntouched() const
+{
+    return m_result.constBits() == m_source.constBits();
+}
+
 void SmartEraseEngine::compose(const QList<QRect> &dirty)
 {
-    const bool isUntouched = m_result.constBits() == m_source.constBits();
     const bool hasPatches = std::any_of(m_specs.cbegin(), m_specs.cend(), [this](const EraseSpec &spec) {
         const Solution *solved = solution(spec);
         return solved && !solved->result->patch.isNull();
     });
-    if (isUntouched && !hasPatches)
+    if (isUntouched() && !hasPatches)
         return;
     for (const QRect &wanted : dirty) {
         const QRect part = wanted & m_source.rect();

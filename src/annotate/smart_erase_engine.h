@@ -77,6 +77,8 @@ private:
     [[nodiscard]] QList<EraseSpec> missing() const;
     void deliver(const JobPtr &job);
     void accept(Job &job);
+    /// Whether result() still shares the pixels of the source.
+    [[nodiscard]] bool isUntouched() const;
     /// Puts parts of the result together anew.
     void compose(const QList<QRect> &dirty);
     void forgetOldSolutions();
