@@ -257,6 +257,7 @@ private Q_SLOTS:
         timer.start();
         QVERIFY(m_tree->isAvailable(QDeadlineTimer(0)));
         QVERIFY(timer.elapsed() < kEnds);
+        QVERIFY(!onWorker([] { return AtspiTree().isAvailable(QDeadlineTimer(kQuery)); }));
         for (int i = 0; i < 40; ++i) // more than a bus lets wait to be let in
             QVERIFY(rectanglesAt(kFakeWindow.center(), kQuery).isEmpty());
         QVERIFY(!available());

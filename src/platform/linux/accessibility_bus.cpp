@@ -126,9 +126,11 @@ bool AccessibilityBus::withSession(QDeadlineTimer deadline, const std::function<
 
 bool AccessibilityBus::isThere(QDeadlineTimer deadline) const
 {
+    const bool mayWait = !deadline.hasExpired();
     std::unique_lock lock(m_shared->mutex);
     const Shared::State state = Shared::settle(m_shared, lock, deadline);
-    return state == Shared::State::Open || (state == Shared::State::Opening && !m_shared->since.hasExpired(kPatience));
+    return state == Shared::State::Open ||
+           (state == Shared::State::Opening && !mayWait && !m_shared->since.hasExpired(kPatience));
 }
 
 void askForAccessibility()

@@ -34,8 +34,8 @@ public:
     /// Calls `use` with the session as its only user. False, without the call, when there is no bus or it did not come
     /// up or become free in time.
     bool withSession(QDeadlineTimer deadline, const std::function<void(Session &)> &use) const;
-    /// What is known by the deadline. A bus that has just begun to be looked for counts as there, so that a caller who
-    /// cannot wait has the query find out.
+    /// Whether the bus is connected by the deadline. To a caller who cannot wait, with a deadline that has expired, a
+    /// bus that has just begun to be looked for counts as there: a query then finds out.
     [[nodiscard]] bool isThere(QDeadlineTimer deadline) const;
 
 private:

@@ -362,6 +362,7 @@ private:
         if (count <= kChildren)
             return nodesOf(call(ask(node, "GetChildren")));
         std::vector<BusMessage> calls;
+        calls.reserve(kChildren);
         for (int i = 0; i < kChildren; ++i)
             calls.push_back(askChild(node, i));
         std::vector<Node> nodes;
@@ -489,6 +490,7 @@ QString AtspiTree::pageAddressAt(const Target &target, QDeadlineTimer deadline) 
         Descent descent(session, deadline);
         const std::vector<Element> chain = descent.run(target);
         std::vector<BusMessage> roles;
+        roles.reserve(chain.size());
         for (const Element &element : chain)
             roles.push_back(ask(element.node, "GetRole"));
         const std::vector<BusMessage> replies = descent.callAll(std::move(roles));
