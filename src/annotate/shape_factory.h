@@ -33,6 +33,7 @@ public:
             [](const QJsonObject &) { return std::make_shared<Shape>(); });
     }
 
+    [[nodiscard]] bool knows(ToolType type) const { return m_makers.contains(type); }
     /// A new shape for a tool with its attributes taken; null for a tool that makes none.
     [[nodiscard]] std::shared_ptr<BaseShape> create(ToolType tool, const ShapeAttributes &attributes) const;
     /// The shape of a stored object; null for an unknown type.

@@ -67,6 +67,8 @@ void CaptureOverlay::setTool(ToolType tool)
 {
     endTextEdit();
     m_document.setTool(tool);
+    if (tool != ToolType::None && tool != ToolType::Eraser && !ShapeFactory::standard().knows(tool))
+        tellMissing();
     m_document.clearSelection();
     m_toolWheel.reset();
     m_sizeWheel.reset();
