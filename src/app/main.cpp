@@ -1,7 +1,6 @@
 #include "app/app_controller.h"
 #include "app/command_line.h"
 #include "app/default_services.h"
-#include "app/elements_probe.h"
 #include "app/fake_capture.h"
 #include "app/file_open_filter.h"
 #include "app/languages.h"
@@ -65,8 +64,6 @@ int main(int argc, char *argv[])
     qInfo().noquote() << QStringLiteral("Tavrel %1 启动（日志：%2）").arg(QApplication::applicationVersion(), log);
 
     if (const int code = runOneShot(QApplication::arguments()); code >= 0)
-        return code;
-    if (const int code = runElementsProbe(QApplication::arguments()); code >= 0)
         return code;
     QApplication::setQuitOnLastWindowClosed(false);
 

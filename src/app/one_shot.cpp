@@ -1,6 +1,7 @@
 #include "app/one_shot.h"
 
 #include "app/detect_probe.h"
+#include "app/elements_probe.h"
 #include "app/erase_tools.h"
 #include "app/toolbar_preview.h"
 #include "ui/icon_sheet.h"
@@ -62,6 +63,7 @@ constexpr std::array kOneShots{
     OneShot{"--render-smart-erase-preview", renderSmartErasePreview},
     OneShot{"--erase-image", runEraseImage},
     OneShot{"--render-icon-sheet", renderIconSheet},
+    OneShot{"--elements-probe", runElementsProbe},
     OneShot{"--detect-probe", detectProbe},
     OneShot{"--render-glyph-sheet", renderGlyphSheet},
 };
