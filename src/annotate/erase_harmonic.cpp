@@ -139,7 +139,7 @@ private:
                 add(above, x);
             if (below)
                 add(below, x);
-            means[static_cast<std::size_t>(3 * x + c)] = count > 0 ? sum / static_cast<float>(count) : row[3 * x + c];
+            means.data()[3 * x + c] = count > 0 ? sum / static_cast<float>(count) : row[3 * x + c];
         }
     }
 

@@ -173,10 +173,10 @@ private:
             if (y < kRadius || y >= h - kRadius)
                 continue;
             const std::size_t upper = stride * static_cast<std::size_t>(y - kRadius);
-            const std::size_t lower = stride * static_cast<std::size_t>(y + kRadius + 1);
+            const std::size_t lower = upper + stride * kSide;
             for (int x = kRadius; x < w - kRadius; ++x) {
                 const auto left = static_cast<std::size_t>(x - kRadius);
-                const auto right = static_cast<std::size_t>(x + kRadius + 1);
+                const std::size_t right = left + kSide;
                 const bool isOver = integral[lower + right] - integral[lower + left] - integral[upper + right] +
                                         integral[upper + left] >
                                     0;
