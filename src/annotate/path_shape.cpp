@@ -22,6 +22,12 @@ void PathShape::paint(QPainter &painter, const ShapeRenderContext &context) cons
     });
 }
 
+void PathShape::paintStroke(QPainter &painter, double width, const QBrush &brush,
+                            const ShapeRenderContext &context) const
+{
+    m_layer.paint(painter, m_points.list(), width, brush, context);
+}
+
 bool PathShape::hitTest(double x, double y) const
 {
     return m_points.passesNear({x, y}, std::max(thickness / 2 + kReach, kSmallestReach));

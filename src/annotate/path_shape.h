@@ -35,6 +35,10 @@ public:
     [[nodiscard]] QList<std::shared_ptr<BaseShape>> snappedTo(const QList<QRectF> &lines,
                                                               const ShapeAttributes &attributes) const override;
 
+protected:
+    /// The stroke filled with a brush in shape coordinates, from the kept mask.
+    void paintStroke(QPainter &painter, double width, const QBrush &brush, const ShapeRenderContext &context) const;
+
 private:
     /// Whether the stroke runs through a box, looked at every two units.
     [[nodiscard]] bool touches(const QRectF &box) const;

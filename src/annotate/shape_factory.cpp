@@ -2,6 +2,7 @@
 
 #include "annotate/arrow_shape.h"
 #include "annotate/base_shape.h"
+#include "annotate/effect_shapes.h"
 #include "annotate/path_shape.h"
 #include "annotate/sequence_shape.h"
 #include "annotate/smart_erase_shape.h"
@@ -62,6 +63,9 @@ const ShapeFactory &ShapeFactory::standard()
         made.add<ArrowShape>(ToolType::Arrow);
         made.add<SequenceShape>(ToolType::Sequence);
         made.add<TextShape>(ToolType::Text);
+        made.add<MosaicShape>(ToolType::Mosaic);
+        made.add<MosaicPathShape>(ToolType::MosaicPen);
+        made.add<SpotlightShape>(ToolType::Spotlight);
         made.add<SmartEraseShape>(ToolType::SmartErase);
         const auto makeStroke = [](ToolType type) { return std::make_shared<PathShape>(type); };
         made.add(

@@ -26,6 +26,13 @@ QRectF boxOf(const QPointF &a, const QPointF &b, const QPointF &c)
     return {QPointF(left, top), QPointF(right, bottom)};
 }
 
+/// A premultiplied pixel times coverage / 255.
+QRgb fadedPixel(QRgb pixel, int coverage)
+{
+    const auto fade = [coverage](int channel) { return (channel * coverage + 127) / 255; };
+    return qRgba(fade(qRed(pixel)), fade(qGreen(pixel)), fade(qBlue(pixel)), fade(qAlpha(pixel)));
+}
+
 /// Whether a mask of the stroke stays of a sensible size.
 bool isReasonable(const QList<QPointF> &points, double scale)
 {
@@ -184,18 +191,20 @@ void StrokeLayer::merge(Tiles &tiles, const QImage &drawn, const QRect &area, co
     }
 }
 
-void StrokeLayer::paint(QPainter &painter, const QList<QPointF> &points, double width, const QColor &color,
+void StrokeLayer::paint(QPainter &painter, const QList<QPointF> &points, double width, const QBrush &brush,
                         const ShapeRenderContext &context)
 {
-    if (points.size() < 2)
+    if (points.size() < 2 || brush.style() == Qt::NoBrush)
         return;
+    const QColor color = brush.color();
+    const bool isTexture = brush.style() == Qt::TexturePattern;
     const QTransform device = painter.deviceTransform();
     const double scale = device.m11();
     const bool isPlain = device.type() <= QTransform::TxScale && scale > 0 && qFuzzyCompare(scale, device.m22());
     const bool isAbsurd = m_settled == 0 && !isReasonable(points, scale);
     if (!isPlain || width * scale > kWidest || isAbsurd) {
         painter.strokePath(smoothPath(isAbsurd ? points.first(std::min(points.size(), kMostAbsurd)) : points),
-                           QPen(color, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+                           QPen(brush, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
         return;
     }
     const QPointF first = device.map(points.first());
@@ -227,11 +236,17 @@ void StrokeLayer::paint(QPainter &painter, const QList<QPointF> &points, double 
         const QRect area(at * kSide, QSize(kSide, kSide));
         if (!context.isExposed(toUnits.mapRect(QRectF(area))))
             return;
+        if (isTexture) {
+            QPainter texture(&shaded);
+            texture.setCompositionMode(QPainter::CompositionMode_Source);
+            texture.setTransform(device * QTransform::fromTranslate(-base.x() - area.x(), -base.y() - area.y()));
+            texture.fillRect(toUnits.mapRect(QRectF(area)).adjusted(-1, -1, 1, 1), brush);
+        }
         for (int y = 0; y < kSide; ++y) {
             auto *to = reinterpret_cast<QRgb *>(shaded.scanLine(y));
             const auto row = static_cast<std::size_t>(y * kSide);
             for (std::size_t x = 0; x < kSide; ++x)
-                to[x] = shades[tile.coverage[row + x]];
+                to[x] = isTexture ? fadedPixel(to[x], tile.coverage[row + x]) : shades[tile.coverage[row + x]];
         }
         painter.drawImage(area.topLeft(), shaded);
     };

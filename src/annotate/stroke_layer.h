@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QColor>
+#include <QBrush>
 #include <QHash>
 #include <QList>
 #include <QPainter>
@@ -34,8 +34,9 @@ class StrokeLayer final
 public:
     /// points   only ever grow or move together between two calls, else clear() is due
     /// width    logical, of the round pen
+    /// brush    a colour, or a texture in the coordinates of the points
     /// context  says what has to be painted
-    void paint(QPainter &painter, const QList<QPointF> &points, double width, const QColor &color,
+    void paint(QPainter &painter, const QList<QPointF> &points, double width, const QBrush &brush,
                const ShapeRenderContext &context);
     void clear();
 

@@ -1,0 +1,152 @@
+#include "annotate/effect_image_cache.h"
+#include "annotate/effect_shapes.h"
+#include "annotate/shape_document.h"
+#include "support/test_main.h"
+
+#include <QGuiApplication>
+#include <QImage>
+
+using namespace tavrel;
+
+namespace {
+
+QImage noise(const QSize &size, double ratio = 1)
+{
+    QImage image(size, QImage::Format_ARGB32_Premultiplied);
+    quint32 state = 7;
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x) {
+            state = state * 1664525U + 1013904223U;
+            image.setPixel(x, y, 0xff000000U | (state >> 8));
+        }
+    }
+    image.setDevicePixelRatio(ratio);
+    return image;
+}
+
+/// The part `crop` (pixels) of the picture with the shapes, the picture lying at `origin` of their coordinates.
+QImage rendered(const QImage &picture, const QString &shapes, const QRect &crop, const QPointF &origin)
+{
+    ShapeDocument document;
+    document.loadState(shapes, {}, {}, 0);
+    const EffectImageCache cache(picture);
+    const double ratio = picture.devicePixelRatio();
+    QImage result = picture.copy(crop);
+    result.setDevicePixelRatio(ratio);
+    ShapeRenderContext context;
+    context.effectSource = &cache;
+    context.origin = origin;
+    context.canvasBounds = QRectF(origin, QSizeF(picture.size()) / ratio);
+    QPainter painter(&result);
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+    painter.translate(-QPointF(crop.topLeft()) / ratio - origin);
+    document.paintShapes(painter, context);
+    return result;
+}
+
+} // namespace
+
+class EffectShapesTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void blockMeansEndAtTheEdge()
+    {
+        QImage image(5, 1, QImage::Format_ARGB32_Premultiplied);
+        for (int x = 0; x < 5; ++x)
+            image.setPixel(x, 0, qRgb(x * 10, 0, 0));
+        const QImage means = blockMeans(image, 2);
+        QCOMPARE(qRed(means.pixel(0, 0)), 5);
+        QCOMPARE(qRed(means.pixel(3, 0)), 25);
+        QCOMPARE(qRed(means.pixel(4, 0)), 40);
+    }
+
+    void blurOfAPartIsThePartOfTheBlur_data()
+    {
+        QTest::addColumn<int>("radius");
+        for (const int radius : {1, 2, 7, 130})
+            QTest::addRow("radius %d", radius) << radius;
+    }
+
+    void blurOfAPartIsThePartOfTheBlur()
+    {
+        QFETCH(int, radius);
+        const QImage image = noise({900, 12});
+        const QRect part(0, 0, 440 + 3 * radius, 12);
+        const QRect seen(0, 0, 440, 12);
+        QCOMPARE(boxBlur(image.copy(part), radius).copy(seen), boxBlur(image, radius).copy(seen));
+        QImage plain(90, 3, QImage::Format_ARGB32_Premultiplied);
+        plain.fill(qRgb(255, 128, 1));
+        QCOMPARE(boxBlur(plain, radius), plain);
+    }
+
+    void previewAndFileAreTheSamePixels_data()
+    {
+        QTest::addColumn<QString>("shapes");
+        QTest::addColumn<double>("ratio");
+        const auto add = [](const char *name, const QString &shapes) {
+            QTest::addRow("%s, ratio 1", name) << shapes << 1.0;
+            QTest::addRow("%s, ratio 2", name) << shapes << 2.0;
+        };
+        add("mosaic", QStringLiteral(R"([{"type":"mosaic","x":33.5,"y":20,"w":60,"h":50}])"));
+        add("blur beyond the edge",
+            QStringLiteral(
+                R"([{"type":"mosaic","x":-40,"y":-9,"w":160,"h":70,"mosaicMode":"blur","mosaicIntensity":9}])"));
+        add("brush", QStringLiteral(R"([{"type":"mosaic_pen","thickness":18,"points":[{"x":20,"y":20},{"x":60,"y":70},)"
+                                    R"({"x":120,"y":30}]}])"));
+        add("spotlights", QStringLiteral(R"([{"type":"spotlight","x":30,"y":30,"w":50,"h":30,"isRound":true},)"
+                                         R"({"type":"spotlight","x":70,"y":30,"w":50,"h":30,"dim":0.7}])"));
+    }
+
+    void previewAndFileAreTheSamePixels()
+    {
+        QFETCH(QString, shapes);
+        QFETCH(double, ratio);
+        const QImage picture = noise(QSize(160, 100) * ratio, ratio);
+        const QImage whole = rendered(picture, shapes, picture.rect(), {});
+        QVERIFY(whole != picture);
+        const QRect crop(QPoint(26, 14) * ratio, QSize(110, 70) * ratio);
+        QCOMPARE(rendered(picture, shapes, crop, {}), whole.copy(crop));
+    }
+
+    void oddBoxesPaintNothing_data()
+    {
+        QTest::addColumn<QString>("shapes");
+        QTest::newRow("outside") << QStringLiteral(R"([{"type":"mosaic","x":900,"y":900,"w":60,"h":50}])");
+        QTest::newRow("no size") << QStringLiteral(R"([{"type":"mosaic","x":20,"y":20}])");
+        QTest::newRow("one point") << QStringLiteral(R"([{"type":"mosaic_pen","points":[{"x":9,"y":9}]}])");
+        QTest::newRow("absurd") << QStringLiteral(
+            R"([{"type":"mosaic","x":1e300,"y":-1e18,"w":3,"h":4,"mosaicIntensity":1e300,"mosaicMode":7}])");
+    }
+
+    void oddBoxesPaintNothing()
+    {
+        QFETCH(QString, shapes);
+        const QImage picture = noise({160, 100});
+        QCOMPARE(rendered(picture, shapes, picture.rect(), {}), picture);
+    }
+
+    void spotlightsDarkenOnceByTheStrongest()
+    {
+        QImage picture(100, 60, QImage::Format_ARGB32_Premultiplied);
+        picture.fill(Qt::white);
+        const QImage result = rendered(picture,
+                                       QStringLiteral(R"([{"type":"spotlight","x":10,"y":10,"w":20,"h":20,"dim":0.4},)"
+                                                      R"({"type":"spotlight","x":60,"y":10,"w":20,"h":20,"dim":0.7}])"),
+                                       picture.rect(), {});
+        QCOMPARE(qRed(result.pixel(20, 20)), 255);
+        QCOMPARE(qRed(result.pixel(70, 20)), 255);
+        QVERIFY(std::abs(qRed(result.pixel(45, 20)) - 76) <= 1);
+    }
+
+    void zeroIntensityIsTheDefault()
+    {
+        MosaicShape shape;
+        shape.readJson({{QStringLiteral("mosaicIntensity"), 0}});
+        QCOMPARE(shape.look.intensity, 15.0);
+    }
+};
+
+TAVREL_TEST_MAIN(QGuiApplication, EffectShapesTest)
+#include "test_effect_shapes.moc"
