@@ -9,6 +9,7 @@
 #include "annotate/stroke_points.h"
 #include "annotate/text_shape.h"
 #include "annotate/vector_shapes.h"
+#include "annotate/watermark_shape.h"
 #include "base/json_read.h"
 
 #include <QJsonDocument>
@@ -66,6 +67,7 @@ const ShapeFactory &ShapeFactory::standard()
         made.add<MosaicShape>(ToolType::Mosaic);
         made.add<MosaicPathShape>(ToolType::MosaicPen);
         made.add<SpotlightShape>(ToolType::Spotlight);
+        made.add<WatermarkShape>(ToolType::Watermark);
         made.add<SmartEraseShape>(ToolType::SmartErase);
         const auto makeStroke = [](ToolType type) { return std::make_shared<PathShape>(type); };
         made.add(

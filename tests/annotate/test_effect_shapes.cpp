@@ -1,6 +1,7 @@
 #include "annotate/effect_image_cache.h"
 #include "annotate/effect_shapes.h"
 #include "annotate/shape_document.h"
+#include "annotate/watermark_shape.h"
 #include "support/test_main.h"
 
 #include <QGuiApplication>
@@ -95,6 +96,7 @@ private Q_SLOTS:
                 R"([{"type":"mosaic","x":-40,"y":-9,"w":160,"h":70,"mosaicMode":"blur","mosaicIntensity":9}])"));
         add("brush", QStringLiteral(R"([{"type":"mosaic_pen","thickness":18,"points":[{"x":20,"y":20},{"x":60,"y":70},)"
                                     R"({"x":120,"y":30}]}])"));
+        add("watermark", QStringLiteral(R"([{"type":"watermark","text":"A mark","mode":"center","stamp":5}])"));
         add("spotlights", QStringLiteral(R"([{"type":"spotlight","x":30,"y":30,"w":50,"h":30,"isRound":true},)"
                                          R"({"type":"spotlight","x":70,"y":30,"w":50,"h":30,"dim":0.7}])"));
     }
@@ -138,6 +140,39 @@ private Q_SLOTS:
         QCOMPARE(qRed(result.pixel(20, 20)), 255);
         QCOMPARE(qRed(result.pixel(70, 20)), 255);
         QVERIFY(std::abs(qRed(result.pixel(45, 20)) - 76) <= 1);
+    }
+
+    void fillsInTokens_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("date") << QStringLiteral("on {{yyyy-MM-dd}}!") << QStringLiteral("on 2026-03-04!");
+        QTest::newRow("clock") << QStringLiteral("{{hh:mm:ss a}} {{HH}}") << QStringLiteral("12:05:09 上午 00");
+        QTest::newRow("never closed") << QStringLiteral("{{yy}} {{MM") << QStringLiteral("26 {{MM");
+        QTest::newRow("unknown letter") << QStringLiteral("{{q}}") << QStringLiteral("q");
+        QTest::newRow("no braces") << QStringLiteral("yyyy}}") << QStringLiteral("yyyy}}");
+    }
+
+    void fillsInTokens()
+    {
+        QFETCH(QString, text);
+        const qint64 stamp = QDateTime(QDate(2026, 3, 4), QTime(0, 5, 9)).toMSecsSinceEpoch();
+        QTEST(WatermarkShape::expand(text, stamp), "shown");
+    }
+
+    void watermarkKeepsItsTimeUntilTheTextChanges()
+    {
+        WatermarkShape shape;
+        ShapeAttributes attributes;
+        attributes.watermarkText = QStringLiteral("{{ss}}");
+        shape.takeAttributes(attributes);
+        shape.stamp = 5;
+        attributes.watermarkMode = QStringLiteral("br");
+        QVERIFY(shape.applyAttribute(ShapeAttribute::Watermark, attributes));
+        QCOMPARE(shape.stamp, 5);
+        attributes.watermarkText = QStringLiteral("x");
+        QVERIFY(shape.applyAttribute(ShapeAttribute::Watermark, attributes));
+        QVERIFY(shape.stamp > 5);
     }
 
     void zeroIntensityIsTheDefault()
