@@ -291,4 +291,23 @@ QList<QPainterPath> arrowParts(const ArrowCourse &course, ArrowStyle style, doub
     return {straightArrow(course, axis, metrics)};
 }
 
+QPainterPath arrowOutline(const QList<QPainterPath> &parts)
+{
+    if (parts.size() < 2)
+        return parts.value(0);
+    // Body and head meet in the two notch points. Qt's union of them leaves slivers there; the line goes along the
+    // body to the first notch point, around the head and back from the second.
+    QPolygonF body = parts[0].toSubpathPolygons().value(0);
+    QPolygonF head = parts[1].toSubpathPolygons().value(0);
+    if (body.size() < kSteps + 2 || head.size() < 5)
+        return parts[0];
+    head.resize(5);
+    if (lengthOf(body[kSteps] - head.first()) > lengthOf(body[kSteps] - head.last()))
+        std::reverse(head.begin(), head.end());
+    QPolygonF outline(body.first(kSteps));
+    outline += head;
+    outline += QPolygonF(body.sliced(kSteps + 2));
+    return closedPath(outline);
+}
+
 } // namespace tavrel

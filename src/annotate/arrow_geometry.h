@@ -51,4 +51,7 @@ struct ArrowMetrics
 /// A straight arrow with one head is one part. Empty for an arrow shorter than 1.
 [[nodiscard]] QList<QPainterPath> arrowParts(const ArrowCourse &course, ArrowStyle style, double thickness);
 
+/// The line around all parts of an arrow with one head, as arrowParts() gives them.
+[[nodiscard]] QPainterPath arrowOutline(const QList<QPainterPath> &parts);
+
 } // namespace tavrel

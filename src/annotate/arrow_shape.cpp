@@ -14,6 +14,7 @@ constexpr double kWideOutlinePen = 2.5;
 constexpr double kWideFrom = 10.0;
 constexpr double kMiterLimit = 10.0;
 constexpr double kShortest = 1.0;
+constexpr double kGlowReach = 8.0; ///< of the mark around a hovered arrow
 
 /// The outer line of the stroke around a shape without crossings: filled, it is the shape with its stroke.
 QPainterPath outermost(const QPainterPath &stroke)
@@ -55,11 +56,8 @@ void ArrowShape::paint(QPainter &painter, const ShapeRenderContext &) const
     pen.setMiterLimit(kMiterLimit);
     const QList<QPainterPath> parts = arrowParts(course, arrowStyle, thickness);
     if (arrowStyle == ArrowStyle::WedgeOutline) {
-        QPainterPath outline;
-        for (const QPainterPath &part : parts)
-            outline = outline.isEmpty() ? part : outline.united(part);
         pen.setWidthF(thickness > kWideFrom ? kWideOutlinePen : kOutlinePen);
-        painter.strokePath(outline, pen);
+        painter.strokePath(arrowOutline(parts), pen);
     } else {
         // A pen this thin takes a short cut whose result depends on where on the picture it is; its outline does not.
         pen.setWidthF(kFillPen);
@@ -101,19 +99,24 @@ int ArrowShape::setHandle(int index, double x, double y)
     return index;
 }
 
-QRectF ArrowShape::paintedBounds() const
+QRectF ArrowShape::inkBounds() const
 {
-    QRectF all = SegmentShape::paintedBounds();
     const ArrowCourse course = this->course();
+    QRectF all = SegmentShape::inkBounds();
     for (const QPainterPath &part : arrowParts(course, arrowStyle, thickness))
-        all |= part.controlPointRect().adjusted(-kWideOutlinePen, -kWideOutlinePen, kWideOutlinePen, kWideOutlinePen);
+        all |= part.controlPointRect();
     if (arrowStyle == ArrowStyle::Line && course.isCurved()) {
         QPainterPath path(course.start);
         path.quadTo(course.control(), course.end);
-        const double pad = thickness / 2 + 1;
-        all |= path.boundingRect().adjusted(-pad, -pad, pad, pad);
+        all |= path.boundingRect();
     }
     return all;
+}
+
+QRectF ArrowShape::paintedBounds() const
+{
+    const double pad = thickness / 2 + kGlowReach;
+    return SegmentShape::paintedBounds() | inkBounds().adjusted(-pad, -pad, pad, pad);
 }
 
 QList<QRectF> ArrowShape::paintedParts() const

@@ -16,6 +16,7 @@ public:
     [[nodiscard]] QList<QPointF> handles() const override;
     /// Handle 1 bends the arrow.
     int setHandle(int index, double x, double y) override;
+    [[nodiscard]] QRectF inkBounds() const override;
     [[nodiscard]] QRectF paintedBounds() const override;
     [[nodiscard]] QList<QRectF> paintedParts() const override;
     void transform(const ImageTransform &transform) override;

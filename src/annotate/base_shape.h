@@ -48,6 +48,8 @@ public:
     virtual int setHandle(int index, double x, double y);
     /// By default the box of handles(); nothing when there are none.
     [[nodiscard]] virtual std::optional<QRectF> bounds() const;
+    /// Where paint() leaves ink, at least; the default is bounds().
+    [[nodiscard]] virtual QRectF inkBounds() const { return bounds().value_or(QRectF()); }
     /// All that paint(), paintSelection() and the hover mark may touch at a handle scale of 1; null for everywhere.
     /// The default grows bounds() by half the thickness and 24 on each side.
     [[nodiscard]] virtual QRectF paintedBounds() const;

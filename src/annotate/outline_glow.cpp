@@ -135,7 +135,10 @@ OutlineGlow makeOutlineGlow(const BaseShape &shape, const ShapeRenderContext &co
     const double working = std::min(deviceScale, 1.0);
     // In a view that shows less than one pixel per unit the rings are wider than a unit and need more room.
     const double pad = 7.0 * std::max(context.handleScale, 1.0) + std::max(shape.thickness * 1.5, 4.0);
-    const QRectF area = bounds->adjusted(-pad, -pad, pad, pad);
+    // On whole pixels, or the shape that is cut out of the glow would lie beside the one that is on the picture.
+    const QRectF wanted = shape.inkBounds().adjusted(-pad, -pad, pad, pad);
+    const QPointF corner(std::floor(wanted.left() * working) / working, std::floor(wanted.top() * working) / working);
+    const QRectF area(corner, wanted.bottomRight());
     const double width = std::ceil(area.width() * working);
     const double height = std::ceil(area.height() * working);
     if (!(width >= 1 && height >= 1) || width * height > kLargestGlow)
@@ -148,7 +151,9 @@ OutlineGlow makeOutlineGlow(const BaseShape &shape, const ShapeRenderContext &co
         inside.setRenderHint(QPainter::Antialiasing);
         inside.scale(working, working);
         inside.translate(-area.topLeft());
-        shape.paint(inside, context);
+        ShapeRenderContext whole = context;
+        whole.exposed.clear();
+        shape.paint(inside, whole);
     }
     const QImage glow = glowOf(image, context.handleScale * working);
     return {glow, QRectF(area.topLeft(), QSizeF(width, height) / working)};

@@ -56,7 +56,16 @@ std::optional<QRectF> PathShape::bounds() const
 QRectF PathShape::grownSince(qsizetype growth) const
 {
     // The line to the last point has become a curve, which begins in the middle of the segment before.
-    const qsizetype from = std::clamp<qsizetype>(growth - 2, 0, std::max<qsizetype>(m_points.size() - 1, 0));
+    // A quick stroke is drawn in other lots than before once there are enough points, which moves their joints.
+    constexpr qsizetype kLot = 32;
+    constexpr double kQuick = 200;
+    qsizetype from = std::clamp<qsizetype>(growth - 2, 0, std::max<qsizetype>(m_points.size() - 1, 0));
+    const qsizetype lot = std::max<qsizetype>(0, (growth - 3) / kLot * kLot);
+    QRectF since(m_points.list().value(lot), QSizeF());
+    for (qsizetype i = lot; i < m_points.size(); ++i)
+        since |= QRectF(m_points.list().at(i), QSizeF(1e-3, 1e-3));
+    if (since.width() > kQuick || since.height() > kQuick)
+        from = lot;
     QRectF box;
     const double pad = thickness / 2 + 2;
     for (qsizetype i = from; i < m_points.size(); ++i) {

@@ -60,6 +60,9 @@ void ShapeDocument::change(ShapeAttribute attribute, Commit whether)
         markChanged(m_selected);
         m_unsettled = true;
     }
+    // What is being drawn or dragged is committed once, when it is let go.
+    if (isInteracting())
+        return;
     // The last step of a dragged slider often brings no change of its own but ends those before it.
     if (m_unsettled && whether == Commit::Yes)
         commit();
@@ -577,7 +580,7 @@ void ShapeDocument::loadState(const QString &shapes, const QString &counters, co
                               int undoIndex)
 {
     m_shapes.clear();
-    m_stored.clear();
+    markAllChanged();
     // Counters without an entry of their own go on behind the highest number there is.
     restore(stateFromJson(shapes.toUtf8()));
     const QJsonObject stored = QJsonDocument::fromJson(counters.toUtf8()).object();

@@ -217,13 +217,13 @@ BaseShape *ShapeDocument::release()
     const bool wasCreating = std::exchange(m_creating, false);
     if (m_activeHandle >= 0) {
         m_activeHandle = -1;
-        if (m_moved)
+        if (m_moved || m_unsettled)
             commit();
         return shape;
     }
     if (m_dragging) {
         m_dragging = false;
-        if (m_moved)
+        if (m_moved || m_unsettled)
             commit();
         return shape;
     }

@@ -15,7 +15,9 @@ constexpr qsizetype kSettledPieces = 32;
 constexpr int kScratchSide = 512; ///< largest box that is drawn at once
 constexpr double kWidest = 256;
 constexpr double kLargestExtent = 32'000;
+constexpr double kLargestArea = 64e6;
 constexpr double kLongest = 400'000;
+constexpr double kAbsurdLength = 50e6;
 constexpr qsizetype kMostAbsurd = 2000; ///< points, each of which may cost a line across the picture
 constexpr double kSubpixels = 256;
 
@@ -33,8 +35,13 @@ QRgb fadedPixel(QRgb pixel, int coverage)
     return qRgba(fade(qRed(pixel)), fade(qGreen(pixel)), fade(qBlue(pixel)), fade(qAlpha(pixel)));
 }
 
-/// Whether a mask of the stroke stays of a sensible size.
-bool isReasonable(const QList<QPointF> &points, double scale)
+enum class Extent {
+    Maskable,
+    Large,  ///< a mask of it could take too much memory
+    Absurd, ///< no hand has drawn it
+};
+
+Extent extentOf(const QList<QPointF> &points, double scale)
 {
     QPointF low = points.first();
     QPointF high = low;
@@ -45,8 +52,12 @@ bool isReasonable(const QList<QPointF> &points, double scale)
         low = {std::min(low.x(), points[i].x()), std::min(low.y(), points[i].y())};
         high = {std::max(high.x(), points[i].x()), std::max(high.y(), points[i].y())};
     }
-    return length * scale < kLongest && (high.x() - low.x()) * scale < kLargestExtent &&
-           (high.y() - low.y()) * scale < kLargestExtent;
+    length *= scale;
+    const QPointF size = (high - low) * scale;
+    if (length > kAbsurdLength)
+        return Extent::Absurd;
+    const bool isSmall = size.x() * size.y() < kLargestArea || length < kLongest;
+    return isSmall && size.x() < kLargestExtent && size.y() < kLargestExtent ? Extent::Maskable : Extent::Large;
 }
 
 } // namespace
@@ -201,8 +212,9 @@ void StrokeLayer::paint(QPainter &painter, const QList<QPointF> &points, double 
     const QTransform device = painter.deviceTransform();
     const double scale = device.m11();
     const bool isPlain = device.type() <= QTransform::TxScale && scale > 0 && qFuzzyCompare(scale, device.m22());
-    const bool isAbsurd = m_settled == 0 && !isReasonable(points, scale);
-    if (!isPlain || width * scale > kWidest || isAbsurd) {
+    const Extent extent = m_settled == 0 ? extentOf(points, scale) : Extent::Maskable;
+    if (!isPlain || width * scale > kWidest || extent != Extent::Maskable) {
+        const bool isAbsurd = extent == Extent::Absurd;
         painter.strokePath(smoothPath(isAbsurd ? points.first(std::min(points.size(), kMostAbsurd)) : points),
                            QPen(brush, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
         return;

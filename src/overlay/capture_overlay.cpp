@@ -351,6 +351,9 @@ void CaptureOverlay::clearSelection()
 
 void CaptureOverlay::setSelectionRect(const QRectF &rect)
 {
+    // A key may come while a button is held.
+    if (m_mode == OverlayMode::Drawing)
+        endDrawing();
     m_hover.clear();
     m_selection = rect.intersected(area());
     changeMode(OverlayMode::Idle);
@@ -496,6 +499,7 @@ void CaptureOverlay::loadSnapshot(const OverlaySnapshot &snapshot)
                                covers ? QPointF() : centredOrigin(logical, QSizeF(size()), devicePixelRatioF()));
     m_textEditor->setView({.zoom = 1, .origin = m_picture.origin()});
     m_eraseEngine.reset();
+    m_markerLines->forget();
     m_windows = snapshot.windows;
     refreshHoverScene();
     m_document.loadState(snapshot.shapesJson, snapshot.countersJson, snapshot.undoStack, snapshot.undoIndex);

@@ -154,8 +154,7 @@ PaintedRegions CaptureOverlay::regionsNow() const
 void CaptureOverlay::scheduleUpdate()
 {
     rebuildHints();
-    const QRegion shapes = shapeDamage();
-    update(dirtyRegion(m_painted, regionsNow(), rect()) + (hasSelection() ? shapes : QRegion()));
+    update(dirtyRegion(m_painted, regionsNow(), rect()) + shapeDamage());
 }
 
 } // namespace tavrel::ui

@@ -150,6 +150,7 @@ void CaptureOverlay::beginDrawing(const QPointF &point)
 {
     m_shapesAtPress = m_document.shapes().size();
     ensureMarkerLines();
+    m_document.setHovered(nullptr);
     const QPointF inside = inPicture(point);
     m_document.press(inside.x(), inside.y(), kShapeHandleTolerance);
     changeMode(OverlayMode::Drawing);
@@ -196,7 +197,9 @@ bool CaptureOverlay::isOnEditedHandle(const QPointF &point) const
 void CaptureOverlay::undoShapes()
 {
     endTextEdit();
-    m_document.undo();
+    // While something is being drawn, that is what is taken back.
+    if (!m_document.cancelCreation())
+        m_document.undo();
     refreshErase();
     layoutPanels();
     scheduleUpdate();

@@ -21,8 +21,18 @@ void MarkerLines::ensure(const QRectF &area, const std::function<QImage()> &pict
     if (crop.isNull())
         return;
     m_isBusy = true;
-    m_search(crop, this,
-             [this, area, size = QSizeF(crop.size())](const FoundLines &found) { take(area, size, found); });
+    m_search(crop, this, [this, area, size = QSizeF(crop.size()), picture = m_picture](const FoundLines &found) {
+        if (picture == m_picture)
+            take(area, size, found);
+    });
+}
+
+void MarkerLines::forget()
+{
+    ++m_picture;
+    m_isBusy = false;
+    m_lines.clear();
+    m_area = {};
 }
 
 void MarkerLines::take(const QRectF &area, const QSizeF &pictureSize, const FoundLines &found)

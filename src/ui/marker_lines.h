@@ -37,6 +37,8 @@ public:
     /// area     in the host's coordinates; smaller than 10 each way it is not searched
     /// picture  gives what the area shows, without annotations; its size stands for the size of the area
     void ensure(const QRectF &area, const std::function<QImage()> &picture);
+    /// The picture is another one: its lines are not known, and an answer for the old one is dropped.
+    void forget();
     /// The lines of an area in the host's coordinates, none unless it is the one that was searched.
     [[nodiscard]] QList<QRectF> linesIn(const QRectF &area) const;
 
@@ -51,6 +53,7 @@ private:
     QList<QRectF> m_lines;
     QRectF m_area;
     bool m_isBusy = false;
+    quint64 m_picture = 0; ///< counts pictures
 };
 
 } // namespace tavrel::ui

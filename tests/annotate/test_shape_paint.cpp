@@ -175,10 +175,10 @@ private Q_SLOTS:
         QTest::newRow("spotlight") << ToolType::Spotlight << QRectF(0, 0, 100, 100) << 1.0 << false;
         QTest::newRow("no bounds") << ToolType::Watermark << QRectF(0, 0, 100, 100) << 1.0 << false;
         QTest::newRow("no scale") << ToolType::Rect << QRectF(0, 0, 100, 100) << 0.0 << false;
-        // 11.5 of padding on each side
-        QTest::newRow("largest") << ToolType::Rect << QRectF(0, 0, 1477, 977) << 1.0 << true;
+        // 11.5 of padding on each side, which ends on whole pixels
+        QTest::newRow("largest") << ToolType::Rect << QRectF(-0.5, -0.5, 1477, 977) << 1.0 << true;
         QTest::newRow("too large") << ToolType::Rect << QRectF(0, 0, 1478, 978) << 1.0 << false;
-        QTest::newRow("not larger by zoom") << ToolType::Rect << QRectF(0, 0, 1477, 977) << 4.0 << true;
+        QTest::newRow("not larger by zoom") << ToolType::Rect << QRectF(-0.5, -0.5, 1477, 977) << 4.0 << true;
         QTest::newRow("smaller by zoom") << ToolType::Rect << QRectF(0, 0, 2000, 2000) << 0.5 << true;
         QTest::newRow("absurd") << ToolType::Rect << QRectF(-1e6, -1e6, 2e6, 2e6) << 1.0 << false;
         QTest::newRow("endless") << ToolType::Rect << QRectF(0, 0, infinity, infinity) << 1.0 << false;

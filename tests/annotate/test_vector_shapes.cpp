@@ -322,6 +322,58 @@ private Q_SLOTS:
         QCOMPARE(fresh, layered);
     }
 
+    /// A scribble longer than any mask is kept whole, on the screen and when it is read again.
+    void aLongScribbleKeepsAllOfItsInk()
+    {
+        ShapeDocument document;
+        document.setTool(ToolType::Pen);
+        document.press(10, 10, 15);
+        for (int i = 0; i < 3000; ++i)
+            document.move(10, 10, i % 2 ? 10 : 390, 10 + i * 0.09, false);
+        document.release();
+        document.clearSelection();
+        ShapeDocument again;
+        again.loadState(document.shapesJson(), {}, {}, 0);
+        QImage grown = blank();
+        QImage fresh = blank();
+        paintInto(grown, document);
+        paintInto(fresh, again);
+        QCOMPARE(fresh, grown);
+        QVERIFY(grown.pixelColor(200, 270) != QColor(Qt::white));
+    }
+
+    /// Other shapes with the same box, at the address of those before them, are other shapes.
+    void aLoadedStateIsPaintedAnew()
+    {
+        ShapeDocument document;
+        drawn(document, ToolType::Rect, {{100, 100}, {200, 160}});
+        const QString json = document.shapesJson();
+        for (int i = 0; i < 8; ++i) {
+            static_cast<void>(document.takeDamage());
+            document.loadState(QString(json).replace(QStringLiteral("F93442"), QStringLiteral("00FF0%1").arg(i)), {},
+                               {}, 0);
+            QVERIFY(!document.takeDamage().isEmpty());
+        }
+    }
+
+    void stepsWhileDraggingAreOneState()
+    {
+        ShapeDocument document;
+        document.setTool(ToolType::Rect);
+        document.press(100, 100, 15);
+        document.move(100, 100, 150, 150, false);
+        document.setThickness(6);
+        document.move(100, 100, 200, 200, false);
+        document.release();
+        QCOMPARE(document.undoIndex(), 1);
+        QCOMPARE(document.selected()->thickness, 6.0);
+        document.press(200, 200, 15); // a corner, held without a move
+        document.setThickness(8);
+        QCOMPARE(document.undoIndex(), 1);
+        document.release();
+        QCOMPARE(document.undoIndex(), 2);
+    }
+
     /// Repainting only what the document says has changed gives the same picture as painting everything.
     void damageCoversEveryChange()
     {
@@ -395,7 +447,7 @@ private Q_SLOTS:
     }
 
     /// Absurd numbers in a stored drawing neither hang the painting nor harm the other shapes.
-    void absurdShapesArePaintedQuickly()
+    void absurdShapesHarmNoOthers()
     {
         QByteArray points = "[";
         for (int i = 0; i < 50'000; ++i)
@@ -409,19 +461,18 @@ private Q_SLOTS:
             "{\"type\":\"arrow\",\"startX\":-1e300,\"endX\":1e300,\"ctrlOffY\":1e99,\"arrowStyle\":\"wedge_outline\"},"
             "{\"type\":\"arrow\",\"startX\":\"x\",\"endX\":null,\"thickness\":-4,\"arrowStyle\":\"double\"},"
             "{\"type\":\"circle\",\"startX\":-1e18,\"endX\":1e18,\"endY\":1e18,\"thickness\":1e-300},"
-            "{\"type\":\"rect\",\"w\":-50,\"h\":1e400},{\"type\":\"line\",\"x1\":1e300,\"y2\":-1e300,\"opacity\":7},"
+            "{\"type\":\"rect\",\"w\":-50,\"h\":1e300},{\"type\":\"line\",\"x1\":1e300,\"y2\":-1e300,\"opacity\":7},"
             "{\"type\":\"rect\",\"x\":10,\"y\":10,\"w\":20,\"h\":20,\"color\":\"#00ff00\",\"thickness\":6}]";
         ShapeDocument document;
         document.loadState(QString::fromUtf8(json), {}, {}, 0);
-        QVERIFY(document.shapes().size() >= 6 || document.shapes().isEmpty());
+        QCOMPARE(document.shapes().size(), 8);
         QImage image = blank(Qt::white, {1920, 1080});
         paintInto(image, document);
         for (const auto &shape : document.shapes()) {
             shape->hitTest(5, 5);
             QVERIFY(shape->paintedBounds().width() < 1e8);
         }
-        if (!document.shapes().isEmpty())
-            QCOMPARE(image.pixelColor(10, 20), QColor(0, 255, 0));
+        QCOMPARE(image.pixelColor(10, 20), QColor(0, 255, 0));
     }
 };
 

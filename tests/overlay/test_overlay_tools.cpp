@@ -114,6 +114,28 @@ private Q_SLOTS:
         QCOMPARE(document().shapes().size(), 0);
     }
 
+    void keysWhileDrawingStrandNothing()
+    {
+        m_overlay->setTool(ToolType::Rect);
+        drag({{100, 100}, {200, 160}});
+        send(QEvent::MouseButtonPress, {300, 100});
+        send(QEvent::MouseMove, {400, 200});
+        QTest::keyClick(m_overlay.get(), Qt::Key_Z, Qt::ControlModifier); // the one being drawn, and no more
+        QCOMPARE(document().shapes().size(), 1);
+        send(QEvent::MouseMove, {420, 220});
+        send(QEvent::MouseButtonRelease, {420, 220});
+        QCOMPARE(document().shapes().size(), 1);
+        send(QEvent::MouseButtonPress, {300, 100});
+        send(QEvent::MouseMove, {400, 200});
+        QTest::keyClick(m_overlay.get(), Qt::Key_A, Qt::ControlModifier);
+        QCOMPARE(m_overlay->selection(), QRectF(m_overlay->rect()));
+        send(QEvent::MouseButtonRelease, {400, 200});
+        QVERIFY(!document().isInteracting());
+        QCOMPARE(document().shapes().size(), 2);
+        QTest::keyClick(m_overlay.get(), Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(document().shapes().size(), 1);
+    }
+
     void theToolbarRunsTheOverlay()
     {
         ui::ToolbarWidget *toolbar = m_overlay->panels().toolbar();
