@@ -1,5 +1,6 @@
 #include "overlay/capture_overlay.h"
 
+#include "annotate/effect_image_cache.h"
 #include "annotate/smart_erase_engine.h"
 
 #include "overlay/element_probe.h"
@@ -31,6 +32,7 @@ CaptureOverlay::CaptureOverlay(const platform::CapturedDisplay &display, const S
       m_config(config),
       m_picture(display.image),
       m_panels(new OverlayPanels(this, config)),
+      m_effects(std::make_unique<EffectImageCache>(m_picture.image())),
       m_textEditor(new ShapeTextEditor(this, m_document)),
       m_markerLines(new MarkerLines(this)),
       m_livePicture(m_picture.image().cacheKey()),
@@ -448,7 +450,7 @@ QImage CaptureOverlay::renderedSelection() const
     if (m_eraseEngine)
         m_eraseEngine->solve(m_document.eraseRegions(m_eraseEngine->scale()));
     return renderSelection(m_picture.image(), m_selection.translated(-m_picture.origin()), m_document.shapesJson(),
-                           ShapeFactory::standard(), m_eraseEngine.get());
+                           ShapeFactory::standard(), m_effects.get(), m_eraseEngine.get());
 }
 
 void CaptureOverlay::requestCopy()
@@ -498,6 +500,7 @@ void CaptureOverlay::loadSnapshot(const OverlaySnapshot &snapshot)
     m_picture = OverlayPicture(snapshot.image,
                                covers ? QPointF() : centredOrigin(logical, QSizeF(size()), devicePixelRatioF()));
     m_textEditor->setView({.zoom = 1, .origin = m_picture.origin()});
+    m_effects = std::make_unique<EffectImageCache>(m_picture.image());
     m_eraseEngine.reset();
     m_markerLines->forget();
     m_windows = snapshot.windows;

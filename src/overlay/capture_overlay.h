@@ -26,8 +26,9 @@
 #include <optional>
 
 namespace tavrel {
+class EffectImageCache;
 class SmartEraseEngine;
-}
+} // namespace tavrel
 
 namespace tavrel::platform {
 class IWindowController;
@@ -219,6 +220,7 @@ private:
     std::shared_ptr<platform::IWindowController> m_windowController;
     record::RecordPrefs m_recordPrefs;
     OverlayPanels *m_panels;
+    std::unique_ptr<EffectImageCache> m_effects;     ///< of the picture
     std::unique_ptr<SmartEraseEngine> m_eraseEngine; ///< of the picture, from the first box on
     QTimer m_eraseTimer;                             ///< moves the light over boxes that are being solved
     ShapeTextEditor *m_textEditor;

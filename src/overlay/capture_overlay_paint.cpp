@@ -61,6 +61,7 @@ void CaptureOverlay::paintSelection(QPainter &painter, const QRegion &exposed) c
     painter.translate(m_picture.origin());
     ShapeRenderContext context;
     context.backdrop = &m_picture.image();
+    context.effectSource = m_effects.get();
     context.eraseEngine = m_eraseEngine.get();
     context.canvasBounds = m_selection.translated(-m_picture.origin());
     context.contentClip = context.canvasBounds;

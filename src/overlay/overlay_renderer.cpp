@@ -1,5 +1,6 @@
 #include "overlay/overlay_renderer.h"
 
+#include "annotate/effect_image_cache.h"
 #include "annotate/shape_document.h"
 #include "annotate/smart_erase_engine.h"
 #include "overlay/selection_geometry.h"
@@ -11,7 +12,7 @@
 namespace tavrel {
 
 QImage renderSelection(const QImage &image, const QRectF &selection, const QString &shapesJson,
-                       const ShapeFactory &factory, const SmartEraseEngine *erased)
+                       const ShapeFactory &factory, const EffectImageCache *effects, const SmartEraseEngine *erased)
 {
     const double ratio = image.isNull() ? 1.0 : image.devicePixelRatio();
     const QRect crop = ui::cropRect(selection, ratio, image.size());
@@ -28,6 +29,8 @@ QImage renderSelection(const QImage &image, const QRectF &selection, const QStri
         return result;
     ShapeRenderContext context;
     context.backdrop = &image;
+    const EffectImageCache ownEffects(effects ? QImage() : image);
+    context.effectSource = effects ? effects : &ownEffects;
     std::unique_ptr<SmartEraseEngine> own;
     if (const auto boxes = document.eraseRegions(ratio); !erased && !boxes.isEmpty()) {
         own = std::make_unique<SmartEraseEngine>(image);

@@ -563,7 +563,8 @@ private Q_SLOTS:
             } else if (action == 19 && !held) {
                 m_overlay->clearSelection();
             } else if (action == 20 && !held) {
-                static constexpr std::array tools{ToolType::None, ToolType::Rect,   ToolType::Arrow, ToolType::Pen,
+                static constexpr std::array tools{ToolType::None, ToolType::Rect,   ToolType::Arrow,
+                                                  ToolType::Pen,  ToolType::Mosaic, ToolType::Spotlight,
                                                   ToolType::None, ToolType::Marker, ToolType::Circle};
                 m_overlay->setTool(tools[random.bounded(static_cast<quint32>(tools.size()))]);
             } else if (action == 21) {

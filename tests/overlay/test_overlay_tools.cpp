@@ -68,7 +68,7 @@ private Q_SLOTS:
             drag({{90, y}, {150, y + 20}, {320, y + 25}});
             QCOMPARE(document().shapes().size(), ++count);
             QCOMPARE(document().shapes().last()->type(), tool);
-            y += 35;
+            y += 30;
         }
         document().clearSelection();
         m_overlay->setTool(ToolType::None);
