@@ -3,3 +3,4 @@ target_include_directories(bench_annotate_shape_document PRIVATE ${PROJECT_SOURC
 tavrel_bench(annotate vector_shapes USES annotate QT Gui)
 tavrel_bench(annotate smart_erase USES annotate QT Gui)
 target_include_directories(bench_annotate_smart_erase PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+tavrel_bench(annotate effects USES annotate QT Gui)

@@ -3,6 +3,7 @@
 #include "annotate/arrow_shape.h"
 #include "annotate/base_shape.h"
 #include "annotate/effect_shapes.h"
+#include "annotate/magnifier_shape.h"
 #include "annotate/path_shape.h"
 #include "annotate/sequence_shape.h"
 #include "annotate/smart_erase_shape.h"
@@ -67,6 +68,7 @@ const ShapeFactory &ShapeFactory::standard()
         made.add<MosaicShape>(ToolType::Mosaic);
         made.add<MosaicPathShape>(ToolType::MosaicPen);
         made.add<SpotlightShape>(ToolType::Spotlight);
+        made.add<MagnifierShape>(ToolType::Magnifier);
         made.add<WatermarkShape>(ToolType::Watermark);
         made.add<SmartEraseShape>(ToolType::SmartErase);
         const auto makeStroke = [](ToolType type) { return std::make_shared<PathShape>(type); };

@@ -1,5 +1,6 @@
 #include "annotate/effect_image_cache.h"
 #include "annotate/effect_shapes.h"
+#include "annotate/magnifier_shape.h"
 #include "annotate/shape_document.h"
 #include "annotate/watermark_shape.h"
 #include "support/test_main.h"
@@ -36,6 +37,7 @@ QImage rendered(const QImage &picture, const QString &shapes, const QRect &crop,
     result.setDevicePixelRatio(ratio);
     ShapeRenderContext context;
     context.effectSource = &cache;
+    context.backdrop = &picture;
     context.origin = origin;
     context.canvasBounds = QRectF(origin, QSizeF(picture.size()) / ratio);
     QPainter painter(&result);
@@ -97,6 +99,7 @@ private Q_SLOTS:
         add("brush", QStringLiteral(R"([{"type":"mosaic_pen","thickness":18,"points":[{"x":20,"y":20},{"x":60,"y":70},)"
                                     R"({"x":120,"y":30}]}])"));
         add("watermark", QStringLiteral(R"([{"type":"watermark","text":"A mark","mode":"center","stamp":5}])"));
+        add("magnifier", QStringLiteral(R"([{"type":"magnifier","ax":30,"ay":30,"bx":55.5,"by":50}])"));
         add("spotlights", QStringLiteral(R"([{"type":"spotlight","x":30,"y":30,"w":50,"h":30,"isRound":true},)"
                                          R"({"type":"spotlight","x":70,"y":30,"w":50,"h":30,"dim":0.7}])"));
     }
@@ -173,6 +176,47 @@ private Q_SLOTS:
         attributes.watermarkText = QStringLiteral("x");
         QVERIFY(shape.applyAttribute(ShapeAttribute::Watermark, attributes));
         QVERIFY(shape.stamp > 5);
+    }
+
+    void lensFindsItsPlace_data()
+    {
+        QTest::addColumn<QRectF>("source");
+        QTest::addColumn<double>("zoom");
+        QTest::addColumn<QRectF>("canvas");
+        QTest::addColumn<QRectF>("lens");
+        const QRectF canvas(0, 0, 400, 300);
+        QTest::newRow("right") << QRectF(50, 100, 60, 40) << 2.0 << canvas << QRectF(126, 80, 120, 80);
+        QTest::newRow("below") << QRectF(330, 100, 60, 40) << 1.0 << canvas << QRectF(330, 156, 60, 40);
+        QTest::newRow("left") << QRectF(330, 250, 60, 40) << 2.0 << QRectF(0, 0, 400, 310) << QRectF(194, 230, 120, 80);
+        QTest::newRow("above") << QRectF(20, 250, 360, 40) << 1.0 << canvas << QRectF(20, 194, 360, 40);
+        QTest::newRow("pushed in") << QRectF(20, 20, 360, 260) << 1.0 << canvas << QRectF(40, 20, 360, 260);
+        QTest::newRow("anywhere") << QRectF(330, 100, 60, 40) << 1.0 << QRectF() << QRectF(406, 100, 60, 40);
+        QTest::newRow("largest") << QRectF(0, 0, 200, 100) << 10.0 << QRectF() << QRectF(216, -175, 900, 450);
+    }
+
+    void lensFindsItsPlace()
+    {
+        QFETCH(QRectF, source);
+        QFETCH(double, zoom);
+        QFETCH(QRectF, canvas);
+        MagnifierShape shape;
+        shape.zoom = zoom;
+        shape.updateDrag(source.left(), source.top(), source.right(), source.bottom());
+        QTEST(shape.lens(canvas), "lens");
+    }
+
+    void draggedLensKeepsItsOffset()
+    {
+        MagnifierShape shape;
+        shape.updateDrag(50, 100, 110, 140);
+        shape.pressAt(186, 120);
+        shape.translate(10, 5);
+        QCOMPARE(shape.source(), QRectF(50, 100, 60, 40));
+        QCOMPARE(shape.lens({}), QRectF(136, 85, 120, 80));
+        shape.pressAt(60, 120);
+        shape.translate(1, 1);
+        QCOMPARE(shape.source(), QRectF(51, 101, 60, 40));
+        QCOMPARE(shape.lens({}), QRectF(137, 86, 120, 80));
     }
 
     void zeroIntensityIsTheDefault()

@@ -1,0 +1,103 @@
+#include "annotate/effect_image_cache.h"
+#include "annotate/shape_document.h"
+
+#include <QGuiApplication>
+#include <QImage>
+#include <QPainter>
+
+#include <benchmark/benchmark.h>
+
+#include <cmath>
+
+using namespace tavrel;
+
+namespace {
+
+QImage picture()
+{
+    QImage image(3840, 2160, QImage::Format_ARGB32_Premultiplied);
+    for (int y = 0; y < image.height(); ++y) {
+        auto *line = reinterpret_cast<QRgb *>(image.scanLine(y));
+        for (int x = 0; x < image.width(); ++x)
+            line[x] = qRgb(x & 255, y & 255, (x * y) & 255);
+    }
+    return image;
+}
+
+void buildEffect(benchmark::State &state, bool blur)
+{
+    const QImage source = picture();
+    for (auto _ : state) {
+        const EffectImageCache cache(source);
+        benchmark::DoNotOptimize(cache.region(blur, static_cast<int>(state.range(0)), {0, 0, 10, 10}));
+    }
+}
+BENCHMARK_CAPTURE(buildEffect, blur, true)->Arg(2)->Arg(15)->Arg(200)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK_CAPTURE(buildEffect, mosaic, false)->Arg(4)->Arg(15)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+void paintDamage(QImage &image, ShapeDocument &document, const EffectImageCache &cache)
+{
+    ShapeRenderContext context;
+    context.effectSource = &cache;
+    for (const QRectF &part : document.takeDamage())
+        context.exposed.append(part);
+    QPainter painter(&image);
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+    QRegion clip;
+    for (const QRectF &part : context.exposed)
+        clip += part.toAlignedRect();
+    painter.setClipRegion(clip);
+    document.paint(painter, context);
+}
+
+void dragBox(benchmark::State &state)
+{
+    QImage image = picture();
+    const EffectImageCache cache(image);
+    ShapeDocument document;
+    document.setTool(ToolType::Mosaic);
+    document.press(100, 100, 15);
+    document.move(100, 100, 1300, 900, false);
+    document.release();
+    paintDamage(image, document, cache);
+    document.press(600, 500, 15);
+    int x = 0;
+    for (auto _ : state) {
+        x = (x + 7) % 2000;
+        document.move(600, 500, 600 + x, 500 + x / 2, false);
+        paintDamage(image, document, cache);
+    }
+}
+BENCHMARK(dragBox)->Unit(benchmark::kMillisecond);
+
+/// One more point on a brush stroke that has so many already.
+void growBrush(benchmark::State &state)
+{
+    QImage image = picture();
+    const EffectImageCache cache(image);
+    ShapeDocument document;
+    document.setThickness(30);
+    document.setTool(ToolType::MosaicPen);
+    document.press(1900, 1000, 15);
+    double t = 0;
+    const auto add = [&] {
+        t += 0.01;
+        document.move(1900, 1000, 1900 + 900 * std::sin(t), 1000 + 800 * std::sin(1.37 * t), false);
+        paintDamage(image, document, cache);
+    };
+    for (int i = 0; i < state.range(0); ++i)
+        add();
+    for (auto _ : state)
+        add();
+}
+BENCHMARK(growBrush)->Arg(100)->Arg(2000)->Iterations(500)->Unit(benchmark::kMicrosecond);
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QGuiApplication application(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
