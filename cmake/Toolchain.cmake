@@ -17,8 +17,13 @@ elseif(TAVREL_SANITIZE STREQUAL "thread")
   # The compiler warns that fences are invisible to the thread sanitizer; Qt's headers use them.
   target_compile_options(tavrel_flags INTERFACE -fsanitize=thread -fno-omit-frame-pointer -Wno-tsan)
   target_link_options(tavrel_flags INTERFACE -fsanitize=thread)
+elseif(TAVREL_SANITIZE STREQUAL "fuzzer")
+  # The warnings are those of g++; this compiler is only here for its fuzzer.
+  target_compile_options(tavrel_flags INTERFACE
+    -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize=vptr,function -fno-sanitize-recover=undefined -Wno-everything)
+  target_link_options(tavrel_flags INTERFACE -fsanitize=address,undefined)
 elseif(TAVREL_SANITIZE)
-  message(FATAL_ERROR "TAVREL_SANITIZE is '${TAVREL_SANITIZE}': use address, thread or nothing")
+  message(FATAL_ERROR "TAVREL_SANITIZE is '${TAVREL_SANITIZE}': use address, thread, fuzzer or nothing")
 endif()
 
 find_program(TAVREL_CCACHE ccache)
