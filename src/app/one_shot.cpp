@@ -1,5 +1,6 @@
 #include "app/one_shot.h"
 
+#include "app/color_board_preview.h"
 #include "app/detect_probe.h"
 #include "app/elements_probe.h"
 #include "app/erase_tools.h"
@@ -58,6 +59,7 @@ struct OneShot
 };
 
 constexpr std::array kOneShots{
+    OneShot{"--render-color-board-preview", renderColorBoardPreview},
     OneShot{"--render-toolbar-preview", renderToolbarPreview},
     OneShot{"--render-toolbar-config-preview", renderToolbarConfigPreview},
     OneShot{"--render-smart-erase-preview", renderSmartErasePreview},
