@@ -3,6 +3,7 @@
 #include "app/default_services.h"
 #include "overlay/capture_overlay.h"
 #include "settings/settings_store.h"
+#include "ui/color_library.h"
 
 #include <QApplication>
 #include <QDeadlineTimer>
@@ -39,6 +40,10 @@ AppController::AppController(SettingsStore &settings, Deps deps, QObject *parent
     ui::dialogs::setThemeName(settings.config().theme);
     ui::dialogs::setHotkeySuspender([this](bool suspended) { m_deps.globalHotkey->setSuspended(suspended); });
 
+    auto &palette = ui::ColorLibrary::instance();
+    palette.setColors(settings.config().paletteColors);
+    connect(&palette, &ui::ColorLibrary::changed, this, &AppController::storePalette);
+
     connect(m_deps.updater.get(), &platform::IUpdater::shutdownRequested, this, &AppController::quit,
             Qt::QueuedConnection);
     connect(m_deps.globalHotkey.get(), &platform::IGlobalHotkey::activated, this,
@@ -67,6 +72,7 @@ AppController::AppController(SettingsStore &settings, Deps deps, QObject *parent
 AppController::~AppController()
 {
     m_flow.disconnect(this);
+    ui::ColorLibrary::instance().disconnect(this);
     m_settings.disconnect(this); // what the last saves change registers nothing anew
     m_flow.closeSession();
     m_deps.globalHotkey->unregisterAll();
@@ -116,8 +122,16 @@ void AppController::registerHotkeys()
 void AppController::applySettings()
 {
     ui::dialogs::setThemeName(m_settings.config().theme);
+    ui::ColorLibrary::instance().setColors(m_settings.config().paletteColors);
     registerHotkeys();
     m_flow.applySettings();
+}
+
+void AppController::storePalette()
+{
+    SettingsConfig config = m_settings.config();
+    config.paletteColors = ui::ColorLibrary::instance().colors();
+    m_settings.update(config);
 }
 
 void AppController::onAccessRefused()

@@ -107,6 +107,7 @@ Q_SIGNALS:
 
 private:
     void applySettings();
+    void storePalette();
     void registerHotkeys();
     void onAccessRefused();
     void updateCanShutdown();

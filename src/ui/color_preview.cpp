@@ -32,7 +32,8 @@ void ColorPreview::applyTheme(const Theme &theme)
 void ColorPreview::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    paintChessboard(painter, rect(), kCell, m_theme.dark);
+    if (m_color.alpha() < 255)
+        paintChessboard(painter, rect(), kCell, m_theme.dark);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(chipBorder(m_color), 1));
     painter.setBrush(m_color);

@@ -1,10 +1,8 @@
 #include "ui/eyedropper_button.h"
 
 #include "ui/color_paint.h"
-#include "ui/glyphs.h"
+#include "ui/glyph_pen.h"
 
-#include <QAccessible>
-#include <QAccessibleWidget>
 #include <QKeyEvent>
 #include <QPainter>
 
@@ -14,6 +12,19 @@ namespace {
 constexpr int kSide = 36;
 constexpr int kGlyphSize = 18;
 constexpr qreal kRadius = 10;
+
+void paintPipette(QPainter &painter, const QRectF &rect, const QColor &color)
+{
+    painter.save();
+    painter.translate(rect.topLeft());
+    painter.scale(rect.width() / GlyphPen::box, rect.height() / GlyphPen::box);
+    GlyphPen pen(painter, color);
+    pen.stroke(Trace(13.2, 8.8).arc(18, 6, 2.6, 225, 405).to(15.2, 10.8)); // bulb
+    pen.line(10.6, 6.4, 17.6, 13.4);
+    pen.stroke(Trace(12.2, 8).to(5.4, 14.8).to(4.2, 19.8).to(9.2, 18.6).to(16, 11.8));
+    pen.finish();
+    painter.restore();
+}
 
 } // namespace
 
@@ -53,7 +64,7 @@ void EyedropperButton::paintEvent(QPaintEvent *)
     painter.drawRoundedRect(rect(), kRadius, kRadius);
     QRectF glyph(0, 0, kGlyphSize, kGlyphSize);
     glyph.moveCenter(QRectF(rect()).center());
-    paintGlyph(painter, QStringLiteral("ed_pick"), glyph, m_theme.toolIcon());
+    paintPipette(painter, glyph, m_theme.toolIcon());
     if (m_showsFocus && hasFocus())
         paintFocusRing(painter, rect(), kRadius, m_theme);
 }

@@ -20,6 +20,7 @@ constexpr qreal kDistance = 24; ///< of the loupe from the point, and of the lab
 constexpr qreal kLabelGap = 12;
 constexpr qreal kLabelWidth = 84;
 constexpr qreal kShadowOffset = 2;
+constexpr qreal kRim = 2.5;
 constexpr QColor kLabelSurface{28, 28, 30, 230};
 
 QPainterPath circle(const QRectF &rect)
@@ -126,8 +127,10 @@ void EyedropperLayer::paintEvent(QPaintEvent *)
     painter.setBrush(QColor(0, 0, 0, 55));
     painter.drawEllipse(loupe.translated(0, kShadowOffset));
     paintCells(painter, loupe, m_sample);
-    painter.setPen(QPen(QColor(0, 0, 0, 28), 1));
     painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(QColor(255, 255, 255, 230), kRim)); // else it is lost on a picture of one colour
+    painter.drawEllipse(loupe.adjusted(kRim / 2, kRim / 2, -kRim / 2, -kRim / 2));
+    painter.setPen(QPen(QColor(0, 0, 0, 28), 1));
     painter.drawEllipse(loupe.adjusted(0.5, 0.5, -0.5, -0.5));
 
     painter.setPen(Qt::NoPen);
