@@ -25,7 +25,8 @@ class HexEdit;
 class WrappedLabel;
 
 /// The floating colour chooser: hue, saturation, value, alpha, hexadecimal digits and the palette. Its host shows it
-/// with popupAt() and hides it at `closeRequested`; it may be deleted at any time. GUI thread only.
+/// with popupAt() and hides it at `closeRequested`; a host that answers a signal by taking it away uses deleteLater().
+/// GUI thread only.
 class ColorBoard final : public QFrame
 {
     Q_OBJECT

@@ -322,7 +322,12 @@ void ColorChipRow::cancelDrag()
         return;
     m_chips[std::exchange(m_dragSource, -1)]->setFaded(false);
     m_insertion = -1;
-    delete m_ghost;
+    if (m_ghost) {
+        // Later, because it may be the window that is hiding its children one by one.
+        m_ghost->hide();
+        m_ghost->deleteLater();
+        m_ghost.clear();
+    }
     layOut();
 }
 

@@ -1,0 +1,697 @@
+#include "support/test_main.h"
+
+#include "ui/color_alpha_bar.h"
+#include "ui/color_board.h"
+#include "ui/color_chip.h"
+#include "ui/color_chip_row.h"
+#include "ui/color_hue_bar.h"
+#include "ui/color_library.h"
+#include "ui/color_sv_area.h"
+#include "ui/color_swatches.h"
+#include "ui/dialog_services.h"
+#include "ui/dialogs.h"
+#include "ui/hex_edit.h"
+
+#include <QAccessible>
+#include <QApplication>
+#include <QClipboard>
+#include <QLabel>
+#include <QPushButton>
+#include <QSignalSpy>
+
+using namespace tavrel::ui;
+
+namespace {
+
+/// A window that tells which keys came through to it.
+class Host final : public QWidget
+{
+public:
+    QList<int> keys;
+    int presses = 0;
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override { keys.append(event->key()); }
+    void mousePressEvent(QMouseEvent *) override { ++presses; }
+};
+
+QPoint at(const QWidget *widget, double x, double y)
+{
+    return {static_cast<int>(x * (widget->width() - 1)), static_cast<int>(y * (widget->height() - 1))};
+}
+
+QStringList texts(const QSignalSpy &spy)
+{
+    QStringList result;
+    for (const QList<QVariant> &arguments : spy)
+        result.append(arguments.value(0).toString());
+    return result;
+}
+
+} // namespace
+
+class TestColorBoard : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void setColor_data();
+    void setColor();
+    void greyAndBlackKeepHueAndSaturation();
+    void dragsChangeAndCommit_data();
+    void dragsChangeAndCommit();
+    void keysStepAndCommitWhenLetGo();
+    void hidingEndsADrag();
+    void theGradientIsKeptUntilTheHueChanges();
+    void hexEditTakesSixDigits_data();
+    void hexEditTakesSixDigits();
+    void hexEditAppliesAtSixDigitsOnly();
+    void hexEditLeaves_data();
+    void hexEditLeaves();
+    void typingSuspendsHotkeysInPairs_data();
+    void typingSuspendsHotkeysInPairs();
+    void thePaletteSection();
+    void chipsByKey();
+    void tabGoesRoundWithinTheBoard();
+    void focusGoesBackWhenHidden();
+    void nothingReachesTheWindowBelow();
+    void popupPositions_data();
+    void popupPositions();
+    void thePopupStaysInTheWindowWhenItGrows();
+    void readableByAssistiveTools();
+    void deletedByWhoeverListens_data();
+    void deletedByWhoeverListens();
+    void aLibraryThatGoesLeavesAnEmptyPalette();
+    void fixedSwatches();
+
+private:
+    template <typename T>
+    T *part(const char *name = nullptr)
+    {
+        return m_board->findChild<T *>(name ? QString::fromLatin1(name) : QString());
+    }
+    ColorChip *chip(int index) { return part<ColorChipRow>()->chips().at(index); }
+
+    std::unique_ptr<Host> m_host;
+    std::unique_ptr<ColorLibrary> m_library;
+    QPointer<ColorBoard> m_board;
+};
+
+void TestColorBoard::init()
+{
+    QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
+    m_host = std::make_unique<Host>();
+    m_host->resize(700, 600);
+    m_host->setFocusPolicy(Qt::StrongFocus);
+    m_host->show();
+    m_host->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_host.get()));
+    m_library = std::make_unique<ColorLibrary>();
+    m_board = new ColorBoard(m_host.get(), m_library.get());
+    m_board->setColor(QStringLiteral("#40D651"), false);
+    m_board->popupAt(QRect(300, 20, 40, 20));
+}
+
+void TestColorBoard::cleanup()
+{
+    m_host.reset();
+    QVERIFY(!m_board);
+    dialogs::setHotkeySuspender({});
+    QCOMPARE(dialogs::openDialogCount(), 0);
+}
+
+void TestColorBoard::setColor_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("keepAlpha"); // with 0.4 before
+    QTest::addColumn<double>("alpha");
+    QTest::addColumn<QString>("hex");
+    QTest::addColumn<QString>("label");
+    QTest::newRow("opaque") << QStringLiteral(" #ff8c00 ") << false << 1.0 << QStringLiteral("#FF8C00")
+                            << QStringLiteral("100%");
+    QTest::newRow("kept alpha") << QStringLiteral("#FF8C00") << true << 0.4 << QStringLiteral("#66FF8C00")
+                                << QStringLiteral("40%");
+    QTest::newRow("alpha of the text") << QStringLiteral("#80FF8C00") << false << 128 / 255.0
+                                       << QStringLiteral("#80FF8C00") << QStringLiteral("50%");
+    QTest::newRow("alpha of the text goes before the kept one")
+        << QStringLiteral("#80FF8C00") << true << 128 / 255.0 << QStringLiteral("#80FF8C00") << QStringLiteral("50%");
+    QTest::newRow("too transparent") << QStringLiteral("#00FF8C00") << false << 0.05 << QStringLiteral("#0DFF8C00")
+                                     << QStringLiteral("5%");
+    QTest::newRow("nearly opaque") << QStringLiteral("#FDFF8C00") << false << 253 / 255.0 << QStringLiteral("#FDFF8C00")
+                                   << QStringLiteral("99%");
+    QTest::newRow("opaque in eight digits")
+        << QStringLiteral("#FFFF8C00") << true << 1.0 << QStringLiteral("#FF8C00") << QStringLiteral("100%");
+    QTest::newRow("no colour") << QStringLiteral("chartreuse-ish") << false << 1.0 << QStringLiteral("#F93442")
+                               << QStringLiteral("100%");
+    QTest::newRow("empty, kept alpha") << QString() << true << 0.4 << QStringLiteral("#66F93442")
+                                       << QStringLiteral("40%");
+    QTest::newRow("bad alpha") << QStringLiteral("#xxFF8C00") << false << 1.0 << QStringLiteral("#F93442")
+                               << QStringLiteral("100%");
+}
+
+void TestColorBoard::setColor()
+{
+    QFETCH(QString, text);
+    QFETCH(bool, keepAlpha);
+    m_board->setColor(QStringLiteral("#66123456"), false);
+    QSignalSpy changed(m_board, &ColorBoard::colorChanged);
+    m_board->setColor(text, keepAlpha);
+    QTEST(m_board->alpha(), "alpha");
+    QTEST(m_board->currentHex(), "hex");
+    QTEST(part<QLabel>("alphaText")->text(), "label");
+    QCOMPARE(u'#' + part<HexEdit>()->text(), m_board->baseColor().name().toUpper());
+    QCOMPARE(part<ColorAlphaBar>()->alpha(), m_board->alpha());
+    QCOMPARE(changed.count(), 0); // only the user's changes are told
+}
+
+void TestColorBoard::greyAndBlackKeepHueAndSaturation()
+{
+    m_board->setColor(QStringLiteral("#0000FF"), false);
+    m_board->setColor(QStringLiteral("#808080"), false);
+    QCOMPARE(part<ColorHueBar>()->hue(), 240 / 360.0);
+    QCOMPARE(m_board->hsv().saturation, 0.0);
+
+    // A host that answers every change with the colour it got must not move the handle.
+    m_board->setColor(QStringLiteral("#2040C0"), false);
+    connect(m_board, &ColorBoard::colorChanged, m_board, [this](const QString &hex) { m_board->setColor(hex, false); });
+    auto *sv = part<ColorSvArea>();
+    QTest::mousePress(sv, Qt::LeftButton, {}, at(sv, 0.7, 0.5));
+    const double saturation = m_board->hsv().saturation;
+    QTest::mouseMove(sv, QPoint(at(sv, 0.7, 0).x(), sv->height() + 40));
+    QCOMPARE(m_board->currentHex(), QStringLiteral("#000000"));
+    QCOMPARE(m_board->hsv().saturation, saturation);
+    QVERIFY(m_board->hsv().hue > 0.5);
+    QTest::mouseRelease(sv, Qt::LeftButton, {}, at(sv, 0.7, 1));
+}
+
+void TestColorBoard::dragsChangeAndCommit_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QPointF>("from");
+    QTest::addColumn<QPointF>("to");
+    QTest::addColumn<QString>("hex");
+    const auto sv = QStringLiteral("colorSvArea");
+    const auto hue = QStringLiteral("colorHueBar");
+    const auto alpha = QStringLiteral("colorAlphaBar");
+    QTest::newRow("full and light") << sv << QPointF(0.4, 0.4) << QPointF(1, 0) << QStringLiteral("#00FF1D");
+    QTest::newRow("beyond the corner") << sv << QPointF(0.4, 0.4) << QPointF(1.4, -0.8) << QStringLiteral("#00FF1D");
+    QTest::newRow("white") << sv << QPointF(0.4, 0.4) << QPointF(-0.5, 0) << QStringLiteral("#FFFFFF");
+    QTest::newRow("black") << sv << QPointF(0.4, 0.4) << QPointF(0.4, 1) << QStringLiteral("#000000");
+    QTest::newRow("hue to the end") << hue << QPointF(0.4, 0.5) << QPointF(1, 0.5) << QStringLiteral("#D64040");
+    QTest::newRow("alpha beyond the end")
+        << alpha << QPointF(0.4, 0.5) << QPointF(-3, 0.5) << QStringLiteral("#0D40D651");
+    QTest::newRow("alpha back to opaque") << alpha << QPointF(0.4, 0.5) << QPointF(2, 4) << QStringLiteral("#40D651");
+}
+
+void TestColorBoard::dragsChangeAndCommit()
+{
+    QFETCH(QString, name);
+    QFETCH(QPointF, from);
+    QFETCH(QPointF, to);
+    auto *control = m_board->findChild<ColorSlider *>(name);
+    QSignalSpy changed(m_board, &ColorBoard::colorChanged);
+    QSignalSpy committed(m_board, &ColorBoard::colorCommitted);
+    QTest::mousePress(control, Qt::LeftButton, {}, at(control, from.x(), from.y()));
+    QCOMPARE(changed.count(), 1);
+    QTest::mouseMove(control, at(control, 0.5, 0.5));
+    QTest::mouseMove(control, at(control, to.x(), to.y()));
+    QVERIFY(changed.count() >= 3);
+    QCOMPARE(committed.count(), 0);
+    QTest::mouseRelease(control, Qt::LeftButton, {}, at(control, to.x(), to.y()));
+    QTEST(m_board->currentHex(), "hex");
+    QCOMPARE(texts(changed).last(), m_board->currentHex());
+    QCOMPARE(texts(committed), QStringList{m_board->currentHex()});
+    QTest::mouseMove(control, at(control, 0.5, 0.5));
+    QCOMPARE(texts(changed).last(), m_board->currentHex()); // it is over
+}
+
+void TestColorBoard::keysStepAndCommitWhenLetGo()
+{
+    QSignalSpy changed(m_board, &ColorBoard::colorChanged);
+    QSignalSpy committed(m_board, &ColorBoard::colorCommitted);
+    auto *alpha = part<ColorAlphaBar>();
+    alpha->setFocus(Qt::TabFocusReason);
+    QTest::keyPress(alpha, Qt::Key_Left);
+    QTest::keyPress(alpha, Qt::Key_Left);
+    QCOMPARE(changed.count(), 2);
+    QCOMPARE(committed.count(), 0);
+    QTest::keyRelease(alpha, Qt::Key_Left);
+    QCOMPARE(texts(committed), QStringList{QStringLiteral("#FA40D651")});
+    QTest::keyClick(alpha, Qt::Key_Left, Qt::ShiftModifier);
+    QCOMPARE(qRound(alpha->alpha() * 100), 88);
+    QTest::keyClick(alpha, Qt::Key_Home);
+    QCOMPARE(alpha->alpha(), 0.05);
+    QTest::keyClick(alpha, Qt::Key_End);
+    QCOMPARE(alpha->alpha(), 1.0);
+
+    // A key that is held down while the keyboard goes elsewhere.
+    auto *sv = part<ColorSvArea>();
+    sv->setFocus(Qt::TabFocusReason);
+    const Hsv before = sv->hsv();
+    committed.clear();
+    QTest::keyPress(sv, Qt::Key_Down);
+    QTest::keyPress(sv, Qt::Key_Right);
+    QCOMPARE(sv->hsv().value, before.value - 0.01);
+    QCOMPARE(sv->hsv().saturation, before.saturation + 0.01);
+    QCOMPARE(committed.count(), 0);
+    part<ColorHueBar>()->setFocus();
+    QCOMPARE(committed.count(), 1);
+
+    QTest::keyClick(sv, Qt::Key_Right, Qt::ControlModifier); // the window's own key
+    QCOMPARE(m_host->keys.last(), int(Qt::Key_Right));
+}
+
+void TestColorBoard::hidingEndsADrag()
+{
+    QSignalSpy committed(m_board, &ColorBoard::colorCommitted);
+    auto *sv = part<ColorSvArea>();
+    QTest::mousePress(sv, Qt::LeftButton, {}, at(sv, 0.5, 0.5));
+    m_board->hide();
+    QCOMPARE(committed.count(), 1);
+    QVERIFY(!sv->isDragging());
+}
+
+void TestColorBoard::theGradientIsKeptUntilTheHueChanges()
+{
+    auto *sv = part<ColorSvArea>();
+    sv->grab();
+    const int before = sv->gradientsMade();
+    for (const double x : {0.1, 0.5, 0.9}) {
+        QTest::mousePress(sv, Qt::LeftButton, {}, at(sv, x, x));
+        QTest::mouseRelease(sv, Qt::LeftButton, {}, at(sv, x, x));
+        sv->grab();
+    }
+    m_board->setColor(QStringLiteral("#808080"), false);
+    sv->grab();
+    QCOMPARE(sv->gradientsMade(), before);
+    m_board->setColor(QStringLiteral("#0000FF"), false);
+    const QImage picture = sv->grab().toImage();
+    QCOMPARE(sv->gradientsMade(), before + 1);
+    const QColor middle = picture.pixelColor(picture.width() / 2, picture.height() / 2);
+    QVERIFY(qAbs(middle.red() - 64) < 3 && qAbs(middle.green() - 64) < 3 && qAbs(middle.blue() - 128) < 3);
+    QCOMPARE(picture.pixelColor(picture.width() / 2, picture.height() - 1), QColor(0, 0, 0));
+}
+
+void TestColorBoard::hexEditTakesSixDigits_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<bool>("pasted");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("digits") << QStringLiteral("ff8c00") << false << QStringLiteral("FF8C00");
+    QTest::newRow("letters between") << QStringLiteral("fzg8-c .#0xyz0q0") << false << QStringLiteral("F8C000");
+    QTest::newRow("more than six") << QStringLiteral("1234567890") << false << QStringLiteral("123456");
+    QTest::newRow("pasted with hash") << QStringLiteral("#ff8c00\n") << true << QStringLiteral("FF8C00");
+    QTest::newRow("pasted garbage") << QStringLiteral("rgb(1,2,3)") << true << QString();
+    QTest::newRow("pasted with alpha") << QStringLiteral("#80ff8c00") << true << QString();
+}
+
+void TestColorBoard::hexEditTakesSixDigits()
+{
+    QFETCH(QString, typed);
+    QFETCH(bool, pasted);
+    auto *edit = part<HexEdit>();
+    edit->setFocus();
+    edit->clear();
+    if (pasted) {
+        QApplication::clipboard()->setText(typed);
+        QTest::keyClick(edit, Qt::Key_V, Qt::ControlModifier);
+    } else {
+        QTest::keyClicks(edit, typed);
+    }
+    QTEST(edit->text(), "expected");
+    QVERIFY(m_host->keys.isEmpty());
+}
+
+void TestColorBoard::hexEditAppliesAtSixDigitsOnly()
+{
+    m_board->setColor(QStringLiteral("#80112233"), false);
+    QSignalSpy changed(m_board, &ColorBoard::colorChanged);
+    QSignalSpy committed(m_board, &ColorBoard::colorCommitted);
+    auto *edit = part<HexEdit>();
+    QTest::mouseClick(edit, Qt::LeftButton, {}, at(edit, 0.3, 0.5));
+    QCOMPARE(edit->selectedText(), QStringLiteral("112233")); // so that typing replaces it
+    QTest::keyClicks(edit, QStringLiteral("aabbc"));
+    QCOMPARE(changed.count(), 0);
+    QTest::keyClicks(edit, QStringLiteral("c"));
+    QCOMPARE(texts(changed), QStringList{QStringLiteral("#80AABBCC")});
+    QTest::keyClick(edit, Qt::Key_Backspace);
+    QCOMPARE(m_board->currentHex(), QStringLiteral("#80AABBCC"));
+    QCOMPARE(committed.count(), 0);
+    part<ColorHueBar>()->setFocus();
+    QCOMPARE(edit->text(), QStringLiteral("AABBCC")); // what is incomplete does not stay
+    QCOMPARE(texts(committed), QStringList{QStringLiteral("#80AABBCC")});
+    edit->setFocus();
+    part<ColorHueBar>()->setFocus();
+    QCOMPARE(committed.count(), 1); // nothing typed, nothing to commit
+}
+
+void TestColorBoard::hexEditLeaves_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::addColumn<bool>("closes");
+    QTest::newRow("return") << int(Qt::Key_Return) << false;
+    QTest::newRow("enter") << int(Qt::Key_Enter) << false;
+    QTest::newRow("escape") << int(Qt::Key_Escape) << true;
+}
+
+void TestColorBoard::hexEditLeaves()
+{
+    QFETCH(int, key);
+    QFETCH(bool, closes);
+    QSignalSpy close(m_board, &ColorBoard::closeRequested);
+    part<HexEdit>()->setFocus();
+    QTest::keyClick(part<HexEdit>(), static_cast<Qt::Key>(key));
+    QCOMPARE(close.count(), closes ? 1 : 0);
+    QCOMPARE(m_board->hasFocus(), !closes);
+    QVERIFY(m_host->keys.isEmpty());
+
+    // From the board itself and from any of its controls Escape closes, too.
+    close.clear();
+    m_board->setFocus();
+    QTest::keyClick(m_board, Qt::Key_Escape);
+    QTest::keyClick(part<ColorSvArea>(), Qt::Key_Escape);
+    QTest::keyClick(chip(0), Qt::Key_Escape);
+    QCOMPARE(close.count(), 3);
+    QVERIFY(m_host->keys.isEmpty());
+}
+
+void TestColorBoard::typingSuspendsHotkeysInPairs_data()
+{
+    QTest::addColumn<int>("end");
+    QTest::newRow("focus elsewhere") << 0;
+    QTest::newRow("board deleted") << 1;
+    QTest::newRow("board hidden") << 2;
+    QTest::newRow("window deleted") << 3;
+    QTest::newRow("window hidden") << 4;
+    QTest::newRow("return") << 5;
+    QTest::newRow("a dialog over it") << 6;
+}
+
+void TestColorBoard::typingSuspendsHotkeysInPairs()
+{
+    QFETCH(int, end);
+    QList<bool> calls;
+    dialogs::setHotkeySuspender([&](bool suspended) { calls.append(suspended); });
+    auto *edit = part<HexEdit>();
+    edit->setFocus();
+    QCOMPARE(calls, QList<bool>{true});
+    std::optional<dialogs::OpenDialog> dialog;
+    switch (end) {
+    case 0:
+        chip(0)->setFocus();
+        break;
+    case 1:
+        delete m_board;
+        break;
+    case 2:
+        m_board->hide();
+        break;
+    case 3:
+        m_host.reset();
+        break;
+    case 4:
+        m_host->hide();
+        break;
+    case 5:
+        QTest::keyClick(edit, Qt::Key_Return);
+        break;
+    default:
+        dialog.emplace();
+        chip(0)->setFocus();
+        QCOMPARE(calls, QList<bool>{true}); // one end is still open
+        dialog.reset();
+    }
+    QCOMPARE(calls, (QList<bool>{true, false}));
+}
+
+void TestColorBoard::thePaletteSection()
+{
+    QSignalSpy changed(m_board, &ColorBoard::colorChanged);
+    QSignalSpy committed(m_board, &ColorBoard::colorCommitted);
+    auto *row = part<ColorChipRow>();
+    auto *hint = part<QLabel>("paletteHint");
+    QVERIFY(hint->isHidden());
+
+    m_board->setColor(QStringLiteral("#80123456"), false);
+    QTest::mouseClick(row->addChip(), Qt::LeftButton);
+    QCOMPARE(m_library->colors().last(), QStringLiteral("#123456")); // without alpha
+    QVERIFY(row->chips().last()->isSelected());
+    QTest::mouseClick(row->addChip(), Qt::LeftButton);
+    QCOMPARE(row->chips().size(), 11); // it is there
+
+    QTest::mouseClick(chip(1), Qt::LeftButton);
+    QCOMPARE(m_board->currentHex(), QStringLiteral("#80FF8C00"));
+    QCOMPARE(texts(changed), QStringList{QStringLiteral("#80FF8C00")});
+    QCOMPARE(texts(committed), QStringList{QStringLiteral("#80FF8C00")});
+    QVERIFY(chip(1)->isSelected() && !row->chips().last()->isSelected());
+
+    m_library->setColors({});
+    QVERIFY(!hint->isHidden());
+    QVERIFY(row->chips().isEmpty());
+    QVERIFY(row->addChip()->isEnabled());
+    QTest::mouseClick(part<QPushButton>("resetPalette"), Qt::LeftButton);
+    QCOMPARE(m_library->colors(), ColorLibrary::defaults());
+    QCOMPARE(row->chips().size(), 10);
+    QVERIFY(hint->isHidden());
+
+    for (int i = 0; !m_library->isFull(); ++i)
+        m_library->add(QStringLiteral("#%1").arg(i, 6, 10, QLatin1Char('0')).toUpper());
+    QVERIFY(!row->addChip()->isEnabled());
+    QTest::mouseClick(row->addChip(), Qt::LeftButton);
+    QCOMPARE(m_library->colors().size(), 30);
+}
+
+void TestColorBoard::chipsByKey()
+{
+    auto *row = part<ColorChipRow>();
+    chip(2)->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(chip(2), Qt::Key_Return);
+    QCOMPARE(m_board->currentHex(), QStringLiteral("#FFE103"));
+    chip(3)->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(chip(3), Qt::Key_Space);
+    QCOMPARE(m_board->currentHex(), QStringLiteral("#40D651"));
+
+    // Delete leaves the keyboard where it was, so that it can be pressed again.
+    QTest::keyClick(chip(3), Qt::Key_Delete);
+    QCOMPARE(row->chips().size(), 9);
+    QCOMPARE(m_library->colors().at(3), QStringLiteral("#2ECFC1"));
+    QVERIFY(chip(3)->hasFocus());
+    chip(8)->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(chip(8), Qt::Key_Delete);
+    QVERIFY(chip(7)->hasFocus());
+    while (!m_library->colors().isEmpty())
+        QTest::keyClick(row->chips().first(), Qt::Key_Delete);
+    QVERIFY(row->addChip()->hasFocus());
+    QTest::keyClick(row->addChip(), Qt::Key_Delete);
+    QTest::keyClick(row->addChip(), Qt::Key_Return);
+    QCOMPARE(m_library->colors(), QStringList{QStringLiteral("#40D651")});
+    QVERIFY(row->addChip()->hasFocus());
+}
+
+void TestColorBoard::tabGoesRoundWithinTheBoard()
+{
+    auto *other = new QPushButton(m_host.get());
+    other->show();
+    const auto walk = [this](Qt::Key key, Qt::KeyboardModifiers modifiers) {
+        QStringList names;
+        for (int i = 0; i < 18; ++i) {
+            QWidget *focus = QApplication::focusWidget();
+            names.append(focus->objectName().isEmpty() ? focus->accessibleName() : focus->objectName());
+            QTest::keyClick(focus, key, modifiers);
+        }
+        return names;
+    };
+    QVERIFY(m_board->hasFocus());
+    QStringList expected{QStringLiteral("colorBoard"),       QStringLiteral("colorSvArea"),
+                         QStringLiteral("eyedropperButton"), QStringLiteral("colorHueBar"),
+                         QStringLiteral("colorAlphaBar"),    QStringLiteral("hexEdit"),
+                         QStringLiteral("resetPalette")};
+    expected += m_library->colors();
+    expected.append(part<ColorChipRow>()->addChip()->accessibleName());
+    QCOMPARE(walk(Qt::Key_Tab, {}), expected);
+    QCOMPARE(QApplication::focusWidget()->objectName(), QStringLiteral("colorSvArea"));
+    QTest::keyClick(part<ColorSvArea>(), Qt::Key_Tab, Qt::ShiftModifier);
+    QVERIFY(part<ColorChipRow>()->addChip()->hasFocus());
+}
+
+void TestColorBoard::focusGoesBackWhenHidden()
+{
+    auto *first = new QPushButton(m_host.get());
+    auto *second = new QPushButton(m_host.get());
+    first->show();
+    second->show();
+    m_board->hide();
+    QVERIFY(!first->hasFocus() && !second->hasFocus()); // there was no focus before
+    second->setFocus();
+    m_board->popupAt(QRect(300, 20, 40, 20));
+    part<HexEdit>()->setFocus();
+    m_board->hide();
+    QVERIFY(second->hasFocus());
+
+    // The user has gone elsewhere in the meantime.
+    m_board->popupAt(QRect(300, 20, 40, 20));
+    first->setFocus();
+    m_board->hide();
+    QVERIFY(first->hasFocus());
+
+    // What had it is gone.
+    m_board->popupAt(QRect(300, 20, 40, 20));
+    delete first;
+    m_board->hide();
+    QVERIFY(!second->hasFocus());
+}
+
+void TestColorBoard::nothingReachesTheWindowBelow()
+{
+    QTest::mouseClick(m_board, Qt::LeftButton, {}, QPoint(3, 3));
+    QTest::mouseClick(part<QLabel>("alphaText"), Qt::RightButton);
+    auto *sv = part<ColorSvArea>();
+    QTest::mouseClick(sv, Qt::RightButton, {}, at(sv, 0.9, 0.1));
+    QCOMPARE(m_board->currentHex(), QStringLiteral("#40D651"));
+    QCOMPARE(m_host->presses, 0);
+}
+
+void TestColorBoard::popupPositions_data()
+{
+    QTest::addColumn<QRect>("anchor");
+    QTest::addColumn<QSize>("window");
+    QTest::addColumn<QPoint>("expected"); // of a board of 268 x 300
+    const QSize large(1000, 800);
+    QTest::newRow("below") << QRect(480, 100, 40, 20) << large << QPoint(366, 128);
+    QTest::newRow("just fits below") << QRect(480, 464, 40, 20) << large << QPoint(366, 492);
+    QTest::newRow("above") << QRect(480, 465, 40, 20) << large << QPoint(366, 157);
+    QTest::newRow("at the left") << QRect(0, 100, 40, 20) << large << QPoint(8, 128);
+    QTest::newRow("at the right") << QRect(980, 100, 20, 20) << large << QPoint(724, 128);
+    QTest::newRow("neither below nor above") << QRect(480, 200, 40, 20) << QSize(1000, 420) << QPoint(366, 112);
+    QTest::newRow("window too low") << QRect(480, 100, 40, 20) << QSize(1000, 200) << QPoint(366, 8);
+    QTest::newRow("window too narrow") << QRect(80, 100, 40, 20) << QSize(200, 800) << QPoint(8, 128);
+}
+
+void TestColorBoard::popupPositions()
+{
+    QFETCH(QRect, anchor);
+    QFETCH(QSize, window);
+    QTEST(ColorBoard::popupPosition(anchor, QSize(268, 300), window), "expected");
+}
+
+void TestColorBoard::thePopupStaysInTheWindowWhenItGrows()
+{
+    QCOMPARE(m_board->width(), 268);
+    m_host->resize(700, 900);
+    const QRect anchor(300, m_host->height() - 40 - m_board->height(), 40, 20);
+    m_board->popupAt(anchor);
+    QCOMPARE(m_board->y(), anchor.y() + 28);
+    for (int i = 0; i < 15; ++i)
+        m_library->add(QStringLiteral("#00%1").arg(1000 + i));
+    QTRY_COMPARE(m_board->geometry().bottom(), anchor.top() - 9); // there is no more room below
+    QCOMPARE(m_board->width(), 268);
+}
+
+void TestColorBoard::readableByAssistiveTools()
+{
+    const auto at = [](QWidget *widget) { return QAccessible::queryAccessibleInterface(widget); };
+    for (QWidget *slider : std::initializer_list<QWidget *>{part<ColorSvArea>(), part<ColorHueBar>()}) {
+        QCOMPARE(at(slider)->role(), QAccessible::Slider);
+        QVERIFY(!at(slider)->text(QAccessible::Name).isEmpty());
+        QVERIFY(!at(slider)->text(QAccessible::Value).isEmpty());
+    }
+    QSignalSpy committed(m_board, &ColorBoard::colorCommitted);
+    QAccessibleValueInterface *alpha = at(part<ColorAlphaBar>())->valueInterface();
+    QVERIFY(alpha);
+    QCOMPARE(alpha->currentValue().toDouble(), 100.0);
+    alpha->setCurrentValue(40);
+    QCOMPARE(qRound(m_board->alpha() * 100), 40);
+    QCOMPARE(committed.count(), 1);
+    QCOMPARE(at(part<ColorAlphaBar>())->text(QAccessible::Value), QStringLiteral("40%"));
+
+    QAccessibleInterface *orange = at(chip(1));
+    QCOMPARE(orange->role(), QAccessible::RadioButton);
+    QCOMPARE(orange->text(QAccessible::Name), QStringLiteral("#FF8C00"));
+    QVERIFY(!orange->state().checked);
+    orange->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    QVERIFY(orange->state().checked);
+    QCOMPARE(m_board->baseColor(), QColor(0xFF, 0x8C, 0x00));
+    QCOMPARE(at(part<ColorChipRow>()->addChip())->role(), QAccessible::Button);
+    for (QWidget *widget : m_board->findChildren<QWidget *>()) {
+        if (widget->focusPolicy() & Qt::TabFocus)
+            QVERIFY2(!at(widget)->text(QAccessible::Name).isEmpty(), qPrintable(widget->objectName()));
+    }
+}
+
+void TestColorBoard::deletedByWhoeverListens_data()
+{
+    QTest::addColumn<int>("how");
+    QTest::newRow("drag") << 0;
+    QTest::newRow("key") << 1;
+    QTest::newRow("digits") << 2;
+    QTest::newRow("chip") << 3;
+    QTest::newRow("escape") << 4;
+    QTest::newRow("assistive tool") << 5;
+}
+
+void TestColorBoard::deletedByWhoeverListens()
+{
+    QFETCH(int, how);
+    const auto drop = [this] { m_board->deleteLater(), m_board->hide(); };
+    connect(m_board, &ColorBoard::colorChanged, m_host.get(), drop);
+    connect(m_board, &ColorBoard::closeRequested, m_host.get(), drop);
+    switch (how) {
+    case 0:
+        QTest::mousePress(part<ColorSvArea>(), Qt::LeftButton);
+        break;
+    case 1:
+        QTest::keyPress(part<ColorHueBar>(), Qt::Key_Right);
+        break;
+    case 2:
+        part<HexEdit>()->setFocus();
+        part<HexEdit>()->clear();
+        QTest::keyClicks(part<HexEdit>(), QStringLiteral("123456"));
+        break;
+    case 3:
+        QTest::mouseClick(chip(1), Qt::LeftButton);
+        break;
+    case 4:
+        QTest::keyClick(part<HexEdit>(), Qt::Key_Escape);
+        break;
+    default:
+        part<ColorAlphaBar>()->setFraction(0.5);
+    }
+    QTRY_VERIFY(!m_board);
+}
+
+void TestColorBoard::aLibraryThatGoesLeavesAnEmptyPalette()
+{
+    m_library.reset();
+    QVERIFY(part<ColorChipRow>()->chips().isEmpty());
+    QVERIFY(!part<QLabel>("paletteHint")->isHidden());
+    QTest::mouseClick(part<ColorChipRow>()->addChip(), Qt::LeftButton);
+    QTest::mouseClick(part<QPushButton>("resetPalette"), Qt::LeftButton);
+    m_board->setColor(QStringLiteral("#123456"), false);
+    QCOMPARE(m_board->currentHex(), QStringLiteral("#123456"));
+}
+
+void TestColorBoard::fixedSwatches()
+{
+    QStringList chosen;
+    QWidget *row = makeColorSwatches(
+        {QStringLiteral("#ff0000"), QStringLiteral("none"), QStringLiteral("00FF00")}, QStringLiteral("FF0000"), 20,
+        [&](const QString &hex) {
+            chosen.append(hex);
+            if (chosen.size() == 2)
+                delete std::exchange(row, nullptr);
+        },
+        m_host.get());
+    row->show();
+    const QList<ColorChip *> chips = row->findChildren<ColorChip *>();
+    QCOMPARE(chips.size(), 2);
+    QVERIFY(chips[0]->isSelected() && !chips[1]->isSelected());
+    QTest::mouseClick(chips[1], Qt::LeftButton);
+    QVERIFY(!chips[0]->isSelected() && chips[1]->isSelected());
+    QTest::keyClick(chips[0], Qt::Key_Enter);
+    QCOMPARE(chosen, QStringList({QStringLiteral("#00FF00"), QStringLiteral("#FF0000")}));
+    QVERIFY(!row);
+}
+
+TAVREL_TEST_MAIN(QApplication, TestColorBoard)
+#include "test_color_board.moc"

@@ -1,0 +1,331 @@
+#include "support/test_main.h"
+
+#include "ui/color_chip.h"
+#include "ui/color_chip_row.h"
+#include "ui/color_library.h"
+
+#include <QApplication>
+#include <QSignalSpy>
+
+using namespace tavrel::ui;
+
+namespace {
+
+constexpr int kPitch = 24; // of chips of 22
+
+QStringList palette(int count)
+{
+    QStringList colors;
+    for (int i = 0; i < count; ++i)
+        colors.append(QStringLiteral("#0000%1").arg(i, 2, 16, QLatin1Char('0')).toUpper());
+    return colors;
+}
+
+} // namespace
+
+/// Drags go the way of a real pointer: to the window, which finds the widget below it.
+class TestColorChipRow : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void chipsStandInCells_data();
+    void chipsStandInCells();
+    void drops_data();
+    void drops();
+    void theGapFollowsThePointer();
+    void aSmallMoveIsAClick();
+    void theGhostFollowsAndGoes();
+    void escapeAndHidingCancel_data();
+    void escapeAndHidingCancel();
+    void changesInTheMiddleOfADrag_data();
+    void changesInTheMiddleOfADrag();
+    void anotherButtonDoesNotDisturb();
+    void theRowMayGoInTheMiddleOfADrag();
+
+private:
+    void makeRow(int columns, int colors, ColorChipRow::AddChip addChip = ColorChipRow::AddChip::With)
+    {
+        m_library->setColors(palette(colors));
+        m_row = new ColorChipRow(m_library.get(), 22, columns, addChip, m_window.get());
+        m_row->move(40, 50);
+        m_row->show();
+    }
+    /// The middle of a cell, in the window.
+    [[nodiscard]] QPoint cell(int column, int row = 0) const
+    {
+        return m_row->pos() + QPoint(column * kPitch + 11, row * kPitch + 11);
+    }
+    void press(const QPoint &point) { QTest::mousePress(m_window->windowHandle(), Qt::LeftButton, {}, point); }
+    void moveTo(const QPoint &point) { QTest::mouseMove(m_window->windowHandle(), point); }
+    void release(const QPoint &point) { QTest::mouseRelease(m_window->windowHandle(), Qt::LeftButton, {}, point); }
+    /// What the window shows beside the row.
+    [[nodiscard]] QList<QWidget *> ghosts() const
+    {
+        QList<QWidget *> all = m_window->findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly);
+        all.removeOne(m_row);
+        all.removeIf([](const QWidget *widget) { return widget->isHidden(); });
+        return all;
+    }
+    [[nodiscard]] QList<int> order() const
+    {
+        QList<int> result;
+        for (const QString &color : m_library->colors())
+            result.append(color.right(2).toInt(nullptr, 16));
+        return result;
+    }
+
+    std::unique_ptr<QWidget> m_window;
+    std::unique_ptr<ColorLibrary> m_library;
+    QPointer<ColorChipRow> m_row;
+};
+
+void TestColorChipRow::init()
+{
+    QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
+    m_window = std::make_unique<QWidget>();
+    m_window->resize(600, 300);
+    m_window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+    m_library = std::make_unique<ColorLibrary>();
+}
+
+void TestColorChipRow::cleanup()
+{
+    m_window.reset();
+    m_library.reset();
+}
+
+void TestColorChipRow::chipsStandInCells_data()
+{
+    QTest::addColumn<int>("columns");
+    QTest::addColumn<int>("colors");
+    QTest::addColumn<bool>("withAdd");
+    QTest::addColumn<QSize>("cells");
+    QTest::addColumn<QPoint>("last"); // cell of the last colour
+    QTest::newRow("one row") << 0 << 4 << true << QSize(5, 1) << QPoint(3, 0);
+    QTest::newRow("one row without add") << 0 << 4 << false << QSize(4, 1) << QPoint(3, 0);
+    QTest::newRow("nothing at all") << 0 << 0 << false << QSize(1, 1) << QPoint(-1, -1);
+    QTest::newRow("full row, add in the next") << 10 << 10 << true << QSize(10, 2) << QPoint(9, 0);
+    QTest::newRow("full palette") << 10 << 30 << true << QSize(10, 4) << QPoint(9, 2);
+    QTest::newRow("empty palette") << 10 << 0 << true << QSize(10, 1) << QPoint(-1, -1);
+}
+
+void TestColorChipRow::chipsStandInCells()
+{
+    QFETCH(int, columns);
+    QFETCH(int, colors);
+    QFETCH(bool, withAdd);
+    QFETCH(QSize, cells);
+    QFETCH(QPoint, last);
+    makeRow(columns, colors, withAdd ? ColorChipRow::AddChip::With : ColorChipRow::AddChip::Without);
+    QCOMPARE(m_row->size(), cells * kPitch);
+    QCOMPARE(m_row->chips().size(), colors);
+    if (last.x() >= 0)
+        QCOMPARE(m_row->chips().last()->geometry(), QRect(last * kPitch, QSize(22, 22)));
+    QCOMPARE(m_row->addChip() != nullptr, withAdd);
+    if (withAdd)
+        QVERIFY(m_row->rect().contains(m_row->addChip()->geometry()));
+}
+
+void TestColorChipRow::drops_data()
+{
+    QTest::addColumn<QPoint>("from");
+    QTest::addColumn<QPoint>("to"); // cells of a row of 5 columns with 8 colours
+    QTest::addColumn<QList<int>>("expected");
+    const QList<int> same{0, 1, 2, 3, 4, 5, 6, 7};
+    QTest::newRow("to the right") << QPoint(1, 0) << QPoint(3, 0) << QList<int>{0, 2, 3, 1, 4, 5, 6, 7};
+    QTest::newRow("to the left") << QPoint(3, 0) << QPoint(0, 0) << QList<int>{3, 0, 1, 2, 4, 5, 6, 7};
+    QTest::newRow("to the next row") << QPoint(0, 0) << QPoint(1, 1) << QList<int>{1, 2, 3, 4, 5, 6, 0, 7};
+    QTest::newRow("onto the add chip") << QPoint(0, 0) << QPoint(3, 1) << QList<int>{1, 2, 3, 4, 5, 6, 7, 0};
+    QTest::newRow("behind everything") << QPoint(0, 0) << QPoint(4, 1) << QList<int>{1, 2, 3, 4, 5, 6, 7, 0};
+    QTest::newRow("back to its place") << QPoint(2, 0) << QPoint(2, 0) << same;
+    QTest::newRow("beside the row") << QPoint(1, 0) << QPoint(7, 0) << same;
+    QTest::newRow("above the row") << QPoint(1, 0) << QPoint(3, -1) << same;
+    QTest::newRow("below the row") << QPoint(1, 0) << QPoint(3, 3) << same;
+}
+
+void TestColorChipRow::drops()
+{
+    QFETCH(QPoint, from);
+    QFETCH(QPoint, to);
+    makeRow(5, 8);
+    QSignalSpy chosen(m_row, &ColorChipRow::colorChosen);
+    press(cell(from.x(), from.y()));
+    moveTo(cell(from.x(), from.y()) + QPoint(14, 6));
+    QVERIFY(m_row->isDragging());
+    moveTo(cell(to.x(), to.y()));
+    release(cell(to.x(), to.y()));
+    QVERIFY(!m_row->isDragging());
+    QTEST(order(), "expected");
+    QCOMPARE(chosen.count(), 0); // a drag is no click
+    QVERIFY(ghosts().isEmpty());
+    for (int i = 0; i < m_row->chips().size(); ++i) {
+        QCOMPARE(m_row->chips()[i]->hex(), m_library->colors()[i]);
+        QCOMPARE(m_row->chips()[i]->pos(), m_row->cellPosition(i));
+    }
+    // And the next click is one.
+    press(cell(0));
+    release(cell(0));
+    QCOMPARE(chosen.count(), 1);
+}
+
+void TestColorChipRow::theGapFollowsThePointer()
+{
+    makeRow(5, 8);
+    const QList<ColorChip *> chips = m_row->chips();
+    press(cell(1));
+    moveTo(cell(3));
+    QCOMPARE(m_row->insertionIndex(), 4);
+    QCOMPARE(chips[2]->pos(), m_row->cellPosition(1)); // they make room
+    QCOMPARE(chips[3]->pos(), m_row->cellPosition(2));
+    QCOMPARE(chips[1]->pos(), m_row->cellPosition(3));
+    QCOMPARE(chips[4]->pos(), m_row->cellPosition(4));
+    moveTo(cell(0));
+    QCOMPARE(m_row->insertionIndex(), 0);
+    QCOMPARE(chips[0]->pos(), m_row->cellPosition(1));
+    moveTo(cell(8));
+    QCOMPARE(m_row->insertionIndex(), -1);
+    for (int i = 0; i < chips.size(); ++i)
+        QCOMPARE(chips[i]->pos(), m_row->cellPosition(i));
+    release(cell(8));
+}
+
+void TestColorChipRow::aSmallMoveIsAClick()
+{
+    makeRow(0, 4);
+    QSignalSpy chosen(m_row, &ColorChipRow::colorChosen);
+    press(cell(2));
+    moveTo(cell(2) + QPoint(QApplication::startDragDistance() - 1, 0));
+    QVERIFY(!m_row->isDragging());
+    release(cell(2) + QPoint(QApplication::startDragDistance() - 1, 0));
+    QCOMPARE(chosen.count(), 1);
+    QCOMPARE(chosen.first().value(0).toString(), QStringLiteral("#000002"));
+}
+
+void TestColorChipRow::theGhostFollowsAndGoes()
+{
+    makeRow(0, 4);
+    press(cell(0));
+    for (const QPoint &point : {cell(1), cell(2), QPoint(300, 200), QPoint(1, 1)}) {
+        moveTo(point);
+        QCOMPARE(ghosts().size(), 1);
+        const QWidget *ghost = ghosts().first();
+        QVERIFY(ghost->isVisible());
+        QCOMPARE(ghost->size(), QSize(28, 28));
+        QCOMPARE(ghost->geometry().center().x(), point.x() - 1);
+        QVERIFY(ghost->testAttribute(Qt::WA_TransparentForMouseEvents));
+    }
+    release(QPoint(1, 1));
+    QVERIFY(ghosts().isEmpty());
+}
+
+void TestColorChipRow::escapeAndHidingCancel_data()
+{
+    QTest::addColumn<bool>("byKey");
+    QTest::newRow("escape") << true;
+    QTest::newRow("hidden") << false;
+}
+
+void TestColorChipRow::escapeAndHidingCancel()
+{
+    QFETCH(bool, byKey);
+    makeRow(5, 8);
+    QSignalSpy chosen(m_row, &ColorChipRow::colorChosen);
+    press(cell(1));
+    moveTo(cell(3));
+    QVERIFY(m_row->isDragging());
+    if (byKey)
+        QTest::keyClick(m_row->chips()[1], Qt::Key_Escape);
+    else
+        m_row->hide();
+    QVERIFY(!m_row->isDragging());
+    QVERIFY(ghosts().isEmpty());
+    moveTo(cell(2));
+    QVERIFY(!m_row->isDragging());
+    release(cell(2));
+    QCOMPARE(order(), (QList<int>{0, 1, 2, 3, 4, 5, 6, 7}));
+    QCOMPARE(chosen.count(), 0);
+}
+
+void TestColorChipRow::changesInTheMiddleOfADrag_data()
+{
+    QTest::addColumn<int>("change");
+    QTest::addColumn<QList<int>>("expected");
+    QTest::newRow("another palette") << 0 << QList<int>{0, 1, 2};
+    QTest::newRow("the dragged colour removed") << 1 << QList<int>{0, 2, 3, 4, 5, 6, 7};
+    QTest::newRow("emptied") << 2 << QList<int>{};
+    QTest::newRow("library gone") << 3 << QList<int>{};
+}
+
+void TestColorChipRow::changesInTheMiddleOfADrag()
+{
+    QFETCH(int, change);
+    makeRow(5, 8);
+    press(cell(1));
+    moveTo(cell(3));
+    switch (change) {
+    case 0:
+        m_library->setColors(palette(3));
+        break;
+    case 1:
+        m_library->remove(QStringLiteral("#000001"));
+        break;
+    case 2:
+        m_library->setColors({});
+        break;
+    default:
+        m_library.reset();
+    }
+    QVERIFY(!m_row->isDragging());
+    QVERIFY(ghosts().isEmpty());
+    moveTo(cell(0));
+    QVERIFY(!m_row->isDragging());
+    release(cell(0));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QCOMPARE(m_row->findChildren<ColorChip *>().size(), m_row->chips().size() + 1);
+    if (m_library)
+        QTEST(order(), "expected");
+    else
+        QVERIFY(m_row->chips().isEmpty());
+}
+
+void TestColorChipRow::anotherButtonDoesNotDisturb()
+{
+    makeRow(5, 8);
+    QWindow *window = m_window->windowHandle();
+    press(cell(1));
+    moveTo(cell(3));
+    QTest::mousePress(window, Qt::RightButton, {}, cell(3));
+    QTest::mouseRelease(window, Qt::RightButton, {}, cell(3));
+    QVERIFY(m_row->isDragging());
+    release(cell(3));
+    QCOMPARE(order(), (QList<int>{0, 2, 3, 1, 4, 5, 6, 7}));
+    QTest::mousePress(window, Qt::RightButton, {}, cell(1));
+    moveTo(cell(3));
+    QVERIFY(!m_row->isDragging());
+    QTest::mouseRelease(window, Qt::RightButton, {}, cell(3));
+}
+
+void TestColorChipRow::theRowMayGoInTheMiddleOfADrag()
+{
+    makeRow(5, 8);
+    press(cell(1));
+    moveTo(cell(3));
+    delete m_row;
+    QVERIFY(ghosts().isEmpty());
+    moveTo(QPoint(100, 60));
+    release(QPoint(100, 60));
+
+    makeRow(5, 8);
+    press(cell(1));
+    moveTo(cell(3));
+    QVERIFY(m_row->isDragging());
+    m_window.reset(); // ghost and row go in whatever order
+    QVERIFY(!m_row);
+    QCOMPARE(order(), (QList<int>{0, 1, 2, 3, 4, 5, 6, 7}));
+}
+
+TAVREL_TEST_MAIN(QApplication, TestColorChipRow)
+#include "test_color_chip_row.moc"

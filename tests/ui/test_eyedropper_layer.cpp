@@ -1,0 +1,288 @@
+#include "support/test_main.h"
+
+#include "ui/eyedropper_layer.h"
+#include "ui/eyedropper_sample.h"
+
+#include <QApplication>
+#include <QPushButton>
+#include <QShortcut>
+#include <QSignalSpy>
+#include <QWheelEvent>
+
+using namespace tavrel::ui;
+
+namespace {
+
+/// A window with a picture, that counts what comes through to it.
+class Host final : public QWidget
+{
+public:
+    explicit Host(double ratio) : picture(QSize(400, 300) * ratio, QImage::Format_RGB32)
+    {
+        resize(400, 300);
+        picture.setDevicePixelRatio(ratio);
+        for (int y = 0; y < picture.height(); ++y) {
+            for (int x = 0; x < picture.width(); ++x)
+                picture.setPixel(x, y, qRgb(x & 0xff, y & 0xff, x >> 8 | (y >> 8) << 4));
+        }
+    }
+
+    [[nodiscard]] EyedropperLayer *pick()
+    {
+        return new EyedropperLayer(this, [this](const QPointF &point) {
+            ++samples;
+            return eyedropperSample(picture, point);
+        });
+    }
+
+    QImage picture;
+    int samples = 0;
+    int events = 0;
+
+protected:
+    bool event(QEvent *event) override
+    {
+        switch (event->type()) {
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonDblClick:
+        case QEvent::MouseMove:
+        case QEvent::Wheel:
+        case QEvent::KeyPress:
+        case QEvent::KeyRelease:
+            ++events;
+            break;
+        default:
+            break;
+        }
+        return QWidget::event(event);
+    }
+};
+
+/// The way of a real pointer, once the window is there.
+void moveTo(const QWidget &layer, const QPoint &point)
+{
+    QVERIFY(QTest::qWaitForWindowExposed(layer.window()));
+    QTest::mouseMove(layer.window()->windowHandle(), point);
+}
+
+} // namespace
+
+class TestEyedropperLayer : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
+    void picksThePixelUnderThePointer_data();
+    void picksThePixelUnderThePointer();
+    void cancels_data();
+    void cancels();
+    void nothingComesThrough();
+    void onlyElevenByElevenCounts_data();
+    void onlyElevenByElevenCounts();
+    void places_data();
+    void places();
+    void theLoupeShowsThePixels();
+    void coversTheHostAndGivesTheKeyboardBack();
+    void mayBeDeletedByWhoeverListens();
+};
+
+void TestEyedropperLayer::picksThePixelUnderThePointer_data()
+{
+    QTest::addColumn<double>("ratio");
+    QTest::addColumn<QPoint>("point");
+    QTest::newRow("1") << 1.0 << QPoint(120, 80);
+    QTest::newRow("1.5") << 1.5 << QPoint(121, 81);
+    QTest::newRow("2") << 2.0 << QPoint(399, 299);
+    QTest::newRow("near the corner") << 2.0 << QPoint(1, 1);
+}
+
+void TestEyedropperLayer::picksThePixelUnderThePointer()
+{
+    QFETCH(double, ratio);
+    QFETCH(QPoint, point);
+    Host host(ratio);
+    host.show();
+    QPointer<EyedropperLayer> layer = host.pick();
+    QSignalSpy picked(layer, &EyedropperLayer::picked);
+    QSignalSpy cancelled(layer, &EyedropperLayer::cancelled);
+    moveTo(*layer, QPoint(50, 50));
+    moveTo(*layer, point);
+    const QPoint pixel(static_cast<int>(point.x() * ratio), static_cast<int>(point.y() * ratio));
+    const QColor expected = host.picture.pixelColor(pixel);
+    QCOMPARE(layer->currentColor(), expected);
+    QTest::mousePress(layer, Qt::LeftButton, {}, point);
+    QCOMPARE(picked.count(), 1);
+    QCOMPARE(picked.first().value(0).value<QColor>(), expected);
+    QVERIFY(layer->isHidden());
+    QTest::mousePress(layer, Qt::LeftButton, {}, point); // once
+    QTest::keyClick(layer, Qt::Key_Escape);
+    QCOMPARE(picked.count() + cancelled.count(), 1);
+    QTRY_VERIFY(!layer);
+}
+
+void TestEyedropperLayer::cancels_data()
+{
+    QTest::addColumn<int>("button"); // 0 for Escape
+    QTest::newRow("escape") << 0;
+    QTest::newRow("right button") << int(Qt::RightButton);
+    QTest::newRow("middle button") << int(Qt::MiddleButton);
+    QTest::newRow("back button") << int(Qt::BackButton);
+}
+
+void TestEyedropperLayer::cancels()
+{
+    QFETCH(int, button);
+    Host host(1);
+    host.show();
+    QPointer<EyedropperLayer> layer = host.pick();
+    QSignalSpy picked(layer, &EyedropperLayer::picked);
+    QSignalSpy cancelled(layer, &EyedropperLayer::cancelled);
+    if (button == 0)
+        QTest::keyClick(layer, Qt::Key_Escape);
+    else
+        QTest::mousePress(layer, static_cast<Qt::MouseButton>(button), {}, QPoint(20, 20));
+    QCOMPARE(cancelled.count(), 1);
+    QCOMPARE(picked.count(), 0);
+    QTRY_VERIFY(!layer);
+}
+
+void TestEyedropperLayer::nothingComesThrough()
+{
+    Host host(1);
+    host.show();
+    host.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&host));
+    auto *button = new QPushButton(&host);
+    button->show();
+    int shortcuts = 0;
+    auto *shortcut = new QShortcut(Qt::Key_A, &host);
+    connect(shortcut, &QShortcut::activated, &host, [&] { ++shortcuts; });
+    EyedropperLayer *layer = host.pick();
+    QVERIFY(layer->hasFocus());
+    for (const Qt::Key key : {Qt::Key_A, Qt::Key_Return, Qt::Key_Space, Qt::Key_Tab, Qt::Key_Delete})
+        QTest::keyClick(layer, key);
+    QVERIFY(layer->hasFocus()); // Tab leads nowhere
+    QCOMPARE(shortcuts, 0);
+    moveTo(*layer, QPoint(30, 30));
+    QWheelEvent wheel(QPointF(30, 30), QPointF(30, 30), {}, QPoint(0, 120), Qt::NoButton, {}, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(layer, &wheel);
+    QCOMPARE(host.events, 0);
+}
+
+void TestEyedropperLayer::onlyElevenByElevenCounts_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<bool>("valid");
+    QTest::newRow("right") << QSize(11, 11) << true;
+    QTest::newRow("too wide") << QSize(12, 11) << false;
+    QTest::newRow("too low") << QSize(11, 10) << false;
+    QTest::newRow("none") << QSize() << false;
+}
+
+void TestEyedropperLayer::onlyElevenByElevenCounts()
+{
+    QFETCH(QSize, size);
+    QFETCH(bool, valid);
+    QWidget host;
+    host.resize(300, 300);
+    host.show();
+    auto *layer = new EyedropperLayer(&host, [&](const QPointF &) {
+        QImage image(size, QImage::Format_ARGB32_Premultiplied);
+        image.fill(QColor(10, 20, 30));
+        return image;
+    });
+    QSignalSpy picked(layer, &EyedropperLayer::picked);
+    moveTo(*layer, QPoint(40, 40));
+    QCOMPARE(layer->isValid(), valid);
+    layer->grab();
+    QTest::mousePress(layer, Qt::LeftButton, {}, QPoint(40, 40));
+    QCOMPARE(picked.count(), valid ? 1 : 0);
+    QCOMPARE(layer->isHidden(), valid); // else it waits for a better place
+    QEvent leave(QEvent::Leave);
+    QApplication::sendEvent(layer, &leave);
+    QVERIFY(!layer->isValid()); // no loupe where the pointer is not
+}
+
+void TestEyedropperLayer::places_data()
+{
+    QTest::addColumn<QPointF>("point");
+    QTest::addColumn<QPointF>("loupe"); // in a layer of 400 x 300
+    QTest::newRow("right and below") << QPointF(100, 80) << QPointF(124, 104);
+    QTest::newRow("just fits") << QPointF(277, 137) << QPointF(301, 161);
+    QTest::newRow("left") << QPointF(278, 80) << QPointF(278 - 24 - 99, 104);
+    QTest::newRow("above") << QPointF(100, 138 + 30) << QPointF(124, 138 + 30 - 24 - 139);
+    QTest::newRow("left and above") << QPointF(399, 299) << QPointF(276, 136);
+    QTest::newRow("room on neither side") << QPointF(100, 140) << QPointF(124, 0);
+}
+
+void TestEyedropperLayer::places()
+{
+    QFETCH(QPointF, point);
+    const QSizeF layer(400, 300);
+    const auto [loupe, label] = EyedropperLayer::placesFor(point, layer);
+    QTEST(loupe.topLeft(), "loupe");
+    QCOMPARE(loupe.size(), QSizeF(99, 99));
+    QCOMPARE(label.height(), 28.0);
+    QCOMPARE(label.center().x(), loupe.center().x());
+    QCOMPARE(label.top(), loupe.bottom() + 12);
+    QVERIFY(QRectF(QPointF(0, 0), layer).contains(loupe.united(label)));
+    QVERIFY(!loupe.contains(point) && !label.contains(point));
+}
+
+void TestEyedropperLayer::theLoupeShowsThePixels()
+{
+    Host host(2);
+    host.show();
+    auto *layer = host.pick();
+    moveTo(*layer, QPoint(10, 10));
+    host.samples = 0;
+    moveTo(*layer, QPoint(100, 80));
+    QCOMPARE(host.samples, 1); // one look a move
+    const QImage shown = layer->grab().toImage();
+    const QRectF loupe = EyedropperLayer::placesFor(QPointF(100, 80), QSizeF(400, 300)).loupe;
+    const auto cell = [&](int x, int y) {
+        return shown.pixelColor((loupe.topLeft() + QPointF(x * 9 + 4, y * 9 + 4)).toPoint());
+    };
+    for (const QPoint &place : {QPoint(5, 5), QPoint(2, 5), QPoint(5, 2), QPoint(8, 7)})
+        QCOMPARE(cell(place.x(), place.y()), host.picture.pixelColor(QPoint(195, 155) + place));
+    QVERIFY(shown.pixelColor((loupe.topLeft() + QPointF(3, 3)).toPoint()) !=
+            host.picture.pixelColor(195, 155)); // outside of the circle
+    QCOMPARE(host.samples, 1);
+}
+
+void TestEyedropperLayer::coversTheHostAndGivesTheKeyboardBack()
+{
+    Host host(1);
+    auto *button = new QPushButton(&host);
+    host.show();
+    host.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&host));
+    button->setFocus();
+    auto *layer = host.pick();
+    QCOMPARE(layer->geometry(), host.rect());
+    QCOMPARE(layer->cursor().shape(), Qt::CrossCursor);
+    QVERIFY(layer->hasFocus());
+    host.resize(500, 350);
+    QTRY_COMPARE(layer->geometry(), host.rect());
+    QTest::keyClick(layer, Qt::Key_Escape);
+    QVERIFY(button->hasFocus());
+
+    QPointer<EyedropperLayer> second = host.pick();
+    delete button;
+    QTest::keyClick(second, Qt::Key_Escape);
+    QTRY_VERIFY(!second);
+}
+
+void TestEyedropperLayer::mayBeDeletedByWhoeverListens()
+{
+    auto host = std::make_unique<Host>(1);
+    host->show();
+    QPointer<EyedropperLayer> layer = host->pick();
+    connect(layer, &EyedropperLayer::picked, this, [&] { host.release()->deleteLater(); });
+    QTest::mousePress(layer, Qt::LeftButton, {}, QPoint(20, 20));
+    QTRY_VERIFY(!layer);
+    QVERIFY(!host);
+}
+
+TAVREL_TEST_MAIN(QApplication, TestEyedropperLayer)
+#include "test_eyedropper_layer.moc"
