@@ -34,6 +34,7 @@ void ColorAlphaBar::setAlpha(double alpha)
     if (limited == m_alpha)
         return;
     m_alpha = limited;
+    update();
     announce();
 }
 

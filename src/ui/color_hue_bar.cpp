@@ -18,6 +18,7 @@ void ColorHueBar::setHue(double hue)
     if (hue == m_hue)
         return;
     m_hue = hue;
+    update();
     announce();
 }
 

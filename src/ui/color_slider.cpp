@@ -109,7 +109,6 @@ void ColorSlider::setFraction(double fraction)
 
 void ColorSlider::announce()
 {
-    update();
     if (!QAccessible::isActive())
         return;
     QAccessibleValueChangeEvent event(this, fraction() * 100);

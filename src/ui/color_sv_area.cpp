@@ -86,16 +86,19 @@ void ColorSvArea::makeGradient()
     const int right = std::max(1, pixels.width() - 1);
     const int bottom = std::max(1, pixels.height() - 1);
     // The top row goes from white to the pure hue; every other one is that row, darker.
-    std::vector<std::array<int, 3>> top(static_cast<size_t>(pixels.width()));
+    constexpr int kBits = 16;
+    constexpr int kWhole = 1 << kBits;
+    std::vector<std::array<uint, 3>> top(static_cast<size_t>(pixels.width()));
     for (int x = 0; x < pixels.width(); ++x) {
-        const auto mixed = [&](int channel) { return 255 + (channel - 255) * x / right; };
+        const auto mixed = [&](int channel) { return static_cast<uint>(255 + (channel - 255) * x / right); };
         top[static_cast<size_t>(x)] = {mixed(pure.red()), mixed(pure.green()), mixed(pure.blue())};
     }
     for (int y = 0; y < pixels.height(); ++y) {
         auto *line = reinterpret_cast<QRgb *>(square.scanLine(y));
-        const int light = bottom - std::min(y, bottom);
+        const auto light = static_cast<uint>((bottom - std::min(y, bottom)) * kWhole / bottom);
         for (const auto &[red, green, blue] : top)
-            *line++ = qRgb(red * light / bottom, green * light / bottom, blue * light / bottom);
+            *line++ =
+                0xff000000U | (red * light >> kBits) << 16 | (green * light >> kBits) << 8 | blue * light >> kBits;
     }
     m_gradient = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
     m_gradient.fill(Qt::transparent);

@@ -1,0 +1,1 @@
+tavrel_bench(ui color_board USES ui_widgets QT Widgets)
