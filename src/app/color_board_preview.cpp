@@ -2,6 +2,8 @@
 
 #include "app/languages.h"
 #include "ui/color_board.h"
+#include "ui/color_chip.h"
+#include "ui/color_chip_row.h"
 #include "ui/color_library.h"
 #include "ui/color_swatches.h"
 #include "ui/eyedropper_layer.h"
@@ -87,6 +89,26 @@ QImage boards(const ui::Theme &theme)
     return pictureOf(ground);
 }
 
+/// A chip on its way to another place.
+QImage dragged(const ui::Theme &theme)
+{
+    Ground ground({ui::ColorBoard::kWidth + 2 * kMargin, 470});
+    ui::ColorLibrary library;
+    library.setColors(fullPalette().mid(0, 14));
+    auto *board = new ui::ColorBoard(&ground, &library);
+    board->applyTheme(theme);
+    board->popupAt(QRect(kMargin, 8, ui::ColorBoard::kWidth, 8));
+    pictureOf(ground);
+    QWidget *chip = board->findChild<ui::ColorChipRow *>()->chips().at(1);
+    const auto send = [chip](QEvent::Type type, const QPointF &point) {
+        QMouseEvent event(type, point, chip->mapToGlobal(point), Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(chip, &event);
+    };
+    send(QEvent::MouseButtonPress, QPointF(11, 11));
+    send(QEvent::MouseMove, QPointF(11, 11) + QPointF(5 * 24 - 2, 3));
+    return pictureOf(ground);
+}
+
 /// Every control with the keyboard's ring, and swatches of fixed colours.
 QImage focused(const ui::Theme &theme)
 {
@@ -161,6 +183,7 @@ int renderColorBoardPreview(const QStringList &values)
         const QString suffix = theme.dark ? QStringLiteral("-dark") : QStringLiteral("-light");
         write(QStringLiteral("boards") + suffix, boards(theme));
         write(QStringLiteral("focus") + suffix, focused(theme));
+        write(QStringLiteral("drag") + suffix, dragged(theme));
     }
     write(QStringLiteral("loupes"), loupes());
     return written ? 0 : 1;

@@ -153,12 +153,6 @@ void ColorBoard::build()
     all->addWidget(m_row);
     all->addWidget(m_hint);
     all->setSizeConstraint(QLayout::SetFixedSize);
-
-    QWidget *before = m_sv;
-    for (QWidget *next : std::initializer_list<QWidget *>{m_dropper, m_hueBar, m_alphaBar, m_hexEdit, m_reset}) {
-        setTabOrder(before, next);
-        before = next;
-    }
 }
 
 void ColorBoard::connectControls()
@@ -230,7 +224,10 @@ void ColorBoard::describe()
 void ColorBoard::setColor(const QString &text, bool keepAlpha)
 {
     const ColorText read = readColorText(text).value_or(ColorText{fallbackColor, {}});
-    m_alpha = std::clamp(read.alpha.value_or(keepAlpha ? m_alpha : 1.0), ColorAlphaBar::kLeastAlpha, 1.0);
+    const double alpha = std::clamp(read.alpha.value_or(keepAlpha ? m_alpha : 1.0), ColorAlphaBar::kLeastAlpha, 1.0);
+    // A host may answer each change with the text that it got, which is coarser than what is kept here.
+    if (hexOf(m_baseColor, alpha) != currentHex())
+        m_alpha = alpha;
     if (read.color.rgb() != m_baseColor.rgb()) {
         m_hsv = hsvOf(read.color, m_hsv.hue);
         m_baseColor = read.color;
@@ -378,7 +375,9 @@ bool ColorBoard::focusNextPrevChild(bool next)
 {
     if (!isVisible())
         return false;
-    // Within the board the keyboard goes round.
+    if (!m_anchor) // part of something else
+        return QFrame::focusNextPrevChild(next);
+    // Within the pop-up the keyboard goes round.
     QList<QWidget *> stops;
     for (QWidget *widget : std::initializer_list<QWidget *>{m_sv, m_dropper, m_hueBar, m_alphaBar, m_hexEdit, m_reset})
         stops.append(widget);

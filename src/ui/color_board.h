@@ -25,8 +25,8 @@ class HexEdit;
 class WrappedLabel;
 
 /// The floating colour chooser: hue, saturation, value, alpha, hexadecimal digits and the palette. Its host shows it
-/// with popupAt() and hides it at `closeRequested`; a host that answers a signal by taking it away uses deleteLater().
-/// GUI thread only.
+/// with popupAt() and hides it at `closeRequested`, or makes it part of a dialog and shows it with show(). A host that
+/// answers a signal by taking it away uses deleteLater(). GUI thread only.
 class ColorBoard final : public QFrame
 {
     Q_OBJECT
@@ -39,8 +39,8 @@ public:
     explicit ColorBoard(QWidget *window, ColorLibrary *library = nullptr);
 
     /// Shows a colour without emitting. A text that is no colour is #F93442. An alpha in the text counts; else the
-    /// board's stays with `keepAlpha` and becomes 1 without. Hue and saturation stay when the colour is the shown one
-    /// already; a grey keeps the hue.
+    /// board's stays with `keepAlpha` and becomes 1 without. What is shown already stays as exact as it is; a grey
+    /// keeps the hue.
     void setColor(const QString &text, bool keepAlpha);
     /// "#RRGGBB", with "#AARRGGBB" for an alpha below 0.995.
     [[nodiscard]] QString currentHex() const;

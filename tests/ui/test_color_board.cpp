@@ -19,6 +19,8 @@
 #include <QPushButton>
 #include <QSignalSpy>
 
+#include <cmath>
+
 using namespace tavrel::ui;
 
 namespace {
@@ -74,6 +76,7 @@ private Q_SLOTS:
     void thePaletteSection();
     void chipsByKey();
     void tabGoesRoundWithinTheBoard();
+    void asAPartTheBoardLetsTheKeyboardOut();
     void focusGoesBackWhenHidden();
     void nothingReachesTheWindowBelow();
     void popupPositions_data();
@@ -183,6 +186,13 @@ void TestColorBoard::greyAndBlackKeepHueAndSaturation()
     QCOMPARE(m_board->hsv().saturation, saturation);
     QVERIFY(m_board->hsv().hue > 0.5);
     QTest::mouseRelease(sv, Qt::LeftButton, {}, at(sv, 0.7, 1));
+
+    auto *alpha = part<ColorAlphaBar>();
+    QTest::mouseClick(alpha, Qt::LeftButton, {}, at(alpha, 0.4, 0.5));
+    const double exact = alpha->alpha();
+    QVERIFY(std::abs(exact * 255 - std::round(exact * 255)) > 0.01); // between two texts
+    m_board->setColor(m_board->currentHex(), false);
+    QCOMPARE(m_board->alpha(), exact);
 }
 
 void TestColorBoard::dragsChangeAndCommit_data()
@@ -513,6 +523,19 @@ void TestColorBoard::tabGoesRoundWithinTheBoard()
     QCOMPARE(QApplication::focusWidget()->objectName(), QStringLiteral("colorSvArea"));
     QTest::keyClick(part<ColorSvArea>(), Qt::Key_Tab, Qt::ShiftModifier);
     QVERIFY(part<ColorChipRow>()->addChip()->hasFocus());
+}
+
+void TestColorBoard::asAPartTheBoardLetsTheKeyboardOut()
+{
+    auto *part = new ColorBoard(m_host.get(), m_library.get());
+    auto *after = new QPushButton(m_host.get());
+    m_board->hide();
+    part->show();
+    after->show();
+    ColorChip *last = part->findChild<ColorChipRow *>()->addChip();
+    last->setFocus();
+    QTest::keyClick(last, Qt::Key_Tab);
+    QVERIFY(after->hasFocus());
 }
 
 void TestColorBoard::focusGoesBackWhenHidden()
