@@ -240,13 +240,13 @@ void TestEyedropperLayer::theLoupeShowsThePixels()
     QCOMPARE(host.samples, 1); // one look a move
     const QImage shown = layer->grab().toImage();
     const QRectF loupe = EyedropperLayer::placesFor(QPointF(100, 80), QSizeF(400, 300)).loupe;
-    const auto cell = [&](int x, int y) {
-        return shown.pixelColor((loupe.topLeft() + QPointF(x * 9 + 4, y * 9 + 4)).toPoint());
+    const auto pixel = [&](const QPointF &offset) {
+        return shown.pixelColor(((loupe.topLeft() + offset) * shown.devicePixelRatio()).toPoint());
     };
+    const auto cell = [&](int x, int y) { return pixel(QPointF(x * 9 + 4, y * 9 + 4)); };
     for (const QPoint &place : {QPoint(5, 5), QPoint(2, 5), QPoint(5, 2), QPoint(8, 7)})
         QCOMPARE(cell(place.x(), place.y()), host.picture.pixelColor(QPoint(195, 155) + place));
-    QVERIFY(shown.pixelColor((loupe.topLeft() + QPointF(3, 3)).toPoint()) !=
-            host.picture.pixelColor(195, 155)); // outside of the circle
+    QVERIFY(pixel(QPointF(3, 3)) != host.picture.pixelColor(195, 155)); // outside of the circle
     QCOMPARE(host.samples, 1);
 }
 
