@@ -1,0 +1,149 @@
+#include "annotate/shape_factory.h"
+#include "overlay/overlay_renderer.h"
+#include "redaction/text_reader.h"
+#include "redaction/word_lists.h"
+#include "support/test_main.h"
+
+#include <QGuiApplication>
+#include <QRegularExpression>
+
+using namespace tavrel;
+using namespace tavrel::redaction;
+
+namespace {
+
+Page page(int fontSize, const QString &family = QStringLiteral("DejaVu Sans"))
+{
+    Page result;
+    result.font = QFont(family);
+    result.font.setPixelSize(fontSize);
+    result.size = {90 + 6 * fontSize, 90 + 2 * fontSize};
+    result.origin = {33.5, 42.0 + fontSize};
+    result.box = QRect(29, 38, 10 + 11 * fontSize / 2, 10 + fontSize);
+    return result;
+}
+
+void multiplyByNoise(QImage &picture)
+{
+    quint32 state = 7;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            state = state * 1664525U + 1013904223U;
+            const int grey = qGray(picture.pixel(x, y)) * (128 + static_cast<int>(state >> 25)) / 255;
+            picture.setPixel(x, y, qRgb(grey, grey, grey));
+        }
+    }
+}
+
+} // namespace
+
+/// How far a covered text can be read back is measured by redaction_report; here only that its reader reads, and that
+/// what is said to hold nothing of the text does hold nothing.
+class ReadingBackTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_folder;
+
+    QByteArray file(const Page &at, const QString &text, const Cover &cover, Format format)
+    {
+        return savedFile(covered(at.withText(text), at.box, cover), m_folder.path(), format);
+    }
+
+private Q_SLOTS:
+    void init() { QTest::failOnWarning(QRegularExpression(u".*"_qs)); }
+
+    void weakCoversAreReadBack_data()
+    {
+        QTest::addColumn<int>("effect");
+        QTest::addColumn<int>("strength");
+        QTest::addColumn<int>("format");
+        const auto add = [](const char *name, Cover::Effect effect, int strength, Format format) {
+            QTest::newRow(name) << int(effect) << strength << int(format);
+        };
+        add("mosaic", Cover::Effect::Mosaic, 6, Format::Png);
+        add("mosaic in a JPEG", Cover::Effect::Mosaic, 6, Format::Jpeg);
+        add("blur", Cover::Effect::Blur, 6, Format::Png);
+        add("blur in a JPEG", Cover::Effect::Blur, 3, Format::Jpeg);
+        add("mosaic brush", Cover::Effect::MosaicBrush, 6, Format::Png);
+        add("blur brush", Cover::Effect::BlurBrush, 6, Format::Png);
+    }
+
+    void weakCoversAreReadBack()
+    {
+        QFETCH(int, effect);
+        QFETCH(int, strength);
+        QFETCH(int, format);
+        const Cover cover{Cover::Effect(effect), strength};
+        const Page truth = page(16);
+        Page known = truth;
+        known.origin += QPointF(-1.75, 1); // about there
+        TextReader reader(truth.font, cover, Format(format));
+        const QByteArray number = file(truth, u"40718259"_qs, cover, Format(format));
+        QCOMPARE(reader.readNumber(QImage::fromData(number), known, 8), u"40718259"_qs);
+        const QByteArray word = file(truth, u"password"_qs, cover, Format(format));
+        QCOMPARE(reader.readWord(QImage::fromData(word), known, englishWords().filter(u"pa"_qs)), u"password"_qs);
+    }
+
+    void anErasedBoxHoldsNothingOfTheText_data()
+    {
+        QTest::addColumn<int>("format");
+        QTest::addColumn<bool>("onTexture");
+        QTest::newRow("png") << int(Format::Png) << false;
+        QTest::newRow("jpeg") << int(Format::Jpeg) << false;
+        QTest::newRow("png on texture") << int(Format::Png) << true;
+        QTest::newRow("jpeg on texture") << int(Format::Jpeg) << true;
+    }
+
+    void anErasedBoxHoldsNothingOfTheText()
+    {
+        QFETCH(int, format);
+        QFETCH(bool, onTexture);
+        const Page at = page(16);
+        const auto erased = [&](const QString &text) {
+            QImage picture = at.withText(text);
+            if (onTexture)
+                multiplyByNoise(picture);
+            const Cover cover{Cover::Effect::EraseWholeBox, 0};
+            return savedFile(covered(picture, at.box, cover), m_folder.path(), Format(format));
+        };
+        const QByteArray empty = erased({});
+        QVERIFY(!empty.isEmpty());
+        for (const QString &text : {u"40718259"_qs, u"11111111"_qs, u"password"_qs})
+            QVERIFY2(erased(text) == empty, qPrintable(text));
+    }
+
+    /// What lies outside the selection is not in the file, be it only as far from a mosaic as a block or from a blur as
+    /// three radii.
+    void whatWasCutOffIsNotInTheFile_data()
+    {
+        QTest::addColumn<QString>("shapes");
+        QTest::newRow("nothing drawn") << QString();
+        QTest::newRow("mosaic at the edge")
+            << QStringLiteral(R"([{"type":"mosaic","x":100,"y":20,"w":200,"h":60,"mosaicIntensity":15}])");
+        QTest::newRow("blur at the edge") << QStringLiteral(
+            R"([{"type":"mosaic","x":100,"y":20,"w":200,"h":60,"mosaicMode":"blur","mosaicIntensity":4}])");
+    }
+
+    void whatWasCutOffIsNotInTheFile()
+    {
+        QFETCH(QString, shapes);
+        Page wide = page(16);
+        wide.size = {400, 120};
+        wide.origin = {170, 60};
+        const auto saved = [&](const QString &text, Format format) {
+            return savedFile(
+                renderSelection(wide.withText(text), QRectF(10, 10, 140, 100), shapes, ShapeFactory::standard()),
+                m_folder.path(), format);
+        };
+        QVERIFY(wide.withText(u"40718259"_qs) != wide.withText({}));
+        for (const Format format : {Format::Png, Format::Jpeg}) {
+            QVERIFY(!saved({}, format).isEmpty());
+            QVERIFY(saved(u"40718259"_qs, format) == saved({}, format));
+        }
+    }
+};
+
+TAVREL_TEST_MAIN(QGuiApplication, ReadingBackTest)
+#include "test_reading_back.moc"
