@@ -1,2 +1,3 @@
 tavrel_bench(overlay paint USES overlay_ui QT Widgets)
 tavrel_bench(overlay hover USES overlay_ui QT Widgets)
+tavrel_bench(overlay attributes USES overlay_ui QT Widgets)

@@ -41,6 +41,8 @@ struct ShapeAttributes
     {
         return mosaicMode == MosaicMode::Mosaic ? mosaicStrength : blurStrength;
     }
+
+    friend bool operator==(const ShapeAttributes &, const ShapeAttributes &) = default;
 };
 
 /// One attribute, for handing a change to the selected shape.

@@ -45,6 +45,13 @@ void ShapeDocument::loadWatermarkFields()
     }
 }
 
+void ShapeDocument::setAttributes(const ShapeAttributes &attributes)
+{
+    const double scale = m_attributes.displayScale;
+    m_attributes = attributes;
+    setDisplayScale(scale);
+}
+
 void ShapeDocument::setDisplayScale(double scale)
 {
     m_attributes.displayScale = std::isfinite(scale) && scale > 0 ? scale : 1.0;
@@ -112,16 +119,16 @@ void ShapeDocument::setMosaicMode(MosaicMode mode)
     change(ShapeAttribute::MosaicMode, Commit::Yes);
 }
 
-void ShapeDocument::setMosaicStrength(double strength)
+void ShapeDocument::setMosaicStrength(double strength, Commit commit)
 {
     m_attributes.mosaicStrength = strength;
-    change(ShapeAttribute::MosaicStrength, Commit::Yes);
+    change(ShapeAttribute::MosaicStrength, commit);
 }
 
-void ShapeDocument::setBlurStrength(double strength)
+void ShapeDocument::setBlurStrength(double strength, Commit commit)
 {
     m_attributes.blurStrength = strength;
-    change(ShapeAttribute::BlurStrength, Commit::Yes);
+    change(ShapeAttribute::BlurStrength, commit);
 }
 
 void ShapeDocument::setSpotlightRound(bool round)

@@ -55,6 +55,9 @@ public:
     [[nodiscard]] ToolType tool() const { return m_tool; }
     [[nodiscard]] const ShapeAttributes &attributes() const { return m_attributes; }
 
+    /// What the next shapes will look like, all at once: no shape there is changes. The display scale stays.
+    void setAttributes(const ShapeAttributes &attributes);
+
     /// A scale that is not positive and finite counts as 1.
     void setDisplayScale(double scale);
 
@@ -68,8 +71,8 @@ public:
     void setArrowStyle(ArrowStyle style);
     void setTextStyle(TextStyle style);
     void setMosaicMode(MosaicMode mode);
-    void setMosaicStrength(double strength);
-    void setBlurStrength(double strength);
+    void setMosaicStrength(double strength, Commit commit = Commit::Yes);
+    void setBlurStrength(double strength, Commit commit = Commit::Yes);
     void setSpotlightRound(bool round);
     void setSpotlightDim(double dim);
     void setMagnifierRound(bool round);
@@ -95,6 +98,7 @@ public:
     [[nodiscard]] bool markerSnapText() const { return m_markerSnapText; }
     /// Where the picture has text, for strokes that are pulled onto it.
     void setTextLineProvider(TextLineProvider provider) { m_textLines = std::move(provider); }
+    [[nodiscard]] bool hasTextLineProvider() const { return static_cast<bool>(m_textLines); }
 
     // --- pointer -------------------------------------------------------------------------------------------------
 

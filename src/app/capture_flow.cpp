@@ -1,5 +1,6 @@
 #include "app/capture_flow.h"
 
+#include "annotate/tool_memory.h"
 #include "app/history_keeper.h"
 #include "app/user_notices.h"
 #include "overlay/capture_overlay.h"
@@ -67,7 +68,8 @@ void warnAboutModalWidget()
 CaptureFlow::CaptureFlow(Services services, QObject *parent)
     : QObject(parent),
       m_services(std::move(services)),
-      m_walk(m_services.history)
+      m_walk(m_services.history),
+      m_toolMemory(std::make_shared<ToolMemory>())
 {
     takeRecordPrefs();
     connect(&m_services.capturer, &platform::IScreenCapturer::captured, this, &CaptureFlow::onCaptured);
@@ -137,6 +139,7 @@ void CaptureFlow::onCaptured(const platform::CaptureResult &result)
 void CaptureFlow::openOverlay(const platform::CapturedDisplay &display)
 {
     auto *overlay = new ui::CaptureOverlay(display, m_services.settings.config());
+    overlay->setToolMemory(m_toolMemory);
     overlay->setWindowController(m_services.windows);
     overlay->setDetection(m_windows, m_services.settings.config().detectUiElements ? m_services.probe : nullptr);
     m_overlays.append(overlay);

@@ -22,6 +22,7 @@ namespace tavrel {
 class IHistoryKeeper;
 class IUserNotices;
 class SettingsStore;
+class ToolMemory;
 
 namespace platform {
 class IUpdater;
@@ -98,6 +99,7 @@ private:
     QList<platform::WindowInfo> m_windows;
     QList<QPointer<ui::CaptureOverlay>> m_overlays;
     record::RecordPrefs m_recordPrefs;
+    std::shared_ptr<ToolMemory> m_toolMemory; ///< of all sessions
     bool m_captureRequested = false;
     bool m_wasApplicationActive = true;
 };

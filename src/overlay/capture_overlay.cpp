@@ -2,6 +2,7 @@
 
 #include "annotate/effect_image_cache.h"
 #include "annotate/smart_erase_engine.h"
+#include "annotate/tool_memory.h"
 
 #include "overlay/element_probe.h"
 #include "overlay/overlay_panels.h"
@@ -31,7 +32,8 @@ CaptureOverlay::CaptureOverlay(const platform::CapturedDisplay &display, const S
       m_display(display),
       m_config(config),
       m_picture(display.image),
-      m_panels(new OverlayPanels(this, config)),
+      m_toolMemory(std::make_shared<ToolMemory>()),
+      m_panels(new OverlayPanels(this, m_document, config)),
       m_effects(std::make_unique<EffectImageCache>(m_picture.image())),
       m_textEditor(new ShapeTextEditor(this, m_document)),
       m_markerLines(new MarkerLines(this)),
@@ -117,10 +119,10 @@ void CaptureOverlay::setPickMode(bool pick)
     scheduleUpdate();
 }
 
-void CaptureOverlay::setAttributeBar(QWidget *bar)
+void CaptureOverlay::setToolMemory(std::shared_ptr<ToolMemory> memory)
 {
-    m_panels->setAttributeBar(bar);
-    scheduleUpdate();
+    m_toolMemory = std::move(memory);
+    m_toolMemory->begin(m_document);
 }
 
 // --- selection -------------------------------------------------------------------------------------------------------

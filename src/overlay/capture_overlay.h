@@ -28,6 +28,7 @@
 namespace tavrel {
 class EffectImageCache;
 class SmartEraseEngine;
+class ToolMemory;
 } // namespace tavrel
 
 namespace tavrel::platform {
@@ -67,8 +68,8 @@ public:
     void setRecordPrefs(const record::RecordPrefs &prefs) { m_recordPrefs = prefs; }
     [[nodiscard]] const record::RecordPrefs &recordPrefs() const { return m_recordPrefs; }
 
-    /// The bar below the toolbar while a tool is active; the overlay becomes its parent.
-    void setAttributeBar(QWidget *bar);
+    /// What tools were set to before; the document starts with it and keeps it up to date.
+    void setToolMemory(std::shared_ptr<ToolMemory> memory);
     /// Finds the lines of text that highlighter strokes are pulled onto; without it there are none.
     void setLineSearch(LineSearch search);
     void setTool(ToolType tool);
@@ -164,6 +165,8 @@ private:
     // tools
     void connectTools();
     void runAction(ToolType action);
+    /// How the next shape, and the selected one, look has been changed.
+    void onAttributesChanged();
     void tellMissing();
     [[nodiscard]] bool canStart(AutoStart what) const;
     void startTextRecognition();
@@ -219,6 +222,7 @@ private:
     QPointer<ElementProbe> m_probe;
     std::shared_ptr<platform::IWindowController> m_windowController;
     record::RecordPrefs m_recordPrefs;
+    std::shared_ptr<ToolMemory> m_toolMemory;
     OverlayPanels *m_panels;
     std::unique_ptr<EffectImageCache> m_effects;     ///< of the picture
     std::unique_ptr<SmartEraseEngine> m_eraseEngine; ///< of the picture, from the first box on

@@ -2,9 +2,11 @@
 #include "overlay/capture_overlay.h"
 
 #include "annotate/smart_erase_engine.h"
+#include "annotate/tool_memory.h"
 #include "overlay/overlay_panels.h"
 #include "overlay/overlay_renderer.h"
 #include "overlay/selection_geometry.h"
+#include "ui/eyedropper_sample.h"
 #include "ui/shape_text_editor.h"
 #include "ui/tool_steps.h"
 
@@ -50,8 +52,11 @@ void CaptureOverlay::connectTools()
         scheduleUpdate();
     });
 
+    m_panels->setEyedropperSource(
+        [this](const QPointF &point) { return eyedropperSample(m_picture.image(), inPicture(point)); });
     connect(m_panels, &OverlayPanels::toolChosen, this, &CaptureOverlay::setTool);
     connect(m_panels, &OverlayPanels::actionChosen, this, &CaptureOverlay::runAction);
+    connect(m_panels, &OverlayPanels::attributesChanged, this, &CaptureOverlay::onAttributesChanged);
     connect(m_panels, &OverlayPanels::configChanged, this, &CaptureOverlay::toolbarConfigChanged);
     connect(m_panels, &OverlayPanels::guideDismissed, this, &CaptureOverlay::toolGuideDismissed);
     connect(m_panels, &OverlayPanels::placed, this, &CaptureOverlay::scheduleUpdate);
@@ -70,6 +75,7 @@ void CaptureOverlay::setTool(ToolType tool)
     if (tool != ToolType::None && tool != ToolType::Eraser && !ShapeFactory::standard().knows(tool))
         tellMissing();
     m_document.clearSelection();
+    m_toolMemory->recall(m_document);
     m_toolWheel.reset();
     m_sizeWheel.reset();
     ensureMarkerLines();
@@ -118,6 +124,17 @@ void CaptureOverlay::runAction(ToolType action)
     default:
         break;
     }
+}
+
+void CaptureOverlay::onAttributesChanged()
+{
+    m_toolMemory->remember(m_document);
+    m_textEditor->relayout();
+    layoutPanels();
+    refreshErase();
+    ensureMarkerLines();
+    updateCursor(m_pointer);
+    scheduleUpdate();
 }
 
 void CaptureOverlay::tellMissing()
@@ -316,10 +333,7 @@ void CaptureOverlay::stepByWheel(int value, int sizeValue, bool isSize)
         if (steps != 0)
             stepTool(m_document, steps, {});
     }
-    m_textEditor->relayout();
-    layoutPanels();
-    updateCursor(m_pointer);
-    scheduleUpdate();
+    onAttributesChanged();
 }
 
 // --- highlighter -----------------------------------------------------------------------------------------------------

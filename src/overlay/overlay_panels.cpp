@@ -1,18 +1,26 @@
 #include "overlay/overlay_panels.h"
 
+#include "overlay/overlay_tips.h"
 #include "overlay/panel_placement.h"
 #include "overlay/tool_guide_bubble.h"
 #include "overlay/toolbar_config_dialog.h"
 #include "overlay/toolbar_layout.h"
 #include "overlay/toolbar_widget.h"
+#include "ui/attribute_bar.h"
 
 #include <array>
 
 namespace tavrel::ui {
+namespace {
 
-OverlayPanels::OverlayPanels(QWidget *overlay, const SettingsConfig &config)
+constexpr int kBarMargin = 4; ///< between the attribute bar and the sides of the overlay
+
+} // namespace
+
+OverlayPanels::OverlayPanels(QWidget *overlay, ShapeDocument &document, const SettingsConfig &config)
     : QObject(overlay),
       m_overlay(overlay),
+      m_document(document),
       m_config(config),
       m_theme(themeFor(config.theme))
 {}
@@ -42,6 +50,31 @@ void OverlayPanels::prepare()
         moveToolbar(topLeft);
         Q_EMIT placed();
     });
+    prepareAttributeBar();
+}
+
+void OverlayPanels::prepareAttributeBar()
+{
+    m_attributeBar = new AttributeBar(&m_document, m_overlay);
+    m_attributeBar->hide();
+    m_barTips = new OverlayTips(m_attributeBar);
+    m_barTips->setTheme(m_theme);
+    m_attributeBar->setTheme(m_theme);
+    m_attributeBar->setWheelReversed(m_config.wheelZoomReversed);
+    m_attributeBar->setEyedropperSource(m_eyedropperSource);
+    connect(m_attributeBar, &AttributeBar::toolVariantChanged, this, &OverlayPanels::toolChosen);
+    connect(m_attributeBar, &AttributeBar::attributesChanged, this, &OverlayPanels::attributesChanged);
+    connect(m_attributeBar, &AttributeBar::previewChanged, this, &OverlayPanels::attributesChanged);
+    connect(m_attributeBar, &AttributeBar::rebuilt, this, [this] {
+        m_barTips->leave();
+        const QList<QWidget *> controls = m_attributeBar->findChildren<QWidget *>();
+        for (QWidget *control : controls) {
+            if (!control->toolTip().isEmpty())
+                m_barTips->watch(control);
+        }
+        place();
+        Q_EMIT placed();
+    });
 }
 
 void OverlayPanels::setConfig(const SettingsConfig &config)
@@ -50,6 +83,8 @@ void OverlayPanels::setConfig(const SettingsConfig &config)
     m_config = config;
     if (isOtherTheme)
         setTheme(themeFor(config.theme));
+    if (m_attributeBar)
+        m_attributeBar->setWheelReversed(config.wheelZoomReversed);
     if (m_toolbar) {
         m_toolbar->setShowLabels(config.showToolbarText);
         m_toolbar->setConfig(parseToolbarLayout(config.toolbarConfig));
@@ -62,17 +97,14 @@ void OverlayPanels::setTheme(const Theme &theme)
     m_theme = theme;
     if (m_toolbar)
         m_toolbar->setTheme(theme);
+    if (m_attributeBar) {
+        m_barTips->setTheme(theme);
+        m_attributeBar->setTheme(theme);
+    }
     if (m_guide)
         m_guide->setTheme(theme);
     if (m_configDialog)
         m_configDialog->setTheme(theme);
-}
-
-void OverlayPanels::setAttributeBar(QWidget *bar)
-{
-    m_attributeBar = bar;
-    bar->setParent(m_overlay);
-    place();
 }
 
 void OverlayPanels::show(const State &state)
@@ -84,6 +116,7 @@ void OverlayPanels::show(const State &state)
         m_toolbar->setHistoryState(state.canUndo, state.canRedo);
         // May expand the toolbar, which places it.
         m_toolbar->setCurrentTool(state.tool);
+        m_attributeBar->setTool(state.isShown ? state.tool : ToolType::None);
     }
     place();
 }
@@ -107,24 +140,24 @@ bool OverlayPanels::cover(const QRectF &area) const
 void OverlayPanels::place()
 {
     const bool showsToolbar = m_toolbar && m_state.isShown;
-    const bool showsBar = showsToolbar && m_attributeBar && m_state.tool != ToolType::None;
+    const bool showsBar = showsToolbar && m_state.tool != ToolType::None;
     if (showsToolbar) {
         m_toolbar->adjustSize();
-        if (m_attributeBar)
-            m_attributeBar->adjustSize();
+        m_attributeBar->setMaximumWidth(m_overlay->width() - 2 * kBarMargin);
+        m_attributeBar->adjustSize();
         // Room for the bar is kept while it is hidden: the toolbar must not jump away from a click on a tool.
-        const PanelPlacement place = placePanels(m_state.selection, m_overlay->size(), m_toolbar->size(),
-                                                 m_attributeBar ? m_attributeBar->size() : QSize(), m_position);
+        const PanelPlacement place =
+            placePanels(m_state.selection, m_overlay->size(), m_toolbar->size(), m_attributeBar->size(), m_position);
         if (m_position)
             m_position = place.toolbar;
         m_toolbar->move(place.toolbar);
         if (showsBar)
             m_attributeBar->move(place.attributeBar);
     }
-    if (m_toolbar)
+    if (m_toolbar) {
         m_toolbar->setVisible(showsToolbar);
-    if (m_attributeBar)
         m_attributeBar->setVisible(showsBar);
+    }
     placeGuide();
 }
 

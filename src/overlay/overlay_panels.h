@@ -2,18 +2,24 @@
 
 #include "annotate/tool_type.h"
 #include "settings/settings_config.h"
+#include "ui/eyedropper_layer.h"
 #include "ui/theme.h"
 
 #include <QObject>
 #include <QPoint>
-#include <QPointer>
 #include <QRectF>
 #include <QWidget>
 
 #include <optional>
 
+namespace tavrel {
+class ShapeDocument;
+}
+
 namespace tavrel::ui {
 
+class AttributeBar;
+class OverlayTips;
 class ToolbarConfigDialog;
 class ToolbarWidget;
 class ToolGuideBubble;
@@ -36,12 +42,13 @@ public:
         bool canRedo = false;
     };
 
-    OverlayPanels(QWidget *overlay, const SettingsConfig &config);
+    /// document  whose attributes the bar sets; has to outlive the panels' use
+    OverlayPanels(QWidget *overlay, ShapeDocument &document, const SettingsConfig &config);
 
     void setConfig(const SettingsConfig &config);
-    /// The overlay becomes its parent. It shows while a tool is active.
-    void setAttributeBar(QWidget *bar);
-    /// Makes the toolbar ahead of the first selection, so that it is there at once.
+    /// Where the eyedropper finds its colours; to be set before the panels are shown.
+    void setEyedropperSource(EyedropperLayer::Source source) { m_eyedropperSource = std::move(source); }
+    /// Makes toolbar and attribute bar ahead of the first selection, so that they are there at once.
     void prepare();
 
     void show(const State &state);
@@ -51,16 +58,20 @@ public:
     /// Whether a shown panel meets an area of the overlay.
     [[nodiscard]] bool cover(const QRectF &area) const;
     [[nodiscard]] ToolbarWidget *toolbar() const { return m_toolbar; }
+    /// Shows while a tool is active.
+    [[nodiscard]] AttributeBar *attributeBar() const { return m_attributeBar; }
 
 Q_SIGNALS:
     void toolChosen(tavrel::ToolType tool);
     void actionChosen(tavrel::ToolType action);
+    void attributesChanged(); ///< of the document, for good or while a value is dragged
     void configChanged(const QString &json);
     void guideDismissed();
     void placed();           ///< panels have moved without show() being called
     void keyboardReturned(); ///< the editor that had the keyboard is closed
 
 private:
+    void prepareAttributeBar();
     void setTheme(const Theme &theme);
     void place();
     void placeGuide();
@@ -69,12 +80,15 @@ private:
     void takeConfig(const QString &json);
 
     QWidget *m_overlay;
+    ShapeDocument &m_document;
     SettingsConfig m_config;
     Theme m_theme;
     State m_state;
     std::optional<QPoint> m_position; ///< where the user has dragged the toolbar
     ToolbarWidget *m_toolbar = nullptr;
-    QPointer<QWidget> m_attributeBar;
+    EyedropperLayer::Source m_eyedropperSource;
+    AttributeBar *m_attributeBar = nullptr;
+    OverlayTips *m_barTips = nullptr;
     ToolGuideBubble *m_guide = nullptr;
     ToolbarConfigDialog *m_configDialog = nullptr;
 };

@@ -3,6 +3,7 @@
 #include "overlay/overlay_panels.h"
 #include "overlay/toolbar_widget.h"
 #include "support/test_main.h"
+#include "ui/attribute_bar.h"
 
 #include <QApplication>
 #include <QBackingStore>
@@ -482,14 +483,12 @@ private Q_SLOTS:
 
     void panelsGoWithTheSelection()
     {
-        auto *bar = new QWidget;
-        bar->setFixedSize(150, 20);
-        m_overlay->setAttributeBar(bar);
         const auto toolbar = [this] { return m_overlay->panels().toolbar(); };
         send(QEvent::MouseButtonPress, {100, 100});
         send(QEvent::MouseMove, {400, 200});
         QVERIFY(!toolbar() || !toolbar()->isVisible());
         send(QEvent::MouseButtonRelease, {400, 200});
+        const QWidget *bar = m_overlay->panels().attributeBar();
         QVERIFY(toolbar()->isVisible() && !bar->isVisible());
         const QPoint place = toolbar()->pos();
         QCOMPARE(place.y(), 215);
