@@ -529,6 +529,81 @@
     </message>
 </context>
 <context>
+    <name>WatermarkShape</name>
+    <message>
+        <source>平铺</source>
+        <translation>Tile</translation>
+    </message>
+    <message>
+        <source>右下角</source>
+        <translation>Bottom right</translation>
+    </message>
+    <message>
+        <source>左下角</source>
+        <translation>Bottom left</translation>
+    </message>
+    <message>
+        <source>右上角</source>
+        <translation>Top right</translation>
+    </message>
+    <message>
+        <source>左上角</source>
+        <translation>Top left</translation>
+    </message>
+    <message>
+        <source>顶部居中</source>
+        <translation>Top center</translation>
+    </message>
+    <message>
+        <source>底部居中</source>
+        <translation>Bottom center</translation>
+    </message>
+    <message>
+        <source>居中</source>
+        <translation>Center</translation>
+    </message>
+    <message>
+        <source>年月日</source>
+        <translation>Date</translation>
+    </message>
+    <message>
+        <source>时分秒</source>
+        <translation>Time</translation>
+    </message>
+    <message>
+        <source>年</source>
+        <translation>Year</translation>
+    </message>
+    <message>
+        <source>月</source>
+        <translation>Month</translation>
+    </message>
+    <message>
+        <source>日</source>
+        <translation>Day</translation>
+    </message>
+    <message>
+        <source>时</source>
+        <translation>Hour</translation>
+    </message>
+    <message>
+        <source>12时</source>
+        <translation>12-hour</translation>
+    </message>
+    <message>
+        <source>分</source>
+        <translation>Min</translation>
+    </message>
+    <message>
+        <source>秒</source>
+        <translation>Sec</translation>
+    </message>
+    <message>
+        <source>上午/下午</source>
+        <translation>AM/PM</translation>
+    </message>
+</context>
+<context>
     <name>main</name>
     <message>
         <source>启动后立即发起一次截图。</source>
@@ -572,6 +647,272 @@
     <message>
         <source>抓取屏幕失败：%1</source>
         <translation>Screen capture failed: %1</translation>
+    </message>
+</context>
+<context>
+    <name>tavrel::ui::AttributeBar</name>
+    <message>
+        <source>点击或拖动，擦除碰到的标注</source>
+        <translation>Click or drag to erase annotations</translation>
+    </message>
+    <message>
+        <source>粗细</source>
+        <translation>Width</translation>
+    </message>
+    <message>
+        <source>字号</source>
+        <translation>Font size</translation>
+    </message>
+    <message>
+        <source>更多颜色</source>
+        <translation>More colors</translation>
+    </message>
+    <message>
+        <source>当前颜色</source>
+        <translation>Current color</translation>
+    </message>
+    <message>
+        <source>矩形</source>
+        <translation>Rectangle</translation>
+    </message>
+    <message>
+        <source>圆形</source>
+        <translation>Ellipse</translation>
+    </message>
+    <message>
+        <source>箭头</source>
+        <translation>Arrow</translation>
+    </message>
+    <message>
+        <source>楔形</source>
+        <translation>Wedge</translation>
+    </message>
+    <message>
+        <source>空心</source>
+        <translation>Outline wedge</translation>
+    </message>
+    <message>
+        <source>直线</source>
+        <translation>Line</translation>
+    </message>
+    <message>
+        <source>双向</source>
+        <translation>Double</translation>
+    </message>
+    <message>
+        <source>画笔</source>
+        <translation>Pen</translation>
+    </message>
+    <message>
+        <source>区域</source>
+        <translation>Area</translation>
+    </message>
+    <message>
+        <source>智能整行：划过文字自动标记整行（需要文字识别）</source>
+        <translation>Smart line: sweep over text to highlight whole lines (needs OCR)</translation>
+    </message>
+    <message>
+        <source>智能整行</source>
+        <translation>Snap to line</translation>
+    </message>
+    <message>
+        <source>序号样式</source>
+        <translation>Number style</translation>
+    </message>
+    <message>
+        <source>一 二 三</source>
+        <translation>一 二 三 (Chinese)</translation>
+    </message>
+    <message>
+        <source>序号：改了之后，后面的序号自动顺延（没选中序号时 = 下一个要放的序号）</source>
+        <translation>Number: later numbers follow automatically (with none selected: the next number to place)</translation>
+    </message>
+    <message>
+        <source>序号</source>
+        <translation>Number</translation>
+    </message>
+    <message>
+        <source>马赛克</source>
+        <translation>Mosaic</translation>
+    </message>
+    <message>
+        <source>模糊</source>
+        <translation>Blur</translation>
+    </message>
+    <message>
+        <source>涂抹</source>
+        <translation>Brush</translation>
+    </message>
+    <message>
+        <source>马赛克块大小</source>
+        <translation>Mosaic block size</translation>
+    </message>
+    <message>
+        <source>模糊强度</source>
+        <translation>Blur strength</translation>
+    </message>
+    <message>
+        <source>只删主体，保留框内的背景</source>
+        <translation>Remove only the subject, keep the background in the box</translation>
+    </message>
+    <message>
+        <source>整个框都补掉</source>
+        <translation>Fill the whole box</translation>
+    </message>
+    <message>
+        <source>淡</source>
+        <translation>Light</translation>
+    </message>
+    <message>
+        <source>中</source>
+        <translation>Medium</translation>
+    </message>
+    <message>
+        <source>深</source>
+        <translation>Dark</translation>
+    </message>
+    <message>
+        <source>%1×</source>
+        <translation>%1×</translation>
+    </message>
+    <message>
+        <source>在画面上滚轮调整放大倍数</source>
+        <translation>Scroll on the image to change the zoom</translation>
+    </message>
+    <message>
+        <source>标准</source>
+        <translation>Standard</translation>
+    </message>
+    <message>
+        <source>描边</source>
+        <translation>Outline</translation>
+    </message>
+    <message>
+        <source>背景</source>
+        <translation>Background</translation>
+    </message>
+    <message>
+        <source>圆角</source>
+        <translation>Rounded</translation>
+    </message>
+    <message>
+        <source>字体</source>
+        <translation>Font</translation>
+    </message>
+    <message>
+        <source>系统默认</source>
+        <translation>System default</translation>
+    </message>
+    <message>
+        <source>%1（未安装）</source>
+        <translation>%1 (not installed)</translation>
+    </message>
+    <message>
+        <source>插入时间</source>
+        <translation>Insert time</translation>
+    </message>
+    <message>
+        <source>水印排布方式</source>
+        <translation>Watermark layout</translation>
+    </message>
+    <message>
+        <source>透明度</source>
+        <translation>Opacity</translation>
+    </message>
+    <message>
+        <source>线宽（悬停滚轮调整）</source>
+        <translation>Line width (scroll while hovering)</translation>
+    </message>
+    <message>
+        <source>水印文字，点右侧时钟插入时间</source>
+        <translation>Watermark text — click the clock to insert the time</translation>
+    </message>
+    <message>
+        <source>水印文字</source>
+        <translation>Watermark text</translation>
+    </message>
+</context>
+<context>
+    <name>tavrel::ui::ColorBoard</name>
+    <message>
+        <source>颜色</source>
+        <translation>Color</translation>
+    </message>
+    <message>
+        <source>饱和度与明度</source>
+        <translation>Saturation and brightness</translation>
+    </message>
+    <message>
+        <source>色相</source>
+        <translation>Hue</translation>
+    </message>
+    <message>
+        <source>透明度</source>
+        <translation>Opacity</translation>
+    </message>
+    <message>
+        <source>当前颜色</source>
+        <translation>Current color</translation>
+    </message>
+    <message>
+        <source>十六进制颜色</source>
+        <translation>Hex color</translation>
+    </message>
+    <message>
+        <source>色板</source>
+        <translation>Palette</translation>
+    </message>
+    <message>
+        <source>重置</source>
+        <translation>Reset</translation>
+    </message>
+    <message>
+        <source>恢复成默认的 10 个预设色（自己加的、删掉的、排过序的都还原）</source>
+        <translation>Restore the 10 default colors (undoes everything added, removed or reordered)</translation>
+    </message>
+    <message>
+        <source>色板是空的：点 ＋ 加入当前颜色，或点「重置」恢复默认。按住色块拖动可以调整顺序</source>
+        <translation>The palette is empty: click + to add the current color, or Reset to restore the defaults. Drag a swatch to reorder.</translation>
+    </message>
+</context>
+<context>
+    <name>tavrel::ui::ColorChipRow</name>
+    <message>
+        <source>%1（拖动调整顺序，按 Delete 移出色板）</source>
+        <translation>%1 (drag to reorder, Delete removes it from the palette)</translation>
+    </message>
+    <message>
+        <source>把当前颜色加进色板</source>
+        <translation>Add the current color to the palette</translation>
+    </message>
+    <message>
+        <source>色板已满（最多 %1 个颜色）</source>
+        <translation>The palette is full (%1 colors at most)</translation>
+    </message>
+</context>
+<context>
+    <name>tavrel::ui::ColorSvArea</name>
+    <message>
+        <source>饱和度 %1%，明度 %2%</source>
+        <translation>Saturation %1%, brightness %2%</translation>
+    </message>
+</context>
+<context>
+    <name>tavrel::ui::EyedropperButton</name>
+    <message>
+        <source>取色器</source>
+        <translation>Eyedropper</translation>
+    </message>
+    <message>
+        <source>取色：点一下，再点画面上任意位置吸取颜色（Esc 取消）</source>
+        <translation>Eyedropper: click, then click anywhere on the screen to pick a color (Esc to cancel)</translation>
+    </message>
+</context>
+<context>
+    <name>tavrel::ui::EyedropperLayer</name>
+    <message>
+        <source>取色器</source>
+        <translation>Eyedropper</translation>
     </message>
 </context>
 </TS>

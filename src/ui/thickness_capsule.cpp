@@ -75,9 +75,9 @@ ThicknessCapsule::ThicknessCapsule(int value, int least, int most, const QColor 
     setFocusPolicy(Qt::TabFocus);
     setCursor(Qt::PointingHandCursor);
     setMouseTracking(true);
-    const QString tip = QCoreApplication::translate("AttributeBar", "线宽（悬停滚轮调整）");
+    const QString tip = QCoreApplication::translate("tavrel::ui::AttributeBar", "线宽（悬停滚轮调整）");
     setToolTip(tip);
-    setAccessibleName(QCoreApplication::translate("AttributeBar", "粗细"));
+    setAccessibleName(QCoreApplication::translate("tavrel::ui::AttributeBar", "粗细"));
     setAccessibleDescription(tip);
 }
 

@@ -31,8 +31,8 @@ WatermarkEdit::WatermarkEdit(QWidget *parent) : QLineEdit(parent)
 {
     setObjectName(QStringLiteral("watermarkEdit"));
     setMaxLength(kLongest);
-    setPlaceholderText(QCoreApplication::translate("AttributeBar", "水印文字，点右侧时钟插入时间"));
-    setAccessibleName(QCoreApplication::translate("AttributeBar", "水印文字"));
+    setPlaceholderText(QCoreApplication::translate("tavrel::ui::AttributeBar", "水印文字，点右侧时钟插入时间"));
+    setAccessibleName(QCoreApplication::translate("tavrel::ui::AttributeBar", "水印文字"));
 }
 
 void WatermarkEdit::insertPattern(const QString &pattern)
