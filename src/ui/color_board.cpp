@@ -284,12 +284,12 @@ void ColorBoard::refreshPalette()
 void ColorBoard::popupAt(const QRect &anchor)
 {
     m_anchor = anchor;
-    if (QWidget *focus = window()->focusWidget(); focus && !isAncestorOf(focus) && focus != this)
-        m_focusBefore = focus;
     ensurePolished();
     layout()->activate();
     adjustSize();
     move(popupPosition(anchor, size(), parentWidget()->size()));
+    if (isVisible())
+        return; // it has only been moved
     show();
     raise();
     setFocus(Qt::PopupFocusReason);
@@ -350,13 +350,20 @@ void ColorBoard::resizeEvent(QResizeEvent *event)
         move(popupPosition(*m_anchor, size(), parentWidget()->size()));
 }
 
+void ColorBoard::showEvent(QShowEvent *event)
+{
+    QFrame::showEvent(event);
+    if (!event->spontaneous())
+        m_focusBefore = window()->focusWidget();
+}
+
 void ColorBoard::hideEvent(QHideEvent *event)
 {
     QFrame::hideEvent(event);
     QWidget *before = m_focusBefore;
     m_focusBefore.clear();
     QWidget *focus = window()->focusWidget();
-    if (event->spontaneous() || !focus || (focus != this && !isAncestorOf(focus)))
+    if (!m_anchor || event->spontaneous() || !focus || (focus != this && !isAncestorOf(focus)))
         return;
     if (before)
         before->setFocus(Qt::OtherFocusReason);

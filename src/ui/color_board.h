@@ -49,7 +49,8 @@ public:
     [[nodiscard]] const QColor &baseColor() const { return m_baseColor; } ///< opaque
 
     /// Shows it beside a rectangle of the window it floats over, in that window's coordinates, and gives it the
-    /// keyboard, which goes back when it is hidden. It stays beside it while its height changes.
+    /// keyboard, which goes back when it is hidden. It stays beside it while its height changes. One that is shown
+    /// already is moved, and the keyboard stays where it is.
     void popupAt(const QRect &anchor);
     /// Centred below the anchor, above it where that overflows, else at the bottom; 8 from every edge.
     [[nodiscard]] static QPoint popupPosition(const QRect &anchor, const QSize &board, const QSize &window);
@@ -66,6 +67,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
     void changeEvent(QEvent *event) override;
     bool focusNextPrevChild(bool next) override;

@@ -16,6 +16,14 @@ constexpr qreal kFocusRadius = 6;
 constexpr double kFadedOpacity = 0.28;
 constexpr double kDisabledOpacity = 0.4;
 
+void paintColor(QPainter &painter, const QRectF &circle, const QColor &color, bool dark)
+{
+    constexpr qreal kCell = 4;
+    if (color.alpha() < 255)
+        paintChessboard(painter, circle, kCell, dark);
+    paintChip(painter, circle, color);
+}
+
 class AccessibleChip final : public QAccessibleWidget
 {
 public:
@@ -104,11 +112,12 @@ void ColorChip::paintEvent(QPaintEvent *)
     if (isAddChip()) {
         paintAdd(painter);
     } else if (m_selected) {
-        paintChip(painter, whole.adjusted(kChosenInset, kChosenInset, -kChosenInset, -kChosenInset), QColor(m_hex));
+        paintColor(painter, whole.adjusted(kChosenInset, kChosenInset, -kChosenInset, -kChosenInset), QColor(m_hex),
+                   m_theme.dark);
         paintSelectionRing(painter, whole);
     } else {
         const qreal inset = underMouse() && !isDown() ? 0.5 : 1.5;
-        paintChip(painter, whole.adjusted(inset, inset, -inset, -inset), QColor(m_hex));
+        paintColor(painter, whole.adjusted(inset, inset, -inset, -inset), QColor(m_hex), m_theme.dark);
     }
     if (m_showsFocus)
         paintFocusRing(painter, whole, kFocusRadius, m_theme);

@@ -14,7 +14,8 @@ class ColorChip final : public QAbstractButton
     Q_OBJECT
 
 public:
-    /// hex  "#RRGGBB"; empty for the chip that adds
+    /// hex   "#RRGGBB" or "#AARRGGBB"; empty for the chip that adds
+    /// size  up to 24 for one that is translucent
     ColorChip(const QString &hex, int size, QWidget *parent);
 
     [[nodiscard]] const QString &hex() const { return m_hex; }

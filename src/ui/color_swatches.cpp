@@ -29,9 +29,9 @@ QWidget *makeColorSwatches(const QStringList &colors, const QString &current, in
         QObject::connect(chip, &QAbstractButton::clicked, row, [row, hex, shared] {
             for (ColorChip *other : row->findChildren<ColorChip *>())
                 other->setSelected(other->hex() == hex);
-            const auto call = shared; // the row, and with it this function, may go in the call
-            if (*call)
-                (*call)(hex);
+            const std::function<void(const QString &)> call(*shared); // the row may go in it, and this function with it
+            if (call)
+                call(hex);
         });
     }
     return row;

@@ -552,6 +552,15 @@ void TestColorBoard::focusGoesBackWhenHidden()
     m_board->hide();
     QVERIFY(second->hasFocus());
 
+    // Moved along with what it stands beside, it leaves the keyboard where it is.
+    m_board->popupAt(QRect(300, 20, 40, 20));
+    part<HexEdit>()->setFocus();
+    m_board->popupAt(QRect(320, 20, 40, 20));
+    QVERIFY(part<HexEdit>()->hasFocus());
+    QCOMPARE(m_board->geometry().center().x(), 339);
+    m_board->hide();
+    QVERIFY(second->hasFocus());
+
     // The user has gone elsewhere in the meantime.
     m_board->popupAt(QRect(300, 20, 40, 20));
     first->setFocus();
