@@ -1,9 +1,11 @@
 #include "overlay/hover_tracker.h"
 
+#include <QThreadPool>
 #include <QWheelEvent>
 
 #include <algorithm>
 #include <cmath>
+#include <mutex>
 #include <utility>
 
 namespace tavrel::ui {
@@ -25,6 +27,34 @@ double distance(const QPointF &a, const QPointF &b)
 
 } // namespace
 
+struct HoverTracker::Analysis
+{
+    std::mutex mutex;
+    HoverTracker *owner;                            ///< under the mutex: null once it is abandoned
+    QImage picture;                                 ///< under the mutex, until the worker takes it
+    std::shared_ptr<const EdgeRegionFinder> finder; ///< under the mutex: the result
+
+    Analysis(HoverTracker *tracker, const QImage &image) : owner(tracker), picture(image) {}
+
+    /// On the worker.
+    void run()
+    {
+        QImage image;
+        {
+            const std::lock_guard lock(mutex);
+            if (!owner)
+                return;
+            image = std::exchange(picture, {});
+        }
+        auto made = std::make_shared<const EdgeRegionFinder>(image);
+        const std::lock_guard lock(mutex);
+        if (!owner)
+            return;
+        finder = std::move(made);
+        QMetaObject::invokeMethod(owner, "onPrepared", Qt::QueuedConnection);
+    }
+};
+
 HoverTracker::HoverTracker(Clock clock, QObject *parent) : QObject(parent), m_clock(std::move(clock))
 {
     m_animation.setInterval(kFrameMs);
@@ -40,8 +70,7 @@ HoverTracker::HoverTracker(Clock clock, QObject *parent) : QObject(parent), m_cl
 
 HoverTracker::~HoverTracker()
 {
-    if (m_preparing.joinable())
-        m_preparing.join(); // some milliseconds
+    abandonAnalysis();
 }
 
 void HoverTracker::setPicture(const QImage &picture, const QPointF &origin)
@@ -51,7 +80,7 @@ void HoverTracker::setPicture(const QImage &picture, const QPointF &origin)
         return;
     m_picture = picture;
     m_finder.reset();
-    m_isPreparing = false;
+    abandonAnalysis();
     m_sources.image.clear();
 }
 
@@ -79,39 +108,39 @@ void HoverTracker::setAnimated(bool animated)
 
 void HoverTracker::prepare()
 {
-    if (m_finder || m_isPreparing || m_picture.isNull())
+    if (m_finder || m_analysis || m_picture.isNull())
         return;
-    m_isPreparing = true;
-    if (m_preparing.joinable())
-        m_preparing.join();
-    m_preparing = std::thread([this, picture = m_picture] {
-        Finder finder = std::make_shared<const EdgeRegionFinder>(picture);
-        {
-            const std::lock_guard lock(m_preparedMutex);
-            m_prepared = std::move(finder);
-            m_preparedKey = picture.cacheKey();
-        }
-        QMetaObject::invokeMethod(this, "onPrepared", Qt::QueuedConnection);
-    });
+    m_analysis = std::make_shared<Analysis>(this, m_picture);
+    QThreadPool::globalInstance()->start([analysis = m_analysis] { analysis->run(); });
+}
+
+void HoverTracker::abandonAnalysis()
+{
+    if (!m_analysis)
+        return;
+    {
+        const std::lock_guard lock(m_analysis->mutex);
+        m_analysis->owner = nullptr;
+    }
+    m_analysis.reset();
 }
 
 void HoverTracker::onPrepared()
 {
-    Finder finder;
-    {
-        const std::lock_guard lock(m_preparedMutex);
-        if (m_preparedKey == m_picture.cacheKey())
-            finder = std::move(m_prepared);
-        m_prepared.reset(); // it lives no longer than the picture
-    }
-    if (!m_isPreparing || !finder)
+    if (!m_analysis)
         return;
-    m_isPreparing = false;
-    m_finder = std::move(finder);
+    {
+        const std::lock_guard lock(m_analysis->mutex);
+        m_finder = std::move(m_analysis->finder);
+    }
+    if (!m_finder)
+        return; // the word of an analysis that was abandoned since
+    m_analysis.reset();
     if (!m_point)
         return;
     findInPicture();
-    rebuild(Reached::Keep);
+    if (!m_keepsTarget) // else with the elements, or once the wait for them is over
+        rebuild(Reached::Keep);
 }
 
 void HoverTracker::findInPicture()
@@ -165,16 +194,17 @@ void HoverTracker::takeElements(const QPointF &global, qint64 processId, const Q
     if (distance(global, pointer) > kFreshDistance && (chain.isEmpty() || !chain.first().contains(pointer)))
         return;
     m_isWaiting = false;
-    m_keepsTarget = false;
     m_patience.stop();
     QList<QRectF> elements = chain;
     for (QRectF &element : elements)
         element.translate(-m_globalOrigin);
     const QList<QRectF> &known = m_sources.elements;
-    if (elements == known || (elements.isEmpty() && known.first().contains(*m_point)))
-        return;
-    m_sources.elements = elements;
-    rebuild(Reached::Keep);
+    const bool isNew = elements != known && !(elements.isEmpty() && known.first().contains(*m_point));
+    if (isNew)
+        m_sources.elements = elements;
+    // Elements that stay the same do not make the list so: it may have waited for them since the pointer moved.
+    if (isNew || m_keepsTarget)
+        rebuild(Reached::Keep);
 }
 
 void HoverTracker::giveUpWaiting()

@@ -14,9 +14,7 @@
 
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
-#include <thread>
 
 namespace tavrel::ui {
 
@@ -24,7 +22,8 @@ namespace tavrel::ui {
 ///
 /// Boxes of the picture, elements and windows are merged into one list; the smallest is the target until the wheel or
 /// Space chooses another. The picture is analysed on a worker, once, beginning with the first update(); until that is
-/// done it gives nothing, then the list is made anew. Elements come from outside as answers to questions.
+/// done it gives nothing, then the list is made anew. Nobody waits for the worker: a tracker that ends or gets another
+/// picture leaves it behind. Elements come from outside as answers to questions.
 /// Coordinates are those of the overlay unless they are called global. GUI thread only.
 class HoverTracker final : public QObject
 {
@@ -77,8 +76,10 @@ Q_SIGNALS:
 
 private:
     enum class Reached { Keep, Drop }; ///< what happens to a target that the user chose
+    struct Analysis;                   ///< what tracker and worker share
 
     void prepare();
+    void abandonAnalysis();
     Q_INVOKABLE void onPrepared();
     void findInPicture();
     void giveUpWaiting();
@@ -93,13 +94,8 @@ private:
     QPointF m_pictureOrigin;
     QList<platform::WindowInfo> m_windows;
     QPointF m_globalOrigin;
-    using Finder = std::shared_ptr<const EdgeRegionFinder>;
-    Finder m_finder;
-    bool m_isPreparing = false;
-    std::mutex m_preparedMutex;
-    Finder m_prepared;        ///< under the mutex: what the worker has made
-    qint64 m_preparedKey = 0; ///< under the mutex: of which picture
-    std::thread m_preparing;
+    std::shared_ptr<const EdgeRegionFinder> m_finder;
+    std::shared_ptr<Analysis> m_analysis; ///< the one that runs
 
     std::optional<QPointF> m_point; ///< of the last update
     HoverSources m_sources;

@@ -6,6 +6,7 @@
 #include <QPainter>
 #include <QSemaphore>
 #include <QSignalSpy>
+#include <QThreadPool>
 
 using namespace tavrel;
 using namespace tavrel::ui;
@@ -234,17 +235,91 @@ private Q_SLOTS:
         QVERIFY(m_tracker->target().isNull());
         QTRY_COMPARE(m_tracker->target(), QRectF(20, 20, 60, 60));
 
-        // Not once it has been cleared, and safely after its end.
+        // Not once it has been cleared.
         image.fill(Qt::white);
         m_tracker->setPicture(image, {});
         m_tracker->update({50, 50});
         m_tracker->clear();
         QTRY_VERIFY(m_tracker->isPictureReady());
         QVERIFY(m_tracker->target().isNull());
-        m_tracker->setPicture(QImage(2000, 2000, QImage::Format_RGB32), {});
+    }
+
+    void nobodyWaitsForAnAnalysis()
+    {
+        QThreadPool *pool = QThreadPool::globalInstance();
+        pool->setMaxThreadCount(1);
+        QSemaphore leave;
+        const auto block = [&] { pool->start([&leave] { leave.tryAcquire(1, 10000); }); };
+        QImage image(640, 480, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        QPainter(&image).fillRect(QRect(20, 20, 60, 60), Qt::black);
+        QImage other(640, 480, QImage::Format_RGB32);
+        other.fill(Qt::white);
+        QPainter(&other).fillRect(QRect(30, 30, 100, 80), Qt::black);
+
+        // Another picture comes before the first was begun, then before the word of it has arrived.
+        block();
+        m_tracker->setPicture(image, {});
         m_tracker->update({50, 50});
-        m_tracker.reset();
+        m_tracker->setPicture(other, {});
+        m_tracker->update({50, 50});
+        leave.release();
+        QTRY_COMPARE(m_tracker->target(), QRectF(30, 30, 100, 80));
+        m_tracker->setPicture(image, {});
+        m_tracker->update({50, 50});
+        QVERIFY(pool->waitForDone(10000));
+        block();
+        m_tracker->setPicture(other, {});
+        m_tracker->update({50, 51});
         QCoreApplication::processEvents();
+        QVERIFY(!m_tracker->isPictureReady());
+        leave.release();
+        QTRY_COMPARE(m_tracker->target(), QRectF(30, 30, 100, 80));
+
+        block();
+        m_tracker->setPicture(image, {});
+        m_tracker->update({50, 50});
+        m_tracker.reset(); // before the analysis begins
+        leave.release();
+        QVERIFY(pool->waitForDone(10000));
+        QCoreApplication::processEvents();
+        pool->setMaxThreadCount(QThread::idealThreadCount());
+    }
+
+    void boxesFollowThePointerWithinOneCoarseElement()
+    {
+        QImage image(640, 480, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        painter.fillRect(QRect(120, 120, 60, 60), Qt::black);
+        painter.fillRect(QRect(300, 200, 80, 60), Qt::black);
+        painter.end();
+        m_tracker->setPicture(image, {});
+        const Rects coarse{kWindow};
+        m_tracker->update({150, 150});
+        answer({150, 150}, coarse);
+        QTRY_COMPARE(m_tracker->target(), QRectF(120, 120, 60, 60));
+        for (const Rects &chain : {coarse, Rects()}) { // it says the same again, or nothing
+            m_tracker->update({340, 230});
+            QCOMPARE(m_tracker->target(), QRectF(120, 120, 60, 60));
+            answer({340, 230}, chain);
+            QCOMPARE(m_tracker->target(), QRectF(300, 200, 80, 60));
+            m_tracker->update({150, 150});
+            answer({150, 150}, chain);
+            QCOMPARE(m_tracker->target(), QRectF(120, 120, 60, 60));
+        }
+    }
+
+    void anAnalysisDoesNotEndTheWaitForElements()
+    {
+        QImage image(640, 480, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        m_tracker->update({130, 130});
+        answer({130, 130}, {kButton});
+        m_tracker->setPicture(image, {});
+        m_tracker->update({130, 170}); // off the button
+        QTRY_VERIFY(m_tracker->isPictureReady());
+        QTRY_COMPARE(m_tracker->target(), kWindow); // the old element goes with the end of the wait
     }
 
     void theFrameGlidesToItsTarget()
