@@ -250,7 +250,19 @@ void ColorBoard::takeHsv(const Hsv &hsv)
 
 void ColorBoard::commit()
 {
+    place();
     Q_EMIT colorCommitted(currentHex());
+}
+
+bool ColorBoard::isDragging() const
+{
+    return m_sv->isDragging() || m_hueBar->isDragging() || m_alphaBar->isDragging() || m_row->isDragging();
+}
+
+void ColorBoard::place()
+{
+    if (m_anchor && !isDragging())
+        move(popupPosition(*m_anchor, size(), parentWidget()->size()));
 }
 
 void ColorBoard::chooseChip(const QString &hex)
@@ -284,15 +296,16 @@ void ColorBoard::refreshPalette()
 void ColorBoard::popupAt(const QRect &anchor)
 {
     m_anchor = anchor;
+    if (isVisible() && isDragging())
+        return; // not away from under the pointer; the end of the drag moves it
     ensurePolished();
     layout()->activate();
     adjustSize();
-    move(popupPosition(anchor, size(), parentWidget()->size()));
+    place();
     if (isVisible())
         return; // it has only been moved
     show();
     raise();
-    setFocus(Qt::PopupFocusReason);
 }
 
 QPoint ColorBoard::popupPosition(const QRect &anchor, const QSize &board, const QSize &window)
@@ -346,15 +359,17 @@ void ColorBoard::keyPressEvent(QKeyEvent *event)
 void ColorBoard::resizeEvent(QResizeEvent *event)
 {
     QFrame::resizeEvent(event);
-    if (m_anchor && isVisible())
-        move(popupPosition(*m_anchor, size(), parentWidget()->size()));
+    if (isVisible())
+        place();
 }
 
 void ColorBoard::showEvent(QShowEvent *event)
 {
     QFrame::showEvent(event);
-    if (!event->spontaneous())
-        m_focusBefore = window()->focusWidget();
+    if (event->spontaneous() || !m_anchor)
+        return;
+    m_focusBefore = window()->focusWidget();
+    setFocus(Qt::PopupFocusReason);
 }
 
 void ColorBoard::hideEvent(QHideEvent *event)

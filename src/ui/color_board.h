@@ -49,8 +49,8 @@ public:
     [[nodiscard]] const QColor &baseColor() const { return m_baseColor; } ///< opaque
 
     /// Shows it beside a rectangle of the window it floats over, in that window's coordinates, and gives it the
-    /// keyboard, which goes back when it is hidden. It stays beside it while its height changes. One that is shown
-    /// already is moved, and the keyboard stays where it is.
+    /// keyboard, which goes back when it is hidden; show() does the same once more. It stays beside it while its height
+    /// changes. One that is shown already is moved, and the keyboard stays where it is.
     void popupAt(const QRect &anchor);
     /// Centred below the anchor, above it where that overflows, else at the bottom; 8 from every edge.
     [[nodiscard]] static QPoint popupPosition(const QRect &anchor, const QSize &board, const QSize &window);
@@ -80,6 +80,8 @@ private:
     void refresh();
     void refreshPalette();
     void commit();
+    [[nodiscard]] bool isDragging() const;
+    void place();
     void chooseChip(const QString &hex);
 
     QPointer<ColorLibrary> m_library;

@@ -552,6 +552,12 @@ void TestColorBoard::focusGoesBackWhenHidden()
     m_board->hide();
     QVERIFY(second->hasFocus());
 
+    // Out of the way for a while.
+    m_board->show();
+    QVERIFY(m_board->hasFocus());
+    m_board->hide();
+    QVERIFY(second->hasFocus());
+
     // Moved along with what it stands beside, it leaves the keyboard where it is.
     m_board->popupAt(QRect(300, 20, 40, 20));
     part<HexEdit>()->setFocus();
@@ -560,6 +566,16 @@ void TestColorBoard::focusGoesBackWhenHidden()
     QCOMPARE(m_board->geometry().center().x(), 339);
     m_board->hide();
     QVERIFY(second->hasFocus());
+
+    // But not from under the pointer.
+    m_board->popupAt(QRect(300, 20, 40, 20));
+    auto *sv = part<ColorSvArea>();
+    QTest::mousePress(sv, Qt::LeftButton, {}, at(sv, 0.5, 0.5));
+    m_board->popupAt(QRect(320, 20, 40, 20));
+    QCOMPARE(m_board->geometry().center().x(), 319);
+    QTest::mouseRelease(sv, Qt::LeftButton, {}, at(sv, 0.5, 0.5));
+    QCOMPARE(m_board->geometry().center().x(), 339);
+    m_board->hide();
 
     // The user has gone elsewhere in the meantime.
     m_board->popupAt(QRect(300, 20, 40, 20));
