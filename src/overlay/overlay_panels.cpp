@@ -142,6 +142,7 @@ void OverlayPanels::place()
     const bool showsToolbar = m_toolbar && m_state.isShown;
     const bool showsBar = showsToolbar && m_state.tool != ToolType::None;
     if (showsToolbar) {
+        m_toolbar->setRoom(m_overlay->width() - 2 * kPanelEdge);
         m_toolbar->adjustSize();
         m_attributeBar->setMaximumWidth(m_overlay->width() - 2 * kBarMargin);
         m_attributeBar->adjustSize();

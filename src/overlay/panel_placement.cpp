@@ -8,25 +8,24 @@ namespace {
 
 constexpr int kGap = 6;        ///< between toolbar and attribute bar
 constexpr int kDistance = 15;  ///< from the selection and from the overlay's lower edge
-constexpr int kEdge = 10;      ///< from the overlay's other edges
 constexpr int kRightEdge = 20; ///< from the right one, when the toolbar had to move
 constexpr int kDraggedEdge = 4;
 
 QPoint beside(const QRectF &selection, const QSize &overlay, const QSize &toolbar, int totalHeight)
 {
     int x = static_cast<int>(std::lround(selection.right())) - toolbar.width();
-    if (x < kEdge) {
-        x = std::max(static_cast<int>(std::lround(selection.left())), kEdge);
+    if (x < kPanelEdge) {
+        x = std::max(static_cast<int>(std::lround(selection.left())), kPanelEdge);
         if (x + toolbar.width() > overlay.width() - kRightEdge)
             x = overlay.width() - toolbar.width() - kRightEdge;
     }
-    x = std::max(x, kEdge);
+    x = std::max(x, kPanelEdge);
 
     int y = static_cast<int>(std::lround(selection.bottom())) + kDistance;
     if (y + totalHeight > overlay.height() - kDistance) {
         y = static_cast<int>(std::lround(selection.top())) - totalHeight - kDistance;
         if (y <= kDistance)
-            y = std::max(overlay.height() - totalHeight - kDistance, kEdge);
+            y = std::max(overlay.height() - totalHeight - kDistance, kPanelEdge);
     }
     return {x, y};
 }

@@ -8,6 +8,8 @@
 
 namespace tavrel::ui {
 
+inline constexpr int kPanelEdge = 10; ///< between panels and the overlay's edges but for the lower one
+
 struct PanelPlacement
 {
     QPoint toolbar;

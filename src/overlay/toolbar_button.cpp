@@ -13,6 +13,9 @@ namespace {
 constexpr int kMinWidth = 40;
 constexpr int kMaxWidth = 88;
 constexpr int kTextRoom = 8; ///< beside the text
+constexpr int kTightMinWidth = 32;
+constexpr int kTightTextRoom = 4;
+constexpr int kTightPlainWidth = 22;
 constexpr int kFontSize = 10;
 constexpr int kGlyphButtonWidth = 24;
 constexpr int kGlyphSize = 16;
@@ -59,6 +62,12 @@ void ToolbarButton::setShowLabel(bool show)
     updateSize();
 }
 
+void ToolbarButton::setTight(bool tight)
+{
+    m_isTight = tight;
+    updateSize();
+}
+
 void ToolbarButton::setGlyph(const QString &name)
 {
     m_glyph = name;
@@ -75,14 +84,16 @@ QFont ToolbarButton::labelFont() const
 
 void ToolbarButton::updateSize()
 {
-    const int textWidth =
-        std::clamp(QFontMetrics(labelFont()).horizontalAdvance(text()) + kTextRoom, kMinWidth, kMaxWidth);
+    const int advance = QFontMetrics(labelFont()).horizontalAdvance(text());
+    const int textWidth = std::clamp(advance + kTextRoom, kMinWidth, kMaxWidth);
     setProperty("tavrelTextWidth", textWidth);
     const int height = m_showLabel ? kLabelledHeight : kPlainSide;
     if (!m_glyph.isEmpty())
         setFixedSize(kGlyphButtonWidth, height);
+    else if (m_showLabel)
+        setFixedSize(m_isTight ? std::clamp(advance + kTightTextRoom, kTightMinWidth, kMaxWidth) : textWidth, height);
     else
-        setFixedSize(m_showLabel ? textWidth : kPlainSide, height);
+        setFixedSize(m_isTight ? kTightPlainWidth : kPlainSide, height);
     setToolTip(m_showLabel && m_glyph.isEmpty() ? QString() : text());
     update();
 }

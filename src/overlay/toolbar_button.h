@@ -23,6 +23,8 @@ public:
     /// Its text; with labels hidden it is the tool tip. The accessible name in any case.
     void setLabel(const QString &text);
     void setShowLabel(bool show);
+    /// As narrow as it can be read, for a row that has little room.
+    void setTight(bool tight);
     /// A glyph by name in place of the tool's; such a button shows no text and is as narrow as its glyph.
     void setGlyph(const QString &name);
 
@@ -39,6 +41,7 @@ private:
     ToolType m_tool;
     QString m_glyph;
     bool m_showLabel = true;
+    bool m_isTight = false;
 };
 
 } // namespace tavrel::ui

@@ -113,6 +113,14 @@ void ToolbarWidget::setConfig(const ToolbarLayout &layout)
     refresh();
 }
 
+void ToolbarWidget::setRoom(int width)
+{
+    if (m_room == width)
+        return;
+    m_room = width;
+    fitIntoRoom();
+}
+
 void ToolbarWidget::setCurrentTool(ToolType tool)
 {
     m_currentTool = tool;
@@ -176,15 +184,13 @@ void ToolbarWidget::refresh()
     refreshTexts();
     refreshChecked();
     rebuildOrder();
+    fitIntoRoom();
 }
 
 void ToolbarWidget::refreshTexts()
 {
-    for (const Entry &entry : std::as_const(m_entries)) {
-        entry.button->setShowLabel(m_showLabels);
+    for (const Entry &entry : std::as_const(m_entries))
         entry.button->setLabel(toolbarText(entry.tool));
-    }
-    m_expand->setShowLabel(m_showLabels);
     m_expand->setGlyph(m_expanded ? QStringLiteral("gear") : QStringLiteral("ed_chevronRight"));
     m_expand->setLabel(m_expanded ? QCoreApplication::translate("ToolbarWidget", "配置工具栏")
                                   : QCoreApplication::translate("ToolbarWidget", "展开收起的工具"));
@@ -231,7 +237,27 @@ void ToolbarWidget::rebuildOrder()
     m_row->addWidget(m_expand);
     addGroup(kGapBeforeHistory, m_historySeparator, Group::History);
     addGroup(kGapBeforeResults, m_resultSeparator, Group::Results);
-    m_row->activate();
+}
+
+void ToolbarWidget::fitIntoRoom()
+{
+    struct Look
+    {
+        bool labels;
+        bool tight;
+    };
+    for (const Look look : {Look{true, false}, {true, true}, {false, false}, {false, true}}) {
+        if (look.labels && !m_showLabels)
+            continue;
+        for (const Entry &entry : std::as_const(m_entries)) {
+            entry.button->setShowLabel(look.labels);
+            entry.button->setTight(look.tight);
+        }
+        m_expand->setShowLabel(look.labels);
+        m_row->activate();
+        if (sizeHint().width() <= m_room)
+            break;
+    }
     resize(sizeHint());
 }
 

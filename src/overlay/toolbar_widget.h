@@ -28,6 +28,8 @@ public:
     void setTheme(const Theme &theme);
     void setShowLabels(bool show);
     void setConfig(const ToolbarLayout &layout);
+    /// How wide it may be. A toolbar that is wider closes up, then leaves its labels out. Raises no signal.
+    void setRoom(int width);
     /// A tool behind the arrow expands the toolbar, with `layoutChanged`.
     void setCurrentTool(ToolType tool);
     void setHistoryState(bool canUndo, bool canRedo);
@@ -77,6 +79,7 @@ private:
     void refreshTexts();
     void refreshChecked();
     void rebuildOrder();
+    void fitIntoRoom();
     void notePress(const QMouseEvent &event);
     bool followDrag(const QMouseEvent &event);
     void endDrag();
@@ -85,6 +88,7 @@ private:
     ToolbarLayout m_config;
     ToolType m_currentTool = ToolType::None;
     bool m_showLabels = true;
+    int m_room = QWIDGETSIZE_MAX;
     bool m_expanded = false;
     QList<Entry> m_entries;
     ToolbarButton *m_expand;

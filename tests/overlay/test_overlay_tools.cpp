@@ -161,6 +161,19 @@ private Q_SLOTS:
         QVERIFY(m_overlay->grab().toImage() != before);
     }
 
+    void noButtonOfTheToolbarIsOutOfReach()
+    {
+        ui::ToolbarWidget *toolbar = m_overlay->panels().toolbar();
+        for (const bool expanded : {false, true}) {
+            toolbar->setExpanded(expanded);
+            for (const QRectF &selection :
+                 {QRectF(0, 100, 60, 60), QRectF(580, 100, 60, 60), QRectF(m_overlay->rect())}) {
+                m_overlay->setSelectionRect(selection);
+                QVERIFY(m_overlay->rect().contains(toolbar->geometry()));
+            }
+        }
+    }
+
     void closedFromOutsideItEndsTheSession()
     {
         QSignalSpy closed(m_overlay.get(), &CaptureOverlay::closeRequested);

@@ -158,6 +158,30 @@ private Q_SLOTS:
         QCOMPARE(arrow()->height(), 30);
     }
 
+    void aToolbarWithoutRoomClosesUp()
+    {
+        m_toolbar->setExpanded(true);
+        const QSize roomy = m_toolbar->size();
+        const auto fits = [this](int room) {
+            m_toolbar->setRoom(room);
+            return m_toolbar->width() <= room &&
+                   m_toolbar->rect().contains(button(ToolType::Copy)->geometry().adjusted(0, 0, 8, 4));
+        };
+        QVERIFY(fits(roomy.width()));
+        QCOMPARE(m_toolbar->size(), roomy);
+        QVERIFY(fits(roomy.width() - 1));
+        QCOMPARE(button(ToolType::Copy)->height(), 44); // still with its label
+        QVERIFY(fits(720));
+        QCOMPARE(button(ToolType::Copy)->size(), QSize(30, 30));
+        QCOMPARE(button(ToolType::Copy)->toolTip(), toolbarText(ToolType::Copy));
+        QVERIFY(fits(600));
+        m_toolbar->setExpanded(false);
+        QCOMPARE(button(ToolType::Copy)->size(), QSize(30, 30)); // what fits again is shown again
+        m_toolbar->setRoom(roomy.width());
+        m_toolbar->setExpanded(true);
+        QCOMPARE(m_toolbar->size(), roomy);
+    }
+
     void widthsFollowTheTextWithinBounds_data()
     {
         QTest::addColumn<QString>("text");
