@@ -134,7 +134,10 @@ void OverlayTips::hide()
 {
     if (!m_tip)
         return;
-    delete m_tip;
+    // Later: the host may be walking its children, hiding one after the other.
+    m_tip->hide();
+    m_tip->deleteLater();
+    m_tip.clear();
     if (m_target)
         m_awake.start(m_target->style()->styleHint(QStyle::SH_ToolTip_FallAsleepDelay, nullptr, m_target));
 }

@@ -7,6 +7,7 @@
 #include "ui/value_control.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -80,12 +81,19 @@ AttributeBar::AttributeBar(ShapeDocument *document, QWidget *parent, int fixedWi
     setFormat();
     setStyleSheet(styleOf(m_theme));
     connect(&ColorLibrary::instance(), &ColorLibrary::changed, this, &AttributeBar::rebuildSoon);
+    // A press on what takes no focus would hand it to the next widget below that does: the host, which would end a text
+    // being typed. With the one that has it as its proxy the bar counts as focused, and it stays there.
+    connect(qApp, &QApplication::focusChanged, this, [this](const QWidget *, QWidget *focused) {
+        if (focused != this)
+            setFocusProxy(focused && focused->window() == window() ? focused : nullptr);
+    });
     rebuild();
 }
 
 AttributeBar::~AttributeBar()
 {
     closePopup();
+    disconnect(qApp, nullptr, this, nullptr); // the focus moves on while the widget below this class goes
 }
 
 const ShapeAttributes &AttributeBar::now() const

@@ -143,7 +143,11 @@ void AttributeBar::closePopup()
     m_popup->hide();
     m_popup->deleteLater();
     m_popup.clear();
-    delete m_eyedropper;
+    if (m_eyedropper) {
+        m_eyedropper->hide();
+        m_eyedropper->deleteLater();
+        m_eyedropper.clear();
+    }
 }
 
 void AttributeBar::followPopup()

@@ -5,6 +5,7 @@
 #include "support/test_main.h"
 
 #include <QApplication>
+#include <QPointer>
 #include <QSignalSpy>
 
 using namespace tavrel;
@@ -256,18 +257,25 @@ private Q_SLOTS:
         hover(button(ToolType::Copy));
         QVERIFY(tips->shownText().isEmpty()); // not at once
         QTRY_COMPARE(tips->shownText(), toolbarText(ToolType::Copy));
-        auto *tip = m_ground->findChild<QWidget *>(QStringLiteral("overlayTip"), Qt::FindDirectChildrenOnly);
+        const QPointer<QWidget> tip =
+            m_ground->findChild<QWidget *>(QStringLiteral("overlayTip"), Qt::FindDirectChildrenOnly);
         QVERIFY(tip && tip->isVisible());
         QVERIFY(m_ground->rect().contains(tip->geometry()));
         QVERIFY(!tip->geometry().intersects(m_toolbar->geometry()));
 
         hover(button(ToolType::Copy), QEvent::Leave);
-        QVERIFY(!m_ground->findChild<QWidget *>(QStringLiteral("overlayTip")));
+        QVERIFY(!tip || !tip->isVisible());
         hover(button(ToolType::Save)); // the next one needs no patience
         QCOMPARE(tips->shownText(), toolbarText(ToolType::Save));
         QTest::mousePress(button(ToolType::Save), Qt::LeftButton);
         QVERIFY(tips->shownText().isEmpty());
         QTest::mouseRelease(button(ToolType::Save), Qt::LeftButton);
+
+        hover(button(ToolType::Save), QEvent::Leave);
+        hover(button(ToolType::Copy));
+        QTRY_COMPARE(tips->shownText(), toolbarText(ToolType::Copy));
+        m_ground->hide(); // which walks its children, the tip among them
+        QVERIFY(tips->shownText().isEmpty());
     }
 
     void aTipStaysInsideItsHost_data()

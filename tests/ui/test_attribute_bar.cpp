@@ -39,6 +39,7 @@ class AttributeBarTest : public QObject
 private Q_SLOTS:
     void init()
     {
+        ui::ColorLibrary::instance().reset();
         m_document = std::make_unique<ShapeDocument>();
         m_window = std::make_unique<QWidget>();
         m_window->setFocusPolicy(Qt::StrongFocus);
@@ -301,6 +302,32 @@ private Q_SLOTS:
         edit.setText(QString(186, u'x'));
         edit.insertPattern(QStringLiteral("yyyy-MM-dd"));
         QVERIFY(edit.text().endsWith(u"{{yyyy-MM-dd}}"));
+    }
+
+    /// A press on the bar does not end what is typed elsewhere, nor what is typed in the bar.
+    void pressesLeaveTheFocusWhereItIs()
+    {
+        QLineEdit elsewhere(m_window.get());
+        elsewhere.move(0, 300);
+        elsewhere.show();
+        m_document->setTool(ToolType::Watermark);
+        m_bar->setTool(ToolType::Watermark);
+        m_bar->resize(m_bar->sizeHint());
+        m_bar->show();
+        for (QWidget *typing :
+             {static_cast<QWidget *>(&elsewhere), static_cast<QWidget *>(m_bar->findChild<ui::WatermarkEdit *>())}) {
+            typing->setFocus();
+            QVERIFY(typing->hasFocus());
+            QTest::mouseClick(m_bar, Qt::LeftButton, {}, {3, 3});
+            QVERIFY(typing->hasFocus());
+            QTest::mouseClick(m_bar->findChild<ui::ModernSlider *>(QStringLiteral("opacity")), Qt::LeftButton);
+            QVERIFY(typing->hasFocus());
+        }
+        QTest::mouseClick(m_bar->findChild<QWidget *>(QStringLiteral("swatch1")), Qt::LeftButton);
+        QCOMPARE(m_document->attributes().color, ui::ColorLibrary::instance().colors().value(1));
+        m_window->setFocus();
+        QTest::mouseClick(m_window.get(), Qt::LeftButton, {}, {5, 390});
+        QVERIFY(m_window->hasFocus());
     }
 
     /// The keyboard alone: Tab walks the controls, and a control keeps the focus when all are made anew.
