@@ -253,9 +253,13 @@ void AttributeBar::rebuild()
         old->setParent(nullptr);
         old->deleteLater();
     }
-    followPopup();
     updateGeometry();
+    const QPointer<AttributeBar> self(this);
     Q_EMIT rebuilt();
+    if (!self)
+        return;
+    layout()->activate();
+    followPopup(); // now that its button has its place
 }
 
 void AttributeBar::fill()

@@ -4,6 +4,7 @@
 #include "platform/unsupported/unsupported_services.h"
 #include "settings/settings_store.h"
 #include "support/test_main.h"
+#include "ui/color_library.h"
 #include "ui/dialog_hosts.h"
 
 #include <QApplication>
@@ -296,6 +297,31 @@ private Q_SLOTS:
         change([](SettingsConfig &config) { config.showMagnifier = true; });
         QVERIFY(m_controller->captureHotkeyError().isEmpty());
         QVERIFY(m_hotkeys->press(kCtrl1));
+    }
+
+    void thePaletteLivesInTheSettings()
+    {
+        const QString red = QStringLiteral("#FF0000");
+        const QString blue = QStringLiteral("#0000FF");
+        ui::ColorLibrary &palette = ui::ColorLibrary::instance();
+        change([&](SettingsConfig &config) { config.paletteColors = {red, blue}; });
+        start();
+        QCOMPARE(palette.colors(), QStringList({red, blue}));
+
+        QVERIFY(palette.add(QStringLiteral("00ff00")));
+        palette.move(2, 0);
+        const QStringList expected{QStringLiteral("#00FF00"), red, blue};
+        QCOMPARE(m_settings->config().paletteColors, expected);
+        QCOMPARE(SettingsStore(m_folder->filePath(QStringLiteral("s.ini"))).config().paletteColors, expected);
+
+        change([&](SettingsConfig &config) { config.paletteColors = {blue}; });
+        QCOMPARE(palette.colors(), QStringList{blue});
+        palette.setColors({});
+        QVERIFY(m_settings->config().paletteColors.isEmpty());
+
+        m_controller.reset();
+        palette.reset();
+        QVERIFY(m_settings->config().paletteColors.isEmpty());
     }
 
     void theForegroundGoesBackAfterASession_data()
