@@ -49,6 +49,22 @@ private:
     QString m_text;
 };
 
+/// What lies above the branch that a widget belongs to: a bubble, a bar below the toolbar.
+QRegion panelsAbove(const QWidget *target, const QWidget *host)
+{
+    QRegion panels;
+    bool isAbove = false;
+    for (const QObject *child : host->children()) {
+        const auto *panel = qobject_cast<const QWidget *>(child);
+        if (!panel || panel->isWindow())
+            continue;
+        if (isAbove && panel->isVisible())
+            panels += panel->geometry();
+        isAbove |= panel == target || panel->isAncestorOf(target);
+    }
+    return panels;
+}
+
 int within(int value, int size, int room)
 {
     return std::max(std::min(value, room - size - kEdge), std::min(kEdge, std::max(room - size, 0)));
@@ -56,13 +72,16 @@ int within(int value, int size, int room)
 
 } // namespace
 
-QPoint placeTip(const QRect &anchor, const QSize &tip, const QSize &host)
+QPoint placeTip(const QRect &anchor, const QSize &tip, const QSize &host, const QRegion &readable)
 {
     const int x = within(anchor.center().x() - tip.width() / 2, tip.width(), host.width());
     const int below = anchor.top() + anchor.height() + kGap;
     const int above = anchor.top() - kGap - tip.height();
+    const auto covers = [&](int y) { return readable.intersects(QRect(QPoint(x, y), tip)); };
     const bool fitsBelow = below + tip.height() <= host.height() - kEdge;
-    return {x, within(fitsBelow || above < kEdge ? below : above, tip.height(), host.height())};
+    const bool fitsAbove = above >= kEdge;
+    const bool isBelow = fitsBelow ? !covers(below) || !fitsAbove || covers(above) : !fitsAbove;
+    return {x, within(isBelow ? below : above, tip.height(), host.height())};
 }
 
 OverlayTips::OverlayTips(QObject *parent) : QObject(parent), m_theme(lightTheme())
@@ -124,8 +143,9 @@ void OverlayTips::show()
         return;
     QWidget *host = m_target->window();
     const QRect anchor(m_target->mapTo(host, m_part.topLeft()), m_part.size());
+    const QRegion readable = panelsAbove(m_target, host);
     m_tip = new Tip(host, m_theme, m_text);
-    m_tip->move(placeTip(anchor, m_tip->size(), host->size()));
+    m_tip->move(placeTip(anchor, m_tip->size(), host->size(), readable));
     m_tip->show();
     m_tip->raise();
 }

@@ -5,14 +5,16 @@
 #include <QObject>
 #include <QPointer>
 #include <QRect>
+#include <QRegion>
 #include <QTimer>
 #include <QWidget>
 
 namespace tavrel::ui {
 
 /// Where a tip of this size goes beside what it tells about: below it, else above, always inside the host with some
-/// room around where the host is large enough. All in the host's coordinates.
-[[nodiscard]] QPoint placeTip(const QRect &anchor, const QSize &tip, const QSize &host);
+/// room around where the host is large enough. What should stay readable is covered only if it lies on both sides.
+/// All in the host's coordinates.
+[[nodiscard]] QPoint placeTip(const QRect &anchor, const QSize &tip, const QSize &host, const QRegion &readable = {});
 
 /// Shows tool tips as children of the window they belong to. A window of its own could end up below an overlay that
 /// stands above all windows without a window manager.

@@ -38,7 +38,7 @@ QString css(const QColor &color)
 QString buttonStyle(const QColor &text, const QColor &fill, const QColor &hover, const QColor &ring)
 {
     return QStringLiteral("QPushButton { color: %1; background: %2; border: 2px solid transparent; border-radius: 8px; "
-                          "padding: 4px 14px; font-size: 13px; min-width: 52px; }"
+                          "padding: 4px 14px; font-size: 13px; min-width: 52px; outline: none; }"
                           "QPushButton:hover { background: %3; }"
                           "QPushButton:focus { border: 2px solid %4; }")
         .arg(css(text), css(fill), css(hover), css(ring));

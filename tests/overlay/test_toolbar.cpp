@@ -257,42 +257,76 @@ private Q_SLOTS:
         hover(button(ToolType::Copy));
         QVERIFY(tips->shownText().isEmpty()); // not at once
         QTRY_COMPARE(tips->shownText(), toolbarText(ToolType::Copy));
-        const QPointer<QWidget> tip =
-            m_ground->findChild<QWidget *>(QStringLiteral("overlayTip"), Qt::FindDirectChildrenOnly);
-        QVERIFY(tip && tip->isVisible());
-        QVERIFY(m_ground->rect().contains(tip->geometry()));
-        QVERIFY(!tip->geometry().intersects(m_toolbar->geometry()));
+        QVERIFY(tip());
+        QVERIFY(m_ground->rect().contains(tip()->geometry()));
+        QVERIFY(!tip()->geometry().intersects(m_toolbar->geometry()));
 
         hover(button(ToolType::Copy), QEvent::Leave);
-        QVERIFY(!tip || !tip->isVisible());
+        QVERIFY(!tip());
         hover(button(ToolType::Save)); // the next one needs no patience
         QCOMPARE(tips->shownText(), toolbarText(ToolType::Save));
         QTest::mousePress(button(ToolType::Save), Qt::LeftButton);
         QVERIFY(tips->shownText().isEmpty());
         QTest::mouseRelease(button(ToolType::Save), Qt::LeftButton);
+    }
 
-        hover(button(ToolType::Save), QEvent::Leave);
-        hover(button(ToolType::Copy));
-        QTRY_COMPARE(tips->shownText(), toolbarText(ToolType::Copy));
-        m_ground->hide(); // which walks its children, the tip among them
-        QVERIFY(tips->shownText().isEmpty());
+    void aTipLeavesTheBubbleReadable()
+    {
+        ToolGuideBubble bubble(m_ground.get());
+        bubble.setTools(m_toolbar->hiddenTools());
+        bubble.pointAt(m_toolbar->expandCentre(), m_toolbar->geometry());
+        bubble.show();
+        hover(arrow());
+        QTRY_VERIFY(tip());
+        QVERIFY(!tip()->geometry().intersects(bubble.geometry()));
+        QVERIFY(tip()->y() < m_toolbar->y());
+        hover(arrow(), QEvent::Leave);
+        bubble.hide();
+        hover(arrow());
+        QVERIFY(tip()->y() > m_toolbar->y());
+    }
+
+    void aTipGoesWithItsWindow()
+    {
+        for (const bool isDeleted : {false, true}) {
+            hover(arrow());
+            QTRY_VERIFY(tip());
+            if (isDeleted)
+                m_ground.reset();
+            else
+                m_ground->hide();
+            QVERIFY(isDeleted || !tip());
+            if (!isDeleted)
+                m_ground->show();
+        }
     }
 
     void aTipStaysInsideItsHost_data()
     {
         QTest::addColumn<QRect>("anchor");
+        QTest::addColumn<QRect>("readable");
         QTest::addColumn<QPoint>("expected");
-        QTest::newRow("below") << QRect(100, 100, 30, 30) << QPoint(74, 136);
-        QTest::newRow("above at the bottom") << QRect(100, 260, 30, 30) << QPoint(74, 234);
-        QTest::newRow("left edge") << QRect(0, 100, 30, 30) << QPoint(4, 136);
-        QTest::newRow("right edge") << QRect(380, 100, 30, 30) << QPoint(316, 136);
-        QTest::newRow("no room at all") << QRect(100, -10, 30, 320) << QPoint(74, 276);
+        const QRect none;
+        const QRect middle(100, 100, 30, 30);
+        QTest::newRow("below") << middle << none << QPoint(74, 136);
+        QTest::newRow("above at the bottom") << QRect(100, 260, 30, 30) << none << QPoint(74, 234);
+        QTest::newRow("left edge") << QRect(0, 100, 30, 30) << none << QPoint(4, 136);
+        QTest::newRow("right edge") << QRect(380, 100, 30, 30) << none << QPoint(316, 136);
+        QTest::newRow("no room at all") << QRect(100, -10, 30, 320) << none << QPoint(74, 276);
+        QTest::newRow("a panel below") << middle << QRect(150, 150, 90, 90) << QPoint(74, 74);
+        QTest::newRow("a panel beside") << middle << QRect(154, 136, 90, 90) << QPoint(74, 136);
+        QTest::newRow("panels on both sides") << middle << QRect(100, 0, 30, 300) << QPoint(74, 136);
+        QTest::newRow("a panel below, no room above")
+            << QRect(100, 20, 30, 30) << QRect(0, 60, 400, 9) << QPoint(74, 56);
+        QTest::newRow("no room below, a panel above")
+            << QRect(100, 260, 30, 30) << QRect(0, 230, 400, 9) << QPoint(74, 234);
     }
 
     void aTipStaysInsideItsHost()
     {
         QFETCH(QRect, anchor);
-        QTEST(placeTip(anchor, {80, 20}, {400, 300}), "expected");
+        QFETCH(QRect, readable);
+        QTEST(placeTip(anchor, {80, 20}, {400, 300}, readable), "expected");
     }
 
     void theBubblePointsAtTheArrow_data()
@@ -359,6 +393,13 @@ private:
     [[nodiscard]] ToolbarButton *arrow() const
     {
         return m_toolbar->findChild<ToolbarButton *>(QStringLiteral("toolbarExpand"));
+    }
+    /// The tip that shows; null for none.
+    [[nodiscard]] QWidget *tip() const
+    {
+        const auto tips = m_ground->findChildren<QWidget *>(QStringLiteral("overlayTip"), Qt::FindDirectChildrenOnly);
+        const auto shown = std::find_if(tips.begin(), tips.end(), [](const QWidget *tip) { return tip->isVisible(); });
+        return shown == tips.end() ? nullptr : *shown;
     }
     void click(ToolType tool) { QTest::mouseClick(button(tool), Qt::LeftButton); }
 
