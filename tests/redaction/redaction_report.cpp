@@ -27,7 +27,6 @@ constexpr int kDigits = 8;
 
 struct Row
 {
-    QString name;
     Cover cover;
     int fontSize = 12;
     Format format = Format::Png;
@@ -36,6 +35,36 @@ struct Row
     double numbers = 0;
     double english = 0;
     double chinese = 0;
+
+    [[nodiscard]] QString effectName() const
+    {
+        switch (cover.effect) {
+        case Cover::Effect::Mosaic:
+            return QStringLiteral("mosaic");
+        case Cover::Effect::Blur:
+            return QStringLiteral("blur");
+        case Cover::Effect::MosaicBrush:
+            return QStringLiteral("mosaic brush");
+        case Cover::Effect::BlurBrush:
+            return QStringLiteral("blur brush");
+        case Cover::Effect::EraseWholeBox:
+            break;
+        }
+        return {};
+    }
+    [[nodiscard]] QString formatName() const
+    {
+        return format == Format::Png ? QStringLiteral("PNG") : QStringLiteral("JPEG");
+    }
+    /// As --only finds it.
+    [[nodiscard]] QString name() const
+    {
+        return QStringLiteral("%1 %2 %3 %4").arg(formatName()).arg(fontSize).arg(effectName()).arg(cover.strength);
+    }
+    [[nodiscard]] bool isBeside(const Row &other) const
+    {
+        return cover.effect == other.cover.effect && format == other.format;
+    }
 };
 
 /// The distributions of the standard library differ from one library to the next.
@@ -131,35 +160,55 @@ QList<Row> allRows()
     struct Kind
     {
         Cover::Effect effect;
-        const char *name;
         QList<int> fontSizes;
         QList<int> strengths;
     };
     // Two neighbouring strengths of the blur have one radius; the brush shows the same pixels as the box.
-    const QList<Kind> kinds{{Cover::Effect::Mosaic, "mosaic", {12, 16, 24}, {5, 6, 8, 10, 12, 15, 20, 25, 30, 35, 40}},
-                            {Cover::Effect::Blur, "blur", {12, 16, 24}, {2, 4, 6, 10, 14, 20}},
-                            {Cover::Effect::MosaicBrush, "mosaic brush", {16}, {5, 15}},
-                            {Cover::Effect::BlurBrush, "blur brush", {16}, {4, 20}}};
+    const QList<Kind> kinds{{Cover::Effect::Mosaic, {12, 16, 24}, {5, 6, 8, 10, 12, 15, 20, 25, 30, 35, 40}},
+                            {Cover::Effect::Blur, {12, 16, 24}, {2, 4, 6, 10, 14, 20}},
+                            {Cover::Effect::MosaicBrush, {16}, {5, 15}},
+                            {Cover::Effect::BlurBrush, {16}, {4, 20}}};
     QList<Row> rows;
     for (const Kind &kind : kinds) {
         for (const Format format : {Format::Png, Format::Jpeg}) {
-            for (const int fontSize : kind.fontSizes) {
-                for (const int strength : kind.strengths) {
-                    Row row;
-                    row.cover = {kind.effect, strength};
-                    row.fontSize = fontSize;
-                    row.format = format;
-                    row.name = QStringLiteral("%1 %2 %3 %4")
-                                   .arg(format == Format::Png ? QStringLiteral("PNG") : QStringLiteral("JPEG"))
-                                   .arg(fontSize)
-                                   .arg(QString::fromUtf8(kind.name))
-                                   .arg(strength);
-                    rows.append(row);
-                }
+            for (const int strength : kind.strengths) {
+                for (const int fontSize : kind.fontSizes)
+                    rows.append({{kind.effect, strength}, fontSize, format});
             }
         }
     }
     return rows;
+}
+
+/// One table per effect and format: strengths down, font sizes across.
+void print(const QList<Row> &rows, int texts)
+{
+    std::printf("%d texts of each kind per cell; percent read back: digits / whole numbers / English words / Chinese "
+                "words\n",
+                texts);
+    QString heading;
+    int strength = 0;
+    for (const Row &row : rows) {
+        if (const QString own = QStringLiteral("%1, %2").arg(row.effectName(), row.formatName()); own != heading) {
+            heading = own;
+            strength = 0;
+            QString sizes;
+            QString line;
+            for (const Row &other : rows) {
+                const QString size = QStringLiteral(" %1 px |").arg(other.fontSize);
+                if (other.isBeside(row) && !sizes.contains(size)) {
+                    sizes += size;
+                    line += QStringLiteral("---|");
+                }
+            }
+            std::printf("%s\n| %s |%s\n|---|%s", &row == &rows.first() ? "" : "\n", qPrintable(heading),
+                        qPrintable(sizes), qPrintable(line));
+        }
+        if (row.cover.strength != strength)
+            std::printf("\n| %d |", strength = row.cover.strength);
+        std::printf(" %.0f / %.0f / %.0f / %.0f |", row.digits, row.numbers, row.english, row.chinese);
+    }
+    std::printf("\n");
 }
 
 /// The number behind an option.
@@ -192,7 +241,7 @@ int main(int argc, char *argv[])
 
     QList<Row> rows = allRows();
     if (only >= 0)
-        rows.removeIf([&](const Row &row) { return !row.name.contains(arguments.value(only + 1)); });
+        rows.removeIf([&](const Row &row) { return !row.name().contains(arguments.value(only + 1)); });
     std::atomic<qsizetype> next = 0;
     Row *const first = rows.data();
     std::vector<std::thread> workers;
@@ -206,12 +255,6 @@ int main(int argc, char *argv[])
     for (std::thread &worker : workers)
         worker.join();
 
-    std::printf("%d texts per cell; percent read back\n\n", texts);
-    std::printf("| file, font px, effect, strength | digits | numbers | English words | Chinese words |\n");
-    std::printf("|---|---|---|---|---|\n");
-    for (const Row &row : std::as_const(rows)) {
-        std::printf("| %s | %.0f | %.0f | %.0f | %.0f |\n", qPrintable(row.name), row.digits, row.numbers, row.english,
-                    row.chinese);
-    }
+    print(rows, texts);
     return 0;
 }

@@ -114,6 +114,21 @@ private Q_SLOTS:
             QVERIFY2(erased(text) == empty, qPrintable(text));
     }
 
+    /// Effects read the picture as captured: the upper one shows what it would show alone.
+    void aSecondCoverAddsNothing()
+    {
+        const QImage picture = page(16).withText(u"40718259"_qs);
+        const auto shapes = [](const QString &below) {
+            return u"[%1"_qs.arg(below) + QStringLiteral(R"({"type":"mosaic","x":29,"y":38,"w":98,"h":26}])");
+        };
+        const auto rendered = [&](const QString &below) {
+            return renderSelection(picture, QRectF(picture.rect()), shapes(below), ShapeFactory::standard());
+        };
+        QCOMPARE(rendered(QStringLiteral(R"({"type":"mosaic","x":29,"y":38,"w":98,"h":26,"mosaicMode":"blur"},)")),
+                 rendered({}));
+        QVERIFY(rendered({}) != picture);
+    }
+
     /// What lies outside the selection is not in the file, be it only as far from a mosaic as a block or from a blur as
     /// three radii.
     void whatWasCutOffIsNotInTheFile_data()
