@@ -92,6 +92,36 @@ void growBrush(benchmark::State &state)
 }
 BENCHMARK(growBrush)->Arg(100)->Arg(2000)->Iterations(500)->Unit(benchmark::kMicrosecond);
 
+/// A tiled watermark: its length in characters, and the side of the square that is painted anew, 0 for everything.
+void paintWatermark(benchmark::State &state)
+{
+    QImage image = picture();
+    ShapeDocument document;
+    document.setTool(ToolType::Watermark);
+    QString text;
+    for (int i = 0; i < state.range(0); ++i)
+        text.append(QChar(i % 6 == 5 ? u' ' : char16_t(u'a' + i % 26)));
+    document.setWatermarkText(text);
+    document.setWatermark();
+    ShapeRenderContext context;
+    context.canvasBounds = QRectF(image.rect());
+    const auto side = static_cast<int>(state.range(1));
+    for (auto _ : state) {
+        QPainter painter(&image);
+        if (side > 0)
+            painter.setClipRect(QRect(1900, 1000, side, side));
+        document.paint(painter, context);
+    }
+}
+BENCHMARK(paintWatermark)
+    ->ArgNames({"characters", "side"})
+    ->Args({12, 0})
+    ->Args({12, 300})
+    ->Args({200, 0})
+    ->Args({10'000, 0})
+    ->Args({10'000, 300})
+    ->Unit(benchmark::kMillisecond);
+
 } // namespace
 
 int main(int argc, char **argv)

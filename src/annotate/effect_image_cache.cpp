@@ -16,24 +16,30 @@ constexpr qint64 kMostBytes = 256LL << 20;
 constexpr int kLargestStrength = 4096;
 constexpr int kStrip = 128; ///< columns or rows of one job
 
-/// Division of sums of up to 255.5 times the width, rounded down. Up to a width of 255 a product in 32 bits is exact.
+/// Division of sums of up to 255.5 times the width, rounded down, in ways that the compiler makes vectors of. Up to a
+/// width of 255 a product in 32 bits is exact. Above it the sum plus a half goes through a float: its quotient is at
+/// least 0.5 / width away from every whole number, which up to a width of 8193 is 6.1e-5, and its error below 3.1e-5.
 class MeanOf final
 {
 public:
     explicit MeanOf(int count)
-        : m_count(static_cast<quint32>(count)),
-          m_factor(((1U << 24) + m_count - 1) / m_count),
-          m_isQuick(count < 256)
+        : m_factor(((1U << 24) + static_cast<quint32>(count) - 1) / static_cast<quint32>(count)),
+          m_inverse(1.0F / static_cast<float>(count)),
+          m_isShort(count < 256)
     {}
-    [[nodiscard]] bool isQuick() const { return m_isQuick; }
-    [[nodiscard]] uchar quick(quint32 sum) const { return static_cast<uchar>((sum * m_factor) >> 24); }
-    [[nodiscard]] uchar exact(quint32 sum) const { return static_cast<uchar>(sum / m_count); }
+    [[nodiscard]] bool isShort() const { return m_isShort; }
+    [[nodiscard]] uchar ofShort(quint32 sum) const { return static_cast<uchar>((sum * m_factor) >> 24); }
+    [[nodiscard]] uchar ofLong(quint32 sum) const
+    {
+        return static_cast<uchar>(static_cast<int>((static_cast<float>(static_cast<int>(sum)) + 0.5F) * m_inverse));
+    }
 
 private:
-    quint32 m_count;
     quint32 m_factor;
-    bool m_isQuick;
+    float m_inverse;
+    bool m_isShort;
 };
+static_assert(2 * kLargestStrength + 1 <= 8193);
 
 template <typename Divide>
 void blurLine(const uchar *from, uchar *to, int length, int radius, Divide divide)
@@ -92,10 +98,10 @@ QImage boxBlur(const QImage &image, int radius)
     other.setDevicePixelRatio(now.devicePixelRatio());
     const MeanOf mean(2 * radius + 1);
     const auto both = [&](auto blur) {
-        if (mean.isQuick())
-            blur([&mean](quint32 sum) { return mean.quick(sum); });
+        if (mean.isShort())
+            blur([mean](quint32 sum) { return mean.ofShort(sum); });
         else
-            blur([&mean](quint32 sum) { return mean.exact(sum); });
+            blur([mean](quint32 sum) { return mean.ofLong(sum); });
     };
     const int width = now.width();
     const int height = now.height();

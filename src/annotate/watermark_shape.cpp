@@ -4,7 +4,6 @@
 #include "base/json_read.h"
 
 #include <QDateTime>
-#include <QFontMetricsF>
 
 #include <algorithm>
 #include <array>
@@ -96,7 +95,9 @@ void WatermarkShape::paint(QPainter &painter, const ShapeRenderContext &context)
     if (!fontFamily.isEmpty())
         font = QFont(fontFamily);
     font.setPixelSize(std::max(4, static_cast<int>(std::lround(size))));
-    const QRectF box = QFontMetricsF(font).tightBoundingRect(shown);
+    if (m_stamp.text() != shown || m_stamp.font() != font)
+        m_stamp = TextStamp(shown, font);
+    const QRectF box = m_stamp.box();
     if (box.width() <= 0 || box.height() <= 0)
         return;
     QColor ink = colorFromText(color);
@@ -112,11 +113,12 @@ void WatermarkShape::paint(QPainter &painter, const ShapeRenderContext &context)
         const double stepY = box.height() + size * 3.2;
         painter.translate(area.center());
         painter.rotate(kTilt);
+        const QRectF visible = painter.clipBoundingRect();
         int count = 0;
         int row = 0;
         for (double y = -d; y <= d && count < kMostTexts; y += stepY, ++row) {
             for (double x = -d - stepX + (row % 2) * stepX / 2; x <= d && count < kMostTexts; x += stepX, ++count)
-                painter.drawText(QPointF(x, y) - box.topLeft(), shown);
+                m_stamp.draw(painter, QPointF(x, y) - box.topLeft(), visible);
         }
     } else {
         const double margin = std::max(size * 0.6, 8.0);
@@ -126,7 +128,7 @@ void WatermarkShape::paint(QPainter &painter, const ShapeRenderContext &context)
             at.setX(mode.endsWith(u'l') ? area.left() + margin : area.right() - margin - box.width());
         if (isCorner || mode == u"tc" || mode == u"bc")
             at.setY(mode.startsWith(u't') ? area.top() + margin : area.bottom() - margin - box.height());
-        painter.drawText(at - box.topLeft(), shown);
+        m_stamp.draw(painter, at - box.topLeft(), painter.clipBoundingRect());
     }
     painter.restore();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "annotate/base_shape.h"
+#include "annotate/text_stamp.h"
 
 namespace tavrel {
 
@@ -35,6 +36,9 @@ public:
     double fontSize = 20.0;
     QString fontFamily;
     qint64 stamp; ///< when the text was last changed, so that rendering anew shows the same time
+
+private:
+    mutable TextStamp m_stamp; ///< of the text as last painted
 };
 
 } // namespace tavrel

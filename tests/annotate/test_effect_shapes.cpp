@@ -65,6 +65,33 @@ private Q_SLOTS:
         QCOMPARE(qRed(means.pixel(4, 0)), 40);
     }
 
+    /// Three rounds of plain means, rounded to nearest, with the edge repeated; along a line and across one.
+    void blurIsThreeRoundsOfMeans()
+    {
+        for (const int radius : {1, 2, 127, 128, 900}) {
+            const QImage image = noise({300, 1});
+            QList<int> values;
+            for (int x = 0; x < image.width(); ++x)
+                values.append(qGreen(image.pixel(x, 0)));
+            for (int round = 0; round < 3; ++round) {
+                QList<int> means;
+                for (int x = 0; x < values.size(); ++x) {
+                    qint64 sum = radius; // half of the width
+                    for (int i = x - radius; i <= x + radius; ++i)
+                        sum += values[std::clamp(i, 0, static_cast<int>(values.size()) - 1)];
+                    means.append(static_cast<int>(sum / (2 * radius + 1)));
+                }
+                values = means;
+            }
+            const QImage along = boxBlur(image, radius);
+            const QImage across = boxBlur(image.transformed(QTransform().rotate(90)), radius);
+            for (int x = 0; x < values.size(); ++x) {
+                QCOMPARE(qGreen(along.pixel(x, 0)), values[x]);
+                QCOMPARE(qGreen(across.pixel(0, x)), values[x]);
+            }
+        }
+    }
+
     void blurOfAPartIsThePartOfTheBlur_data()
     {
         QTest::addColumn<int>("radius");
@@ -161,6 +188,50 @@ private Q_SLOTS:
         QFETCH(QString, text);
         const qint64 stamp = QDateTime(QDate(2026, 3, 4), QTime(0, 5, 9)).toMSecsSinceEpoch();
         QTEST(WatermarkShape::expand(text, stamp), "shown");
+    }
+
+    /// A repaint of a part leaves no seam, however long the text is and whatever is in it.
+    void watermarkInPartsIsTheWholeWatermark_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("mode");
+        for (const char *mode : {"tile", "br"}) {
+            QTest::addRow("words, %s", mode) << QStringLiteral("Draft of today") << QString::fromLatin1(mode);
+            QTest::addRow("10,000 characters, %s", mode)
+                << QStringLiteral("words ").repeated(1667) << QString::fromLatin1(mode);
+            QTest::addRow("emoji and right to left, %s", mode)
+                << QStringLiteral("😀שלום عربي 👩‍👩‍👧 abc\u2028x").repeated(9)
+                << QString::fromLatin1(mode);
+        }
+    }
+
+    void watermarkInPartsIsTheWholeWatermark()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, mode);
+        ShapeDocument document;
+        document.setWatermarkText(text);
+        document.setWatermarkMode(mode);
+        document.setWatermark();
+        ShapeRenderContext context;
+        context.canvasBounds = QRectF(0, 0, 500, 300);
+        QImage whole(500, 300, QImage::Format_ARGB32_Premultiplied);
+        whole.fill(Qt::white);
+        QImage parts = whole;
+        const QImage plain = whole;
+        QPainter painter(&whole);
+        document.paint(painter, context);
+        painter.end();
+        for (int y = 0; y < 300; y += 60) {
+            for (int x = 0; x < 500; x += 70) {
+                painter.begin(&parts);
+                painter.setClipRect(x, y, 70, 60);
+                document.paint(painter, context);
+                painter.end();
+            }
+        }
+        QVERIFY(whole != plain);
+        QCOMPARE(parts, whole);
     }
 
     void watermarkKeepsItsTimeUntilTheTextChanges()
