@@ -13,6 +13,7 @@
 #include <QWheelEvent>
 
 #include <algorithm>
+#include <array>
 
 namespace tavrel::ui {
 namespace {
@@ -112,7 +113,7 @@ void ToolbarConfigDialog::retranslate()
 {
     m_cancel->setText(QCoreApplication::translate("ToolbarConfigDialog", "取消"));
     m_done->setText(QCoreApplication::translate("ToolbarConfigDialog", "完成"));
-    setAccessibleName(m_editor->accessibleName());
+    setAccessibleName(ToolbarLayoutEditor::title());
 }
 
 void ToolbarConfigDialog::cancel()
@@ -248,12 +249,15 @@ void ToolbarConfigDialog::keyReleaseEvent(QKeyEvent *event)
     event->accept();
 }
 
-bool ToolbarConfigDialog::focusNextPrevChild(bool)
+bool ToolbarConfigDialog::focusNextPrevChild(bool next)
 {
     if (!isVisible())
         return false;
-    QWidget *next = m_cancel->hasFocus() ? m_done : m_cancel; // two stops: either way it is the other one
-    next->setFocus(Qt::TabFocusReason);
+    const std::array<QWidget *, 3> stops{m_editor, m_cancel, m_done};
+    const auto at = std::find_if(stops.begin(), stops.end(), [](const QWidget *stop) { return stop->hasFocus(); });
+    const auto before = at == stops.end() || at == stops.begin() ? stops.end() : at;
+    const auto after = at == stops.end() || at + 1 == stops.end() ? stops.begin() : at + 1;
+    (next ? *after : *(before - 1))->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
     return true;
 }
 

@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 #include <QFontMetrics>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -20,6 +21,7 @@ constexpr int kCellGap = 3;
 constexpr int kSectionPadding = 6; ///< around the cells
 constexpr int kTitleHeight = 24;
 constexpr int kHelpGap = 4;     ///< below the title
+constexpr int kLinkRoom = 12;   ///< left of the link, still hits it
 constexpr int kSectionGap = 12; ///< above a section
 constexpr int kSectionTitleHeight = 20;
 constexpr int kMarkWidth = 3;
@@ -30,6 +32,7 @@ constexpr int kHelpSize = 11;
 constexpr int kSectionTitleSize = 12;
 constexpr int kLabelSize = 10;
 constexpr int kDragDistance = 4;
+constexpr double kRing = 2;             ///< around what has the keyboard
 constexpr double kLiftedOpacity = 0.35; ///< of the place that a dragged tool has left
 constexpr int kHelpFlags = Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap;
 
@@ -42,6 +45,8 @@ const char *const kTitle = QT_TRANSLATE_NOOP("ToolbarLayoutEditor", "工具栏�
 const char *const kRestore = QT_TRANSLATE_NOOP("ToolbarLayoutEditor", "恢复默认");
 const char *const kHelp =
     QT_TRANSLATE_NOOP("ToolbarLayoutEditor", "按住工具拖动：在工具栏内松手 = 调整位置；拖进下方「待选工具」= 收起");
+const char *const kKeyHelp =
+    QT_TRANSLATE_NOOP("ToolbarLayoutEditor", "方向键选择工具；Ctrl + ←/→ = 调整位置；空格 = 收起或放回");
 const char *const kToolbar = QT_TRANSLATE_NOOP("ToolbarLayoutEditor", "工具栏");
 const char *const kHidden = QT_TRANSLATE_NOOP("ToolbarLayoutEditor", "待选工具（拖到这里 = 收起）");
 
@@ -64,11 +69,13 @@ ToolbarLayoutEditor::ToolbarLayoutEditor(QWidget *parent)
     : QWidget(parent),
       m_theme(lightTheme()),
       m_config(defaultToolbarLayout()),
-      m_tips(new OverlayTips(this))
+      m_tips(new OverlayTips(this)),
+      m_current(m_config.first().tool)
 {
     setObjectName(QStringLiteral("toolbarLayoutEditor"));
     setMinimumWidth(kMinWidth);
     setMouseTracking(true);
+    setFocusPolicy(Qt::TabFocus);
     layOut();
 }
 
@@ -98,6 +105,11 @@ QSize ToolbarLayoutEditor::sizeHint() const
     return {kMinWidth, height()};
 }
 
+QString ToolbarLayoutEditor::title()
+{
+    return text(kTitle);
+}
+
 QRect ToolbarLayoutEditor::headerRect() const
 {
     return {0, 0, width(), kTitleHeight};
@@ -117,12 +129,13 @@ void ToolbarLayoutEditor::layOut()
     m_labelsFit = std::all_of(m_config.begin(), m_config.end(), [this](const ToolbarItem &item) {
         return QFontMetrics(sized(font(), kLabelSize)).horizontalAdvance(toolbarText(item.tool)) <= kCell - 2;
     });
-    setAccessibleName(text(kTitle));
-    setAccessibleDescription(text(kHelp));
-    const int linkWidth = QFontMetrics(sized(font(), kLinkSize)).horizontalAdvance(text(kRestore)) + 12;
+    setAccessibleDescription(text(kHelp) + u'\n' + text(kKeyHelp));
+    const int linkWidth = QFontMetrics(sized(font(), kLinkSize)).horizontalAdvance(text(kRestore)) + kLinkRoom;
     m_restore = {width() - linkWidth, 0, linkWidth, kTitleHeight};
     const QRect helpRoom(0, kTitleHeight + kHelpGap, width(), QWIDGETSIZE_MAX);
-    m_help = QFontMetrics(sized(font(), kHelpSize)).boundingRect(helpRoom, kHelpFlags, text(kHelp));
+    const QFontMetrics helpMetrics(sized(font(), kHelpSize));
+    m_help = helpMetrics.boundingRect(helpRoom, kHelpFlags, text(kHelp)) |
+             helpMetrics.boundingRect(helpRoom, kHelpFlags, text(kKeyHelp));
     m_help.setWidth(width());
 
     m_cells.clear();
@@ -133,6 +146,7 @@ void ToolbarLayoutEditor::layOut()
     m_toolbarSection = placeSection(true, m_help.top() + m_help.height() + kSectionGap);
     m_hiddenSection = placeSection(false, m_toolbarSection.top() + m_toolbarSection.height() + kSectionGap);
     setFixedHeight(m_hiddenSection.top() + m_hiddenSection.height());
+    describe();
     updateGeometry();
     update();
 }
@@ -202,7 +216,7 @@ void ToolbarLayoutEditor::mousePressEvent(QMouseEvent *event)
     }
     m_pressed = cell->tool;
     m_pressPoint = point;
-    update();
+    goTo(cell->tool);
 }
 
 void ToolbarLayoutEditor::mouseMoveEvent(QMouseEvent *event)
@@ -243,11 +257,12 @@ void ToolbarLayoutEditor::mouseReleaseEvent(QMouseEvent *event)
     const bool dragged = m_dragging;
     const Drop drop = m_drop;
     const ToolType before = m_before;
-    const bool isVisible = m_toolbarSection.contains(cellRect(tool));
     endDrag();
-    if (dragged ? drop == Drop::Hide : isVisible)
+    if (!dragged)
+        toggle(tool);
+    else if (drop == Drop::Hide)
         change(withToolHidden(m_config, tool));
-    else if (!dragged || drop == Drop::Insert)
+    else if (drop == Drop::Insert)
         change(withToolShown(m_config, tool, before));
     updateHover(event->position().toPoint());
 }
@@ -260,6 +275,12 @@ void ToolbarLayoutEditor::endDrag()
     m_before = ToolType::None;
     unsetCursor();
     update();
+}
+
+void ToolbarLayoutEditor::toggle(ToolType tool)
+{
+    const bool isVisible = m_toolbarSection.contains(cellRect(tool));
+    change(isVisible ? withToolHidden(m_config, tool) : withToolShown(m_config, tool, ToolType::None));
 }
 
 void ToolbarLayoutEditor::change(const ToolbarLayout &layout)
@@ -286,6 +307,133 @@ void ToolbarLayoutEditor::updateHover(const QPoint &point)
     else
         m_tips->leave();
     update();
+}
+
+// --- keyboard --------------------------------------------------------------------------------------------------------
+
+void ToolbarLayoutEditor::keyPressEvent(QKeyEvent *event)
+{
+    const bool moves = event->modifiers().testFlag(Qt::ControlModifier);
+    if (m_pressed != ToolType::None) // the pointer has it
+        return;
+    switch (event->key()) {
+    case Qt::Key_Left:
+    case Qt::Key_Right: {
+        const int step = event->key() == Qt::Key_Left ? -1 : 1;
+        if (moves)
+            moveCurrent(step);
+        else
+            goTo(beside(step));
+        break;
+    }
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+        goTo(inNextRow(event->key() == Qt::Key_Up ? -1 : 1));
+        break;
+    case Qt::Key_Home:
+        goTo(m_cells.first().tool);
+        break;
+    case Qt::Key_End:
+        goTo(m_cells.last().tool);
+        break;
+    case Qt::Key_Space:
+        if (m_current == ToolType::None)
+            change(defaultToolbarLayout());
+        else
+            toggle(m_current);
+        break;
+    default:
+        event->ignore();
+        return;
+    }
+    tipForCurrent();
+}
+
+ToolType ToolbarLayoutEditor::beside(int step) const
+{
+    const auto here =
+        std::find_if(m_cells.begin(), m_cells.end(), [this](const Cell &cell) { return cell.tool == m_current; });
+    const auto at = (here == m_cells.end() ? -1 : here - m_cells.begin()) + step;
+    return at < 0 ? ToolType::None : m_cells.at(std::min(at, m_cells.size() - 1)).tool;
+}
+
+ToolType ToolbarLayoutEditor::inNextRow(int step) const
+{
+    if (m_current == ToolType::None)
+        return step > 0 ? m_cells.first().tool : m_current;
+    const QRect here = cellRect(m_current);
+    const Cell *found = nullptr;
+    for (const Cell &cell : m_cells) {
+        const int away = (cell.rect.top() - here.top()) * step;
+        if (away <= 0)
+            continue;
+        const auto rank = [&](const Cell &other) {
+            return std::pair(std::abs(other.rect.top() - here.top()), std::abs(other.rect.left() - here.left()));
+        };
+        if (!found || rank(cell) < rank(*found))
+            found = &cell;
+    }
+    return found ? found->tool : step < 0 ? ToolType::None : m_current;
+}
+
+void ToolbarLayoutEditor::moveCurrent(int step)
+{
+    QList<ToolType> shown;
+    for (const Cell &cell : std::as_const(m_cells)) {
+        if (cell.visible)
+            shown.append(cell.tool);
+    }
+    const qsizetype at = shown.indexOf(m_current);
+    if (at < 0 || at + step < 0)
+        return;
+    change(withToolShown(m_config, m_current, shown.value(step < 0 ? at - 1 : at + 2, ToolType::None)));
+}
+
+void ToolbarLayoutEditor::goTo(ToolType tool)
+{
+    m_current = tool;
+    describe();
+    update();
+}
+
+/// What has the keyboard is all there is to hear of the cells.
+void ToolbarLayoutEditor::describe()
+{
+    QString name = title();
+    if (hasFocus() && m_current == ToolType::None)
+        name = text(kRestore);
+    else if (hasFocus())
+        name = toolbarText(m_current) + QStringLiteral(", ") +
+               text(m_toolbarSection.contains(cellRect(m_current)) ? kToolbar : kHidden);
+    if (name != accessibleName())
+        setAccessibleName(name);
+}
+
+void ToolbarLayoutEditor::tipForCurrent()
+{
+    if (m_labelsFit || m_current == ToolType::None)
+        m_tips->leave();
+    else
+        m_tips->enter(this, cellRect(m_current), toolbarText(m_current));
+}
+
+QString ToolbarLayoutEditor::help() const
+{
+    return text(hasFocus() ? kKeyHelp : kHelp);
+}
+
+void ToolbarLayoutEditor::focusInEvent(QFocusEvent *event)
+{
+    QWidget::focusInEvent(event);
+    goTo(m_current);
+    tipForCurrent();
+}
+
+void ToolbarLayoutEditor::focusOutEvent(QFocusEvent *event)
+{
+    QWidget::focusOutEvent(event);
+    goTo(m_current);
+    m_tips->leave();
 }
 
 void ToolbarLayoutEditor::leaveEvent(QEvent *event)
@@ -331,7 +479,7 @@ void ToolbarLayoutEditor::paintEvent(QPaintEvent *)
     painter.drawText(m_restore, Qt::AlignRight | Qt::AlignVCenter, text(kRestore));
     painter.setFont(sized(font(), kHelpSize));
     painter.setPen(m_theme.secondaryText());
-    painter.drawText(m_help, kHelpFlags, text(kHelp));
+    painter.drawText(m_help, kHelpFlags, help());
 
     paintSection(painter, m_toolbarSection, text(kToolbar), m_drop == Drop::Insert);
     paintSection(painter, m_hiddenSection, text(kHidden), m_drop == Drop::Hide);
@@ -341,6 +489,14 @@ void ToolbarLayoutEditor::paintEvent(QPaintEvent *)
         paintCell(painter, cell, cell.rect, false);
     }
     painter.setOpacity(1);
+    if (hasFocus() && !m_dragging) {
+        painter.setPen(QPen(m_theme.accent(), kRing));
+        painter.setBrush(Qt::NoBrush);
+        if (m_current != ToolType::None)
+            painter.drawRoundedRect(QRectF(cellRect(m_current)).adjusted(1, 1, -1, -1), 8, 8);
+        else // its text ends where the card's content does: no room for a ring
+            painter.drawLine(m_restore.bottomLeft() + QPoint(kLinkRoom, -1), m_restore.bottomRight() + QPoint(1, -1));
+    }
     if (m_dragging) {
         for (const Cell &cell : m_cells) {
             if (cell.tool == m_pressed)

@@ -12,7 +12,8 @@ namespace tavrel::ui {
 class OverlayTips;
 
 /// Says which tools the toolbar shows and in which order: cells to drag within the toolbar's section and between it and
-/// the section of the tools behind the arrow. A click on a cell moves it into the other section.
+/// the section of the tools behind the arrow. A click on a cell moves it into the other section. With the keyboard the
+/// arrows lead from cell to cell and up to the link, together with Ctrl they move the tool, and Space is the click.
 ///
 /// It sets its own height. A press that hits nothing of it is left to the window around it.
 class ToolbarLayoutEditor final : public QWidget
@@ -30,6 +31,7 @@ public:
     void fitTo(int width);
 
     [[nodiscard]] const ToolbarLayout &toolbarLayout() const { return m_config; }
+    [[nodiscard]] static QString title();
     /// The line of the title, where a window may be dragged.
     [[nodiscard]] QRect headerRect() const;
     /// Where things are painted, in the editor's coordinates.
@@ -51,6 +53,9 @@ protected:
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void leaveEvent(QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
     void hideEvent(QHideEvent *event) override;
 
 private:
@@ -69,6 +74,14 @@ private:
     [[nodiscard]] ToolType insertionBefore(const QPoint &point) const;
     [[nodiscard]] QRect insertionMark() const;
     void updateHover(const QPoint &point);
+    void goTo(ToolType tool);
+    [[nodiscard]] ToolType beside(int step) const;
+    [[nodiscard]] ToolType inNextRow(int step) const;
+    void toggle(ToolType tool);
+    void moveCurrent(int step);
+    void describe();
+    void tipForCurrent();
+    [[nodiscard]] QString help() const;
     void change(const ToolbarLayout &layout);
     void endDrag();
     void paintSection(QPainter &painter, const QRect &section, const QString &title, bool isTarget) const;
@@ -86,6 +99,7 @@ private:
 
     ToolType m_hovered = ToolType::None;
     bool m_restoreHovered = false;
+    ToolType m_current; ///< of the keyboard; `None` on the link
     ToolType m_pressed = ToolType::None;
     bool m_dragging = false;
     QPoint m_pressPoint;

@@ -4,7 +4,6 @@
 #include "support/test_main.h"
 
 #include <QApplication>
-#include <QPushButton>
 #include <QSignalSpy>
 
 using namespace tavrel;
@@ -183,6 +182,58 @@ private Q_SLOTS:
         QCOMPARE(changed.size(), 1);
     }
 
+    void theKeyboardDoesWhatThePointerDoes_data()
+    {
+        QTest::addColumn<QString>("keys"); ///< l r u d: arrows, L R: with Ctrl, s: Space, h e: Home and End
+        QTest::addColumn<QString>("visible");
+        QTest::addColumn<QString>("current");
+        const QString same = QLatin1String(kVisible);
+        const auto row = [](const char *name, const char *keys, const QString &visible, ToolType current) {
+            QTest::newRow(name) << QString::fromLatin1(keys) << visible
+                                << (current == ToolType::None ? QStringLiteral("恢复默认") : toolbarText(current));
+        };
+        row("along the row and over its end", "rrrrrrrrr", same, ToolType::Record);
+        row("on to the hidden ones and no further", "eeerr", same, ToolType::Watermark);
+        row("down the rows", "rdd", same, ToolType::Spotlight);
+        row("down where the row is shorter", "rrrrd", same, ToolType::LongScreenshot);
+        row("up and out to the link", "rduul", same, ToolType::None);
+        row("from the link", "uur", same, ToolType::Rect);
+        row("moved right", "RR",
+            QStringLiteral("arrow pen rect marker eraser mosaic text sequence ocr record "
+                           "long_screenshot"),
+            ToolType::Rect);
+        row("moved left, no further than the first", "rLLL",
+            QStringLiteral("arrow rect pen marker eraser mosaic text sequence ocr record long_screenshot"),
+            ToolType::Arrow);
+        row("moved to the end", "rdR", same, ToolType::LongScreenshot);
+        row("hidden ones have no order to move in", "eLR", same, ToolType::Watermark);
+        row("hidden", "rs", QStringLiteral("rect pen marker eraser mosaic text sequence ocr record long_screenshot"),
+            ToolType::Arrow);
+        row("shown again", "es", same + QStringLiteral(" watermark"), ToolType::Watermark);
+        row("restored", "rssuus", same, ToolType::None);
+    }
+
+    void theKeyboardDoesWhatThePointerDoes()
+    {
+        QFETCH(QString, keys);
+        m_editor->setFocus(Qt::TabFocusReason);
+        QVERIFY(m_editor->hasFocus());
+        for (const QChar key : keys) {
+            const Qt::Key code = key.toLower() == u'l'   ? Qt::Key_Left
+                                 : key.toLower() == u'r' ? Qt::Key_Right
+                                 : key == u'u'           ? Qt::Key_Up
+                                 : key == u'd'           ? Qt::Key_Down
+                                 : key == u's'           ? Qt::Key_Space
+                                 : key == u'h'           ? Qt::Key_Home
+                                                         : Qt::Key_End;
+            QTest::keyClick(m_editor, code, key.isUpper() ? Qt::ControlModifier : Qt::NoModifier);
+        }
+        QTEST(words(m_editor->toolbarLayout(), true), "visible");
+        QFETCH(QString, current);
+        QCOMPARE(m_editor->accessibleName().section(u',', 0, 0), current);
+        QCOMPARE(m_ground->events, 0);
+    }
+
     void textsThatComeDuringADragAreIgnored()
     {
         const QPoint from = centre(ToolType::Pen);
@@ -277,10 +328,17 @@ private Q_SLOTS:
         QTest::keyClick(m_dialog, Qt::Key_A);
         QTest::keyClick(m_dialog, Qt::Key_C, Qt::ControlModifier);
         QSignalSpy closed(m_dialog, &ToolbarConfigDialog::closeRequested);
-        QTest::keyClick(m_dialog, Qt::Key_Tab);
+        for (QWidget *stop : {static_cast<QWidget *>(m_editor), button("toolbarConfigCancel"),
+                              button("toolbarConfigDone"), static_cast<QWidget *>(m_editor)}) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            QCOMPARE(QApplication::focusWidget(), stop);
+        }
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_A);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab);
+        QCOMPARE(QApplication::focusWidget(), button("toolbarConfigDone"));
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab);
         QCOMPARE(QApplication::focusWidget(), button("toolbarConfigCancel"));
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-        QCOMPARE(QApplication::focusWidget(), button("toolbarConfigDone"));
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
         QCOMPARE(closed.size(), 1);
         QCOMPARE(m_ground->events, 0);
@@ -291,9 +349,9 @@ private Q_SLOTS:
 private:
     [[nodiscard]] QPoint centre(ToolType tool) const { return m_editor->cellRect(tool).center(); }
     void click(ToolType tool) { QTest::mouseClick(m_editor, Qt::LeftButton, {}, centre(tool)); }
-    [[nodiscard]] QPushButton *button(const char *name) const
+    [[nodiscard]] QWidget *button(const char *name) const
     {
-        return m_dialog->findChild<QPushButton *>(QString::fromLatin1(name));
+        return m_dialog->findChild<QWidget *>(QString::fromLatin1(name));
     }
 
     std::unique_ptr<Ground> m_ground;
