@@ -831,6 +831,14 @@
         <source>水印文字</source>
         <translation>Watermark text</translation>
     </message>
+    <message>
+        <source>块大小不到 40 时，号码仍可能被还原；常见词语在任何块大小下都可能被猜出。要彻底去除，请用智能擦除的“整个框都补掉”。</source>
+        <translation>Below a block size of 40 numbers may still be read back; common words may be guessed at any size. To remove text for good, use Smart erase with “Fill the whole box”.</translation>
+    </message>
+    <message>
+        <source>模糊强度 1 到 20 都可能被还原，请勿用来遮盖机密文字。要彻底去除，请用智能擦除的“整个框都补掉”。</source>
+        <translation>Blurred text may be read back at every strength from 1 to 20; do not hide secrets with it. To remove text for good, use Smart erase with “Fill the whole box”.</translation>
+    </message>
 </context>
 <context>
     <name>tavrel::ui::ColorBoard</name>

@@ -4,6 +4,7 @@
 #include "app/detect_probe.h"
 #include "app/elements_probe.h"
 #include "app/erase_tools.h"
+#include "app/shape_sheet.h"
 #include "app/toolbar_preview.h"
 #include "ui/icon_sheet.h"
 
@@ -64,6 +65,7 @@ constexpr std::array kOneShots{
     OneShot{"--render-toolbar-config-preview", renderToolbarConfigPreview},
     OneShot{"--render-smart-erase-preview", renderSmartErasePreview},
     OneShot{"--erase-image", runEraseImage},
+    OneShot{"--render-shape-sheet", renderShapeSheet},
     OneShot{"--render-icon-sheet", renderIconSheet},
     OneShot{"--elements-probe", runElementsProbe},
     OneShot{"--detect-probe", detectProbe},

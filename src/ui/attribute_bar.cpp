@@ -379,8 +379,8 @@ void AttributeBar::addThickness()
     add(capsule);
 }
 
-void AttributeBar::addValue(const QString &key, const QString &label, ValueRange range, double value,
-                            const std::function<void(ShapeDocument &, int, bool)> &change)
+QWidget *AttributeBar::addValue(const QString &key, const QString &label, ValueRange range, double value,
+                                const std::function<void(ShapeDocument &, int, bool)> &change)
 {
     auto *control = new ValueControl(key, label, range.least, range.most, qRound(value),
                                      key == u"opacity" ? QStringLiteral("%") : QString(), m_theme, m_content);
@@ -392,6 +392,7 @@ void AttributeBar::addValue(const QString &key, const QString &label, ValueRange
         apply([&](ShapeDocument &document) { change(document, next, true); }, After::Keep);
     });
     add(control);
+    return control;
 }
 
 void AttributeBar::addFontSize(ValueRange range)

@@ -108,8 +108,8 @@ private:
         int least;
         int most;
     };
-    void addValue(const QString &key, const QString &label, ValueRange range, double value,
-                  const std::function<void(ShapeDocument &, int value, bool isFinal)> &change);
+    QWidget *addValue(const QString &key, const QString &label, ValueRange range, double value,
+                      const std::function<void(ShapeDocument &, int value, bool isFinal)> &change);
     void addHint(const QString &text);
     void addFontSize(ValueRange range);
     void addSwatches();

@@ -240,16 +240,21 @@ void AttributeBar::fillMosaic()
                    changeVariant(ToolType::Mosaic);
                });
     addSeparator();
-    if (isMosaic)
-        addValue(QStringLiteral("blockSize"), tr("马赛克块大小"), {5, 40}, now().mosaicStrength,
-                 [](ShapeDocument &document, int value, bool isFinal) {
-                     document.setMosaicStrength(value, commitIf(isFinal));
-                 });
-    else
-        addValue(QStringLiteral("strength"), tr("模糊强度"), {1, 20}, now().blurStrength,
-                 [](ShapeDocument &document, int value, bool isFinal) {
-                     document.setBlurStrength(value, commitIf(isFinal));
-                 });
+    // docs/redaction.md has the figures behind these.
+    const QString honest =
+        isMosaic
+            ? tr("块大小不到 40 时，号码仍可能被还原；常见词语在任何块大小下都可能被猜出。"
+                 "要彻底去除，请用智能擦除的“整个框都补掉”。")
+            : tr("模糊强度 1 到 20 都可能被还原，请勿用来遮盖机密文字。要彻底去除，请用智能擦除的“整个框都补掉”。");
+    QWidget *value = isMosaic ? addValue(QStringLiteral("blockSize"), tr("马赛克块大小"), {5, 40}, now().mosaicStrength,
+                                         [](ShapeDocument &document, int size, bool isFinal) {
+                                             document.setMosaicStrength(size, commitIf(isFinal));
+                                         })
+                              : addValue(QStringLiteral("strength"), tr("模糊强度"), {1, 20}, now().blurStrength,
+                                         [](ShapeDocument &document, int strength, bool isFinal) {
+                                             document.setBlurStrength(strength, commitIf(isFinal));
+                                         });
+    value->setToolTip(honest);
 }
 
 void AttributeBar::fillErase()
