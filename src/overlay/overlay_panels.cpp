@@ -181,7 +181,8 @@ void OverlayPanels::placeGuide()
         });
     }
     m_guide->setTools(m_toolbar->hiddenTools());
-    m_guide->pointAt(m_toolbar->expandCentre(), m_toolbar->geometry());
+    m_guide->pointAt(m_toolbar->expandCentre(), m_toolbar->geometry(),
+                     m_attributeBar->isHidden() ? QRect() : m_attributeBar->geometry());
     m_guide->show();
     m_guide->raise();
 }

@@ -27,17 +27,23 @@ constexpr int kTextFlags = Qt::AlignLeft | Qt::AlignVCenter | Qt::TextWordWrap;
 
 } // namespace
 
-GuideBubblePlacement placeGuideBubble(const QPoint &target, const QRect &toolbar, const QSize &overlay, int height)
+GuideBubblePlacement placeGuideBubble(const QPoint &target, const QRect &toolbar, const QSize &overlay, int height,
+                                      const QRect &bar)
 {
     constexpr int kTargetInBubble = 158;
     constexpr int kEdge = 6;
     constexpr int kGap = 6;
+    constexpr int kTopEdge = 4;
     constexpr int kArrowInset = 16; ///< keeps the arrow off the rounded corners
     const int x = std::clamp(target.x() - kTargetInBubble, kEdge, std::max(kEdge, overlay.width() - kWidth - kEdge));
     const int below = toolbar.top() + toolbar.height() + kGap;
+    const int above = toolbar.top() - height - kGap;
     const bool fitsBelow = below + height <= overlay.height() - kEdge;
-    const int y = fitsBelow ? below : toolbar.top() - height - kGap;
-    return {{x, std::max(y, 4)}, std::clamp(target.x() - x, kArrowInset, kWidth - kArrowInset), fitsBelow};
+    const bool isInTheWay = above >= kTopEdge && bar.intersects(QRect(x, below, kWidth, height));
+    const bool isBelow = fitsBelow && !isInTheWay;
+    return {{x, std::max(isBelow ? below : above, kTopEdge)},
+            std::clamp(target.x() - x, kArrowInset, kWidth - kArrowInset),
+            isBelow};
 }
 
 ToolGuideBubble::ToolGuideBubble(QWidget *overlay) : QWidget(overlay), m_theme(lightTheme())
@@ -67,9 +73,9 @@ void ToolGuideBubble::setTools(const QStringList &texts)
     update();
 }
 
-void ToolGuideBubble::pointAt(const QPoint &target, const QRect &toolbar)
+void ToolGuideBubble::pointAt(const QPoint &target, const QRect &toolbar, const QRect &bar)
 {
-    const GuideBubblePlacement place = placeGuideBubble(target, toolbar, parentWidget()->size(), height());
+    const GuideBubblePlacement place = placeGuideBubble(target, toolbar, parentWidget()->size(), height(), bar);
     move(place.position);
     if (m_arrowX == place.arrowX && m_arrowUp == place.arrowUp)
         return;

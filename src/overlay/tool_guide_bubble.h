@@ -22,8 +22,9 @@ struct GuideBubblePlacement
 ///
 /// target    the middle of what it points at, in the overlay's coordinates
 /// height    of the whole bubble, arrow included
+/// bar       the bar at the toolbar's side, empty for none: covered only if there is no room on the other side
 [[nodiscard]] GuideBubblePlacement placeGuideBubble(const QPoint &target, const QRect &toolbar, const QSize &overlay,
-                                                    int height);
+                                                    int height, const QRect &bar = {});
 
 /// Tells once where the tools behind the toolbar's arrow are. A child of the overlay; its owner decides whether it
 /// shows, and hides it after `dismissed`.
@@ -37,8 +38,8 @@ public:
     void setTheme(const Theme &theme);
     /// Names the tools in its text.
     void setTools(const QStringList &texts);
-    /// Takes its place in the overlay; `target` and `toolbar` in the overlay's coordinates.
-    void pointAt(const QPoint &target, const QRect &toolbar);
+    /// Takes its place in the overlay; `target`, `toolbar` and `bar` in the overlay's coordinates.
+    void pointAt(const QPoint &target, const QRect &toolbar, const QRect &bar = {});
 
     [[nodiscard]] QString text() const { return m_text; }
 

@@ -333,26 +333,38 @@ private Q_SLOTS:
     {
         QTest::addColumn<QPoint>("target");
         QTest::addColumn<QRect>("toolbar");
+        QTest::addColumn<QRect>("bar");
         QTest::addColumn<QPoint>("position");
         QTest::addColumn<int>("arrowX");
         QTest::addColumn<bool>("arrowUp");
         const QRect middle(200, 300, 500, 54);
-        QTest::newRow("below") << QPoint(500, 327) << middle << QPoint(342, 360) << 158 << true;
-        QTest::newRow("left edge") << QPoint(100, 327) << middle << QPoint(6, 360) << 94 << true;
-        QTest::newRow("left of the edge") << QPoint(10, 327) << middle << QPoint(6, 360) << 16 << true;
-        QTest::newRow("right edge") << QPoint(770, 327) << middle << QPoint(534, 360) << 236 << true;
-        QTest::newRow("right of the edge") << QPoint(795, 327) << middle << QPoint(534, 360) << 244 << true;
-        QTest::newRow("just fits below") << QPoint(500, 500) << QRect(200, 485, 500, 54) << QPoint(342, 545) << 158
-                                         << true;
-        QTest::newRow("above") << QPoint(500, 500) << QRect(200, 486, 500, 54) << QPoint(342, 431) << 158 << false;
-        QTest::newRow("no room") << QPoint(500, 30) << QRect(200, 10, 500, 560) << QPoint(342, 4) << 158 << false;
+        const QRect none;
+        QTest::newRow("below") << QPoint(500, 327) << middle << none << QPoint(342, 360) << 158 << true;
+        QTest::newRow("left edge") << QPoint(100, 327) << middle << none << QPoint(6, 360) << 94 << true;
+        QTest::newRow("left of the edge") << QPoint(10, 327) << middle << none << QPoint(6, 360) << 16 << true;
+        QTest::newRow("right edge") << QPoint(770, 327) << middle << none << QPoint(534, 360) << 236 << true;
+        QTest::newRow("right of the edge") << QPoint(795, 327) << middle << none << QPoint(534, 360) << 244 << true;
+        QTest::newRow("just fits below") << QPoint(500, 500) << QRect(200, 485, 500, 54) << none << QPoint(342, 545)
+                                         << 158 << true;
+        QTest::newRow("above") << QPoint(500, 500) << QRect(200, 486, 500, 54) << none << QPoint(342, 431) << 158
+                               << false;
+        QTest::newRow("no room") << QPoint(500, 30) << QRect(200, 10, 500, 560) << none << QPoint(342, 4) << 158
+                                 << false;
+        const QRect bar(200, 360, 200, 40);
+        QTest::newRow("a bar below") << QPoint(500, 327) << middle << bar << QPoint(342, 245) << 158 << false;
+        QTest::newRow("a bar that is shorter") << QPoint(600, 327) << middle << bar << QPoint(442, 360) << 158 << true;
+        QTest::newRow("a bar above") << QPoint(500, 327) << middle << bar.translated(0, -100) << QPoint(342, 360) << 158
+                                     << true;
+        QTest::newRow("a bar below, no room above") << QPoint(500, 77) << middle.translated(0, -250)
+                                                    << bar.translated(0, -250) << QPoint(342, 110) << 158 << true;
     }
 
     void theBubblePointsAtTheArrow()
     {
         QFETCH(QPoint, target);
         QFETCH(QRect, toolbar);
-        const GuideBubblePlacement place = placeGuideBubble(target, toolbar, {800, 600}, 49);
+        QFETCH(QRect, bar);
+        const GuideBubblePlacement place = placeGuideBubble(target, toolbar, {800, 600}, 49, bar);
         QTEST(place.position, "position");
         QTEST(place.arrowX, "arrowX");
         QTEST(place.arrowUp, "arrowUp");
