@@ -202,6 +202,7 @@ private:
     void scheduleUpdate();
     [[nodiscard]] PaintedRegions regionsNow() const;
     [[nodiscard]] QString sizeText() const;
+    [[nodiscard]] QRectF sizeLabel() const;
     [[nodiscard]] bool showsMagnifier() const;
     [[nodiscard]] MagnifierLook magnifierLook() const;
     [[nodiscard]] QRectF hintBox() const;

@@ -71,8 +71,7 @@ void CaptureOverlay::paintSelection(QPainter &painter, const QRegion &exposed) c
     painter.restore();
 
     paintSelectionMarks(painter, m_selection, 1.0);
-    const QString text = sizeText();
-    paintSizeLabel(painter, sizeLabelBox(m_selection, text, width()), text);
+    paintSizeLabel(painter, sizeLabel(), sizeText());
 }
 
 QRegion CaptureOverlay::shapeDamage()
@@ -96,6 +95,17 @@ QString CaptureOverlay::sizeText() const
 {
     return sizeLabelText(
         cropRect(m_selection.translated(-m_picture.origin()), m_picture.ratio(), m_picture.image().size()).size());
+}
+
+QRectF CaptureOverlay::sizeLabel() const
+{
+    const QRectF box = sizeLabelBox(m_selection, sizeText(), width());
+    if (!m_panels->cover(box))
+        return box;
+    // Panels above the selection reach over its place there.
+    const QRectF inside = sizeLabelBox(m_selection.translated(0, -m_selection.top()), sizeText(), width())
+                              .translated(0, m_selection.top());
+    return m_panels->cover(inside) ? box : inside;
 }
 
 bool CaptureOverlay::showsMagnifier() const
@@ -140,7 +150,7 @@ PaintedRegions CaptureOverlay::regionsNow() const
         now.selectionBox = grown(m_selection, 16);
         if (m_mode == OverlayMode::Selecting || m_mode == OverlayMode::Moving || m_mode == OverlayMode::Resizing)
             now.selectionRect = m_selection;
-        now.sizeLabel = grown(sizeLabelBox(m_selection, sizeText(), width()), 4);
+        now.sizeLabel = grown(sizeLabel(), 4);
     }
     now.hover = grown(shownHover(), 4);
     now.hint = grown(hintBox(), 4);

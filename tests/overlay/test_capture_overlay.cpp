@@ -508,6 +508,23 @@ private Q_SLOTS:
         QVERIFY(!toolbar()->isVisible());
     }
 
+    void theSizeStaysReadableBelowPanels()
+    {
+        const QRectF low(20, m_overlay->height() - 100, m_overlay->width() - 40, 90);
+        m_overlay->setSelectionRect(low);
+        const QPoint inside = low.topLeft().toPoint() + QPoint(30, 7); // on the label when it is in the selection
+        const auto pixel = [&] {
+            const QImage seen = m_overlay->grab().toImage();
+            return seen.pixelColor((QPointF(inside) * seen.devicePixelRatio()).toPoint());
+        };
+        const QColor picture = pixel();
+        m_overlay->setTool(ToolType::Rect);
+        QVERIFY(m_overlay->panels().attributeBar()->geometry().bottom() > low.top() - 20);
+        QVERIFY(pixel().lightness() < picture.lightness());
+        m_overlay->setTool(ToolType::None); // the bar has gone, and the label is back above
+        QCOMPARE(pixel(), picture);
+    }
+
     void theHintCardGivesWayToTheSelection()
     {
         SettingsConfig config;
