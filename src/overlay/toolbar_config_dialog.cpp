@@ -45,11 +45,13 @@ QString buttonStyle(const QColor &text, const QColor &fill, const QColor &hover,
         .arg(css(text), css(fill), css(hover), css(ring));
 }
 
-/// A plain widget has no role of its own.
-QAccessibleInterface *accessibleDialog(const QString &className, QObject *object)
+/// Plain widgets have no role of their own.
+QAccessibleInterface *accessibleOf(const QString &className, QObject *object)
 {
     if (className == QLatin1String(ToolbarConfigDialog::staticMetaObject.className()))
         return new QAccessibleWidget(static_cast<QWidget *>(object), QAccessible::Dialog);
+    if (className == QLatin1String(ToolbarLayoutEditor::staticMetaObject.className()))
+        return new QAccessibleWidget(static_cast<QWidget *>(object), QAccessible::List);
     return nullptr;
 }
 
@@ -63,7 +65,7 @@ ToolbarConfigDialog::ToolbarConfigDialog(QWidget *overlay)
 {
     setObjectName(QStringLiteral("toolbarConfigDialog"));
     [[maybe_unused]] static const bool installed = [] {
-        QAccessible::installFactory(accessibleDialog);
+        QAccessible::installFactory(accessibleOf);
         return true;
     }();
     setFocusPolicy(Qt::StrongFocus);

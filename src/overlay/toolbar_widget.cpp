@@ -3,6 +3,8 @@
 #include "overlay/overlay_tips.h"
 #include "overlay/toolbar_button.h"
 
+#include <QAccessible>
+#include <QAccessibleWidget>
 #include <QCoreApplication>
 #include <QEvent>
 #include <QHBoxLayout>
@@ -37,6 +39,14 @@ QFrame *makeSeparator(QWidget *parent)
     return line;
 }
 
+/// A frame has the role of a border.
+QAccessibleInterface *accessibleToolbar(const QString &className, QObject *object)
+{
+    if (className == QLatin1String(ToolbarWidget::staticMetaObject.className()))
+        return new QAccessibleWidget(static_cast<QWidget *>(object), QAccessible::ToolBar);
+    return nullptr;
+}
+
 } // namespace
 
 ToolbarWidget::ToolbarWidget(QWidget *parent)
@@ -48,6 +58,10 @@ ToolbarWidget::ToolbarWidget(QWidget *parent)
       m_row(new QHBoxLayout(this)),
       m_tips(new OverlayTips(this))
 {
+    [[maybe_unused]] static const bool installed = [] {
+        QAccessible::installFactory(accessibleToolbar);
+        return true;
+    }();
     setObjectName(QStringLiteral("panel"));
     setFocusPolicy(Qt::NoFocus);
     setCursor(Qt::SizeAllCursor);
@@ -189,6 +203,7 @@ void ToolbarWidget::refresh()
 
 void ToolbarWidget::refreshTexts()
 {
+    setAccessibleName(QCoreApplication::translate("ToolbarLayoutEditor", "工具栏"));
     for (const Entry &entry : std::as_const(m_entries))
         entry.button->setLabel(toolbarText(entry.tool));
     m_expand->setGlyph(m_expanded ? QStringLiteral("gear") : QStringLiteral("ed_chevronRight"));

@@ -1,8 +1,10 @@
 #include "overlay/overlay_tips.h"
 #include "overlay/toolbar_config_dialog.h"
 #include "overlay/toolbar_layout_editor.h"
+#include "overlay/toolbar_widget.h"
 #include "support/test_main.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QSignalSpy>
 
@@ -232,6 +234,17 @@ private Q_SLOTS:
         QFETCH(QString, current);
         QCOMPARE(m_editor->accessibleName().section(u',', 0, 0), current);
         QCOMPARE(m_ground->events, 0);
+    }
+
+    void assistiveSoftwareIsToldWhatTheyAre()
+    {
+        const auto role = [](QWidget *widget) { return QAccessible::queryAccessibleInterface(widget)->role(); };
+        ToolbarWidget toolbar;
+        QCOMPARE(role(&toolbar), QAccessible::ToolBar);
+        QVERIFY(!toolbar.accessibleName().isEmpty());
+        QCOMPARE(role(m_dialog), QAccessible::Dialog);
+        QCOMPARE(m_dialog->accessibleName(), ToolbarLayoutEditor::title());
+        QCOMPARE(role(m_editor), QAccessible::List);
     }
 
     void textsThatComeDuringADragAreIgnored()
