@@ -193,6 +193,40 @@ private Q_SLOTS:
         QCOMPARE(dismissed.count(), 1);
     }
 
+    void theGuideShowsOnlyWhereItHelps()
+    {
+        const auto guide = [this]() -> ui::ToolGuideBubble * { return m_overlay->findChild<ui::ToolGuideBubble *>(); };
+        SettingsConfig config;
+        config.toolbarConfig = QStringLiteral("[{\"id\":\"smart_erase\"},{\"id\":\"spotlight\"},"
+                                              "{\"id\":\"magnifier\"},{\"id\":\"watermark\"}]");
+        m_overlay->setConfig(config);
+        QVERIFY(!guide()->isVisible()); // nothing is hidden
+        m_overlay->setConfig(SettingsConfig());
+        QVERIFY(guide()->isVisible());
+        m_overlay->clearSelection();
+        QVERIFY(!guide()->isVisible());
+        m_overlay->setSelectionRect({50, 50, 500, 300});
+        QVERIFY(guide()->isVisible());
+
+        QSignalSpy dismissed(m_overlay.get(), &CaptureOverlay::toolGuideDismissed);
+        ui::ToolbarWidget *toolbar = m_overlay->panels().toolbar();
+        auto *arrow = toolbar->findChild<QWidget *>(QStringLiteral("toolbarExpand"));
+        QTest::mouseClick(arrow, Qt::LeftButton); // found without it
+        QVERIFY(!guide()->isVisible());
+        QTest::mouseClick(arrow, Qt::LeftButton); // the editor
+        toolbar->setExpanded(false);
+        m_overlay->setSelectionRect({60, 50, 500, 300});
+        QVERIFY(!guide()->isVisible());
+        QCOMPARE(dismissed.count(), 1);
+
+        config = SettingsConfig();
+        config.toolGuideShown = true; // in another capture
+        CaptureOverlay later(captured(), config);
+        later.show();
+        later.setSelectionRect({50, 50, 500, 300});
+        QVERIFY(!later.findChild<ui::ToolGuideBubble *>());
+    }
+
     void theToolbarIsConfiguredInPlace()
     {
         QSignalSpy changed(m_overlay.get(), &CaptureOverlay::toolbarConfigChanged);
