@@ -5,7 +5,7 @@
 #include "ui/menu_row.h"
 #include "ui/paint_helpers.h"
 
-#include <QAccessible>
+#include <QAccessibleWidget>
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -25,6 +25,18 @@ constexpr int kSubmenuOverlap = 4;
 constexpr int kRestMs = 140;
 constexpr int kScreenEdge = 4;
 
+class MenuAccess final : public QAccessibleWidget
+{
+public:
+    explicit MenuAccess(MenuPanel *menu) : QAccessibleWidget(menu, QAccessible::PopupMenu) {}
+};
+
+QAccessibleInterface *accessOf(const QString &, QObject *object)
+{
+    auto *menu = qobject_cast<MenuPanel *>(object);
+    return menu ? new MenuAccess(menu) : nullptr;
+}
+
 } // namespace
 
 MenuPanel::MenuPanel(const QList<MenuEntry> &entries, const Theme &theme, QWidget *parent)
@@ -32,6 +44,10 @@ MenuPanel::MenuPanel(const QList<MenuEntry> &entries, const Theme &theme, QWidge
       m_theme(theme),
       m_isTranslucent(!dialogs::windowController() || dialogs::windowController()->isCompositing())
 {
+    [[maybe_unused]] static const bool installed = [] {
+        QAccessible::installFactory(accessOf);
+        return true;
+    }();
     setObjectName(QStringLiteral("menuPanel"));
     setAttribute(Qt::WA_DeleteOnClose);
     setAttribute(Qt::WA_QuitOnClose, false);

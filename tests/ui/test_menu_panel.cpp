@@ -1,0 +1,145 @@
+#include "support/test_main.h"
+#include "ui/menu_panel.h"
+#include "ui/menu_row.h"
+
+#include <QAccessible>
+#include <QApplication>
+#include <QSignalSpy>
+
+using namespace tavrel;
+using ui::MenuEntry;
+using ui::MenuPanel;
+
+class MenuPanelTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_window = std::make_unique<QWidget>();
+        m_window->resize(400, 300);
+        m_window->show();
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+        m_menu = new MenuPanel(
+            {{.id = u"copy"_qs, .label = u"Copy"_qs, .shortcut = u"Ctrl+C"_qs},
+             {.id = u"off"_qs, .label = u"Off"_qs, .isEnabled = false},
+             {.id = u"check"_qs, .label = u"Check"_qs, .startsGroup = true, .isCheckable = true, .isChecked = true},
+             {.id = u"more"_qs,
+              .label = u"More"_qs,
+              .submenu = {{.id = u"first"_qs, .label = u"First"_qs}, {.id = u"second"_qs, .label = u"Second"_qs}}}},
+            ui::lightTheme(), m_window.get());
+        m_chosen.clear();
+        connect(m_menu, &MenuPanel::chosen, this, [this](const QString &id) {
+            m_wasGone = !m_menu || !m_menu->isVisible();
+            m_chosen.append(id);
+        });
+        m_menu->exec(m_window->mapToGlobal(QPoint(20, 20)));
+        QVERIFY(m_menu->isVisible());
+    }
+
+    void cleanup() { m_window.reset(); }
+
+    void theKeyboardWalksAndChooses_data()
+    {
+        QTest::addColumn<QList<Qt::Key>>("keys");
+        QTest::addColumn<QStringList>("chosen");
+        using Keys = QList<Qt::Key>;
+        QTest::newRow("first") << Keys{Qt::Key_Down, Qt::Key_Return} << QStringList(u"copy"_qs);
+        QTest::newRow("past what is off")
+            << Keys{Qt::Key_Down, Qt::Key_Down, Qt::Key_Space} << QStringList(u"check"_qs);
+        QTest::newRow("from below") << Keys{Qt::Key_Up, Qt::Key_Up, Qt::Key_Return} << QStringList(u"check"_qs);
+        QTest::newRow("round") << Keys{Qt::Key_End, Qt::Key_Down, Qt::Key_Enter} << QStringList(u"copy"_qs);
+        QTest::newRow("submenu") << Keys{Qt::Key_End, Qt::Key_Right, Qt::Key_Down, Qt::Key_Return}
+                                 << QStringList(u"second"_qs);
+        QTest::newRow("back from the submenu")
+            << Keys{Qt::Key_End, Qt::Key_Return, Qt::Key_Left, Qt::Key_Home, Qt::Key_Return} << QStringList(u"copy"_qs);
+        QTest::newRow("nothing lit") << Keys{Qt::Key_Return, Qt::Key_A, Qt::Key_Escape} << QStringList();
+        QTest::newRow("escape closes one after the other")
+            << Keys{Qt::Key_End, Qt::Key_Right, Qt::Key_Escape, Qt::Key_Escape} << QStringList();
+    }
+
+    void theKeyboardWalksAndChooses()
+    {
+        QFETCH(QList<Qt::Key>, keys);
+        QFETCH(QStringList, chosen);
+        for (const Qt::Key key : keys) {
+            QVERIFY(m_menu && m_menu->isVisible());
+            QTest::keyClick(m_menu->submenu() ? m_menu->submenu() : m_menu.data(), key);
+        }
+        QCOMPARE(m_chosen, chosen);
+        QVERIFY(chosen.isEmpty() || m_wasGone);
+        QTRY_VERIFY(!m_menu); // it deletes itself
+    }
+
+    /// A row fires when the button is let go over the row that it was pressed on.
+    void thePointerChoosesOnRelease()
+    {
+        const QPoint copy = middle(0);
+        const QPoint check = middle(2);
+        QTest::mousePress(m_menu, Qt::LeftButton, {}, copy);
+        QCOMPARE(m_menu->current(), 0);
+        QTest::mouseRelease(m_menu, Qt::LeftButton, {}, check);
+        QVERIFY(m_chosen.isEmpty());
+        QTest::mouseClick(m_menu, Qt::LeftButton, {}, middle(1)); // off
+        QVERIFY(m_chosen.isEmpty() && m_menu->isVisible());
+        QTest::mouseClick(m_menu, Qt::LeftButton, {}, check);
+        QCOMPARE(m_chosen, QStringList(u"check"_qs));
+    }
+
+    void aSubmenuOpensBesideItsRow()
+    {
+        QTest::mouseMove(m_menu, middle(3));
+        QTRY_VERIFY(m_menu->submenu());
+        MenuPanel *submenu = m_menu->submenu();
+        QVERIFY(submenu->frameGeometry().left() >= m_menu->frameGeometry().right() - 8);
+        // The pop-up on top gets the pointer also while it is over the one below.
+        const QPoint above = submenu->mapFromGlobal(m_menu->mapToGlobal(middle(0)));
+        QTest::mouseMove(submenu, above);
+        QTRY_COMPARE(m_menu->current(), 0);
+        QVERIFY(!m_menu->submenu());
+    }
+
+    void aPressOutsideCloses()
+    {
+        QTest::keyClick(m_menu, Qt::Key_End);
+        QTest::keyClick(m_menu, Qt::Key_Right);
+        QVERIFY(m_menu->submenu());
+        QTest::mousePress(m_menu->submenu(), Qt::LeftButton, {}, {-900, -900});
+        QTRY_VERIFY(!m_menu);
+        QVERIFY(m_chosen.isEmpty());
+    }
+
+    void itsWindowMayGo()
+    {
+        QTest::keyClick(m_menu, Qt::Key_End);
+        QTest::keyClick(m_menu, Qt::Key_Right);
+        QVERIFY(m_menu->submenu());
+        m_window.reset();
+        QVERIFY(!m_menu);
+    }
+
+    void assistiveToolsReadAndUseIt()
+    {
+        const ui::MenuRow *check = m_menu->rows()[2];
+        QAccessibleInterface *access = QAccessible::queryAccessibleInterface(m_menu->rows()[2]);
+        QCOMPARE(access->role(), QAccessible::MenuItem);
+        QCOMPARE(access->text(QAccessible::Name), check->entry().label);
+        QVERIFY(access->state().checked);
+        QVERIFY(QAccessible::queryAccessibleInterface(m_menu->rows()[3])->state().hasPopup);
+        QCOMPARE(QAccessible::queryAccessibleInterface(m_menu)->role(), QAccessible::PopupMenu);
+        access->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+        QCOMPARE(m_chosen, QStringList(u"check"_qs));
+    }
+
+private:
+    [[nodiscard]] QPoint middle(int row) const { return m_menu->rows()[row]->geometry().center(); }
+
+    std::unique_ptr<QWidget> m_window;
+    QPointer<MenuPanel> m_menu;
+    QStringList m_chosen;
+    bool m_wasGone = false;
+};
+
+TAVREL_TEST_MAIN(QApplication, MenuPanelTest)
+#include "test_menu_panel.moc"
