@@ -428,6 +428,10 @@
         <source>待选工具（拖到这里 = 收起）</source>
         <translation>Available tools (drop here to collapse)</translation>
     </message>
+    <message>
+        <source>方向键选择工具；Ctrl + ←/→ = 调整位置；空格 = 收起或放回</source>
+        <translation>Arrow keys choose a tool; Ctrl + ←/→ moves it; Space collapses it or puts it back</translation>
+    </message>
 </context>
 <context>
     <name>ToolbarWidget</name>
@@ -921,6 +925,53 @@
     <message>
         <source>取色器</source>
         <translation>Eyedropper</translation>
+    </message>
+</context>
+<context>
+    <name>tavrel::ui::PositionPicker</name>
+    <message>
+        <source>居中</source>
+        <translation>Center</translation>
+    </message>
+    <message>
+        <source>左上</source>
+        <translation>Top left</translation>
+    </message>
+    <message>
+        <source>上</source>
+        <translation>Top</translation>
+    </message>
+    <message>
+        <source>右上</source>
+        <translation>Top right</translation>
+    </message>
+    <message>
+        <source>左</source>
+        <translation>Left</translation>
+    </message>
+    <message>
+        <source>右</source>
+        <translation>Right</translation>
+    </message>
+    <message>
+        <source>左下</source>
+        <translation>Bottom left</translation>
+    </message>
+    <message>
+        <source>下</source>
+        <translation>Bottom</translation>
+    </message>
+    <message>
+        <source>右下</source>
+        <translation>Bottom right</translation>
+    </message>
+    <message>
+        <source>自定义</source>
+        <translation>Custom</translation>
+    </message>
+    <message>
+        <source>位置</source>
+        <translation>Position</translation>
     </message>
 </context>
 </TS>
