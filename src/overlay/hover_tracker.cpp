@@ -1,11 +1,13 @@
 #include "overlay/hover_tracker.h"
 
-#include <QThreadPool>
 #include <QWheelEvent>
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
+#include <list>
 #include <mutex>
+#include <thread>
 #include <utility>
 
 namespace tavrel::ui {
@@ -23,6 +25,46 @@ constexpr double kFreshDistance = 2; ///< Manhattan
 double distance(const QPointF &a, const QPointF &b)
 {
     return (a - b).manhattanLength();
+}
+
+/// Threads that nobody waits for before the program ends.
+class Threads final
+{
+public:
+    ~Threads()
+    {
+        for (Thread &thread : m_threads)
+            thread.handle.join();
+    }
+
+    void run(std::function<void()> work)
+    {
+        m_threads.remove_if([](Thread &thread) {
+            if (!thread.isDone)
+                return false;
+            thread.handle.join();
+            return true;
+        });
+        Thread &thread = m_threads.emplace_back();
+        thread.handle = std::thread([&thread, work = std::move(work)]() mutable {
+            std::exchange(work, {})(); // what it holds goes before it is done
+            thread.isDone = true;
+        });
+    }
+
+private:
+    struct Thread
+    {
+        std::atomic<bool> isDone = false;
+        std::thread handle;
+    };
+    std::list<Thread> m_threads;
+};
+
+void runOnThread(std::function<void()> work)
+{
+    static Threads threads;
+    threads.run(std::move(work));
 }
 
 } // namespace
@@ -55,7 +97,10 @@ struct HoverTracker::Analysis
     }
 };
 
-HoverTracker::HoverTracker(Clock clock, QObject *parent) : QObject(parent), m_clock(std::move(clock))
+HoverTracker::HoverTracker(Clock clock, QObject *parent)
+    : QObject(parent),
+      m_clock(std::move(clock)),
+      m_run(runOnThread)
 {
     m_animation.setInterval(kFrameMs);
     m_animation.setTimerType(Qt::PreciseTimer);
@@ -111,7 +156,7 @@ void HoverTracker::prepare()
     if (m_finder || m_analysis || m_picture.isNull())
         return;
     m_analysis = std::make_shared<Analysis>(this, m_picture);
-    QThreadPool::globalInstance()->start([analysis = m_analysis] { analysis->run(); });
+    m_run([analysis = m_analysis] { analysis->run(); });
 }
 
 void HoverTracker::abandonAnalysis()

@@ -32,6 +32,7 @@ class HoverTracker final : public QObject
 public:
     using Clock = std::function<double()>; ///< monotonic, milliseconds
     using Ask = std::function<void(const QPointF &global, qint64 processId)>;
+    using Run = std::function<void(std::function<void()> work)>; ///< beside the GUI thread, some time
 
     explicit HoverTracker(Clock clock = hostClockMs, QObject *parent = nullptr);
     ~HoverTracker() override;
@@ -44,6 +45,8 @@ public:
     void setSurroundings(const QList<platform::WindowInfo> &windows, const QPointF &globalOrigin, const QRectF &area);
     /// Where questions for elements go; takeElements() gets the answers. Without it there are no elements.
     void setElementSource(Ask ask) { m_ask = std::move(ask); }
+    /// Where pictures are analysed; on threads of their own at first.
+    void setRunner(Run run) { m_run = std::move(run); }
     /// Whether the frame glides; true at first.
     void setAnimated(bool animated);
 
@@ -90,6 +93,7 @@ private:
 
     Clock m_clock;
     Ask m_ask;
+    Run m_run;
     QImage m_picture;
     QPointF m_pictureOrigin;
     QList<platform::WindowInfo> m_windows;
