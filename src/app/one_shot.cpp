@@ -1,6 +1,7 @@
 #include "app/one_shot.h"
 
 #include "app/color_board_preview.h"
+#include "app/control_gallery.h"
 #include "app/detect_probe.h"
 #include "app/elements_probe.h"
 #include "app/erase_tools.h"
@@ -61,6 +62,7 @@ struct OneShot
 
 constexpr std::array kOneShots{
     OneShot{"--render-color-board-preview", renderColorBoardPreview},
+    OneShot{"--render-control-gallery", renderControlGallery},
     OneShot{"--render-toolbar-preview", renderToolbarPreview},
     OneShot{"--render-toolbar-config-preview", renderToolbarConfigPreview},
     OneShot{"--render-smart-erase-preview", renderSmartErasePreview},

@@ -23,6 +23,7 @@ constexpr double kSign = 9;         ///< length of the strokes of minus and plus
 constexpr double kSignPen = 1.6;
 constexpr double kThickestLine = 18; ///< thicker ones are shown like this
 constexpr int kFontSize = 12;
+constexpr double kDisabledOpacity = 0.45;
 
 class CapsuleAccess final : public QAccessibleWidget, public QAccessibleValueInterface
 {
@@ -102,6 +103,8 @@ void ThicknessCapsule::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
+    if (!isEnabled())
+        painter.setOpacity(kDisabledOpacity);
     const QRectF face = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
     const double radius = face.height() / 2;
     painter.setPen(hasFocus() ? QPen(m_theme.accent(), 1.5) : QPen(m_theme.separator(), 1));

@@ -147,7 +147,7 @@ void ToggleSwitch::paintEvent(QPaintEvent *)
     painter.drawEllipse(QRectF(left, track.top() + kKnobTop, diameter, diameter));
     painter.setOpacity(1);
     if (hasFocus() && m_showsFocus) {
-        painter.setPen(QPen(m_theme.accent(), 1.5));
+        painter.setPen(QPen(isChecked() ? m_theme.primaryText() : m_theme.accent(), 1.5)); // to stand out on both
         painter.setBrush(Qt::NoBrush);
         const QRectF ring = QRectF(rect()).adjusted(0.75, 0.75, -0.75, -0.75);
         painter.drawRoundedRect(ring, ring.height() / 2, ring.height() / 2);
