@@ -1,0 +1,156 @@
+#include "ui/window_chrome.h"
+
+#include "platform/window_controller.h"
+#include "ui/dialog_hosts.h"
+#include "ui/dialog_services.h"
+#include "ui/window_border.h"
+#include "ui/window_buttons.h"
+#include "ui/window_grip.h"
+
+#include <QAbstractButton>
+#include <QEvent>
+#include <QMouseEvent>
+
+#include <algorithm>
+
+namespace tavrel::ui {
+namespace {
+
+constexpr Qt::Edges kEdges[] = {Qt::TopEdge,
+                                Qt::BottomEdge,
+                                Qt::LeftEdge,
+                                Qt::RightEdge,
+                                Qt::TopEdge | Qt::LeftEdge,
+                                Qt::TopEdge | Qt::RightEdge,
+                                Qt::BottomEdge | Qt::LeftEdge,
+                                Qt::BottomEdge | Qt::RightEdge};
+
+bool wantsPointer(const QWidget *child)
+{
+    return qobject_cast<const QAbstractButton *>(child) || (child->focusPolicy() & Qt::ClickFocus) ||
+           child->property("noWindowDrag").toBool();
+}
+
+} // namespace
+
+WindowChrome *WindowChrome::install(QWidget *window, const Theme &theme, int titleBarHeight)
+{
+    return new WindowChrome(window, theme, titleBarHeight);
+}
+
+WindowChrome *WindowChrome::of(const QWidget *window)
+{
+    return window ? window->findChild<WindowChrome *>(QString(), Qt::FindDirectChildrenOnly) : nullptr;
+}
+
+WindowChrome::WindowChrome(QWidget *window, const Theme &theme, int titleBarHeight)
+    : QObject(window),
+      m_window(window),
+      m_border(new WindowBorder(theme, window)),
+      m_buttons(new WindowButtons(theme, window)),
+      m_titleBarHeight(titleBarHeight)
+{
+    window->setWindowFlag(Qt::FramelessWindowHint);
+    for (const Qt::Edges edges : kEdges)
+        m_grips.append(new WindowGrip(edges, window));
+    window->installEventFilter(this);
+    layOut();
+}
+
+void WindowChrome::setTheme(const Theme &theme)
+{
+    m_border->setTheme(theme);
+    m_buttons->setTheme(theme);
+}
+
+void WindowChrome::layOut()
+{
+    const bool framed = !m_window->isMaximized() && !m_window->isFullScreen();
+    m_border->setGeometry(m_window->rect());
+    m_border->setVisible(framed);
+    m_buttons->move(m_window->width() - m_buttons->width(), std::max((m_titleBarHeight - m_buttons->height()) / 2, 0));
+    m_buttons->setVisible(!m_window->isFullScreen());
+    m_buttons->refresh();
+    for (WindowGrip *grip : m_grips) {
+        grip->setGeometry(WindowGrip::place(grip->edges(), m_window->size()));
+        grip->setVisible(framed && isResizable(m_window));
+    }
+}
+
+void WindowChrome::restack()
+{
+    m_border->raise();
+    m_buttons->raise();
+    const auto sheets = m_window->findChildren<dialogs::DialogSheet *>(QString(), Qt::FindDirectChildrenOnly);
+    for (dialogs::DialogSheet *sheet : sheets)
+        sheet->raise();
+    for (WindowGrip *grip : m_grips)
+        grip->raise();
+}
+
+void WindowChrome::restackLater()
+{
+    // The window may itself raise things in answer to the same event; theirs comes first.
+    if (std::exchange(m_restackAsked, true))
+        return;
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            m_restackAsked = false;
+            restack();
+        },
+        Qt::QueuedConnection);
+}
+
+bool WindowChrome::isTitleBar(const QPoint &point) const
+{
+    if (point.y() < 0 || point.y() >= m_titleBarHeight)
+        return false;
+    for (const QWidget *child = m_window->childAt(point); child && child != m_window; child = child->parentWidget()) {
+        if (wantsPointer(child))
+            return false;
+    }
+    return true;
+}
+
+bool WindowChrome::moveBy(const QMouseEvent &event)
+{
+    const bool begins = event.type() == QEvent::MouseButtonPress || event.type() == QEvent::MouseButtonDblClick;
+    if (begins && event.position().y() >= m_titleBarHeight)
+        return false;
+    return m_mover.handle(m_window, event);
+}
+
+bool WindowChrome::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched != m_window)
+        return false;
+    switch (event->type()) {
+    case QEvent::Show:
+        if (platform::IWindowController *controller = dialogs::windowController(); controller && !event->spontaneous())
+            controller->setTitleBarHeight(m_window->windowHandle(), m_titleBarHeight);
+        [[fallthrough]];
+    case QEvent::Resize:
+    case QEvent::WindowStateChange:
+        layOut();
+        restackLater();
+        break;
+    case QEvent::ChildAdded:
+        restackLater();
+        break;
+    // What a child has taken for itself does not come here.
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+        if (!isTitleBar(static_cast<QMouseEvent *>(event)->position().toPoint()))
+            break;
+        [[fallthrough]];
+    case QEvent::MouseMove:
+    case QEvent::MouseButtonRelease:
+        return m_mover.handle(m_window, *static_cast<QMouseEvent *>(event));
+    default:
+        break;
+    }
+    return false;
+}
+
+} // namespace tavrel::ui
