@@ -2,6 +2,7 @@
 
 #include "ui/dialog_services.h"
 #include "ui/paint_helpers.h"
+#include "ui/window_chrome.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -143,9 +144,29 @@ void DialogSheet::showEvent(QShowEvent *event)
         m_focusBefore = window()->focusWidget();
     follow();
     raise();
+    if (WindowChrome *chrome = WindowChrome::of(window()))
+        chrome->restack(); // the window's size can still be changed
     m_card->show();
     m_card->takeFocus();
     QWidget::showEvent(event);
+}
+
+bool DialogSheet::event(QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseMove:
+    case QEvent::MouseButtonRelease:
+        // What lies below the dialog can be looked at by moving the window aside.
+        if (WindowChrome *chrome = WindowChrome::of(window());
+            chrome && chrome->moveBy(*static_cast<QMouseEvent *>(event)))
+            return true;
+        break;
+    default:
+        break;
+    }
+    return QWidget::event(event);
 }
 
 void DialogSheet::paintEvent(QPaintEvent *)

@@ -35,7 +35,8 @@ private:
     bool m_placed = false; ///< by the user
 };
 
-/// Covers a window and shows a card on it. Nothing that is done with the pointer on it reaches the window.
+/// Covers a window and shows a card on it. Nothing that is done with the pointer on it reaches the window; only its
+/// chrome, where it has one, still moves it.
 class DialogSheet final : public QWidget
 {
     Q_OBJECT
@@ -52,6 +53,7 @@ public:
     void end();
 
 protected:
+    bool event(QEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void showEvent(QShowEvent *event) override;

@@ -1,8 +1,11 @@
 #include "ui/dialogs.h"
 
 #include "platform/window_controller.h"
+#include "ui/color_board.h"
+#include "ui/color_value.h"
 #include "ui/dialog_hosts.h"
 #include "ui/dialog_services.h"
+#include "ui/eyedropper_button.h"
 
 #include <QCoreApplication>
 #include <QLineEdit>
@@ -14,6 +17,7 @@ namespace {
 constexpr int kOk = 1;
 constexpr int kCancel = 0;
 constexpr QSize kLeastSheet(200, 80);
+constexpr int kAboveCard = 20;
 
 QString label(const char *source)
 {
@@ -34,12 +38,14 @@ void floatCard(DialogCard *card)
         dialog->activateWindow();
 }
 
-/// The window that holds a sheet for `parent`, null when the card has to float.
-QWidget *sheetWindow(QWidget *parent)
+/// The window that holds a sheet for `parent`, null when the card has to float: on a window that is smaller than the
+/// card its buttons would be out of reach.
+QWidget *sheetWindow(QWidget *parent, const DialogCard &card)
 {
     QWidget *window = ownerWindow(parent);
-    const bool holds = window && !qobject_cast<FloatingDialog *>(window) && window->width() >= kLeastSheet.width() &&
-                       window->height() >= kLeastSheet.height();
+    const QSize least = kLeastSheet.expandedTo(card.sizeHint() + QSize(0, kAboveCard));
+    const bool holds = window && !qobject_cast<FloatingDialog *>(window) && window->width() >= least.width() &&
+                       window->height() >= least.height();
     return holds ? window : nullptr;
 }
 
@@ -47,7 +53,7 @@ QWidget *sheetWindow(QWidget *parent)
 
 void showCard(QWidget *parent, DialogCard *card, std::function<void(int)> answer)
 {
-    if (QWidget *window = sheetWindow(parent))
+    if (QWidget *window = sheetWindow(parent, *card))
         SheetQueue::instance().enqueue(window, card);
     else
         floatCard(card);
@@ -109,6 +115,30 @@ void askText(QWidget *parent, const QString &title, const QString &text, const Q
     showCard(parent, card, [answer = guarded(context, std::move(answer)), input](int id) {
         if (answer)
             answer(id == kOk ? std::optional(input->text()) : std::nullopt);
+    });
+}
+
+void pickColor(QWidget *parent, const QColor &initial, std::function<void(const QColor &)> answer, QObject *context)
+{
+    const Theme theme = defaultTheme();
+    auto *card = new DialogCard(theme);
+    card->setTitle(label(QT_TRANSLATE_NOOP("Dialogs", "选择颜色")));
+    auto *board = new ColorBoard(card);
+    board->applyTheme(theme);
+    board->setColor(hexOf(initial, initial.alphaF()), false);
+    if (auto *dropper = board->findChild<EyedropperButton *>())
+        dropper->hide(); // no picture lies below a dialog
+    card->setContent(board);
+    board->show();
+    QObject::connect(board, &ColorBoard::closeRequested, card, &DialogCard::dismiss);
+    card->setButtons({{label(QT_TRANSLATE_NOOP("Dialogs", "取消")), ButtonSpec::Cancel, false, kCancel},
+                      {label(QT_TRANSLATE_NOOP("Dialogs", "使用")), ButtonSpec::Primary, true, kOk}});
+    showCard(parent, card, [answer = guarded(context, std::move(answer)), board](int id) {
+        if (!answer || id != kOk)
+            return;
+        QColor color = board->baseColor();
+        color.setAlphaF(static_cast<float>(board->alpha()));
+        answer(color);
     });
 }
 

@@ -3,6 +3,7 @@
 #include "ui/dialog_card.h"
 #include "ui/theme.h"
 
+#include <QColor>
 #include <QPointer>
 #include <QString>
 #include <QStringList>
@@ -74,6 +75,10 @@ void confirm(QWidget *parent, Icon icon, const QString &title, const QString &te
 void askText(QWidget *parent, const QString &title, const QString &text, const QString &initial, const Theme &theme,
              std::function<void(std::optional<QString>)> answer, QObject *context = nullptr);
 
+/// A colour with its opacity, taken from the colour board with its palette; a cancel does not answer.
+void pickColor(QWidget *parent, const QColor &initial, std::function<void(const QColor &)> answer,
+               QObject *context = nullptr);
+
 /// A file dialog that is cancelled, or goes down with its window, does not answer. `filter` as QFileDialog has it.
 void openFile(QWidget *parent, const QString &title, const QString &directory, const QString &filter,
               std::function<void(const QString &)> answer, QObject *context = nullptr);
@@ -87,7 +92,7 @@ void saveFile(QWidget *parent, const QString &title, const QString &path, const 
 
 /// Shows any card; the answer gets the id of the button that ended it. Takes the card. On the parent's window it is a
 /// sheet, in turn with those that are there; it floats when that window is hidden, minimised, gone, a floating dialog
-/// itself or too small for a row of buttons.
+/// itself or too small for the card.
 void showCard(QWidget *parent, DialogCard *card, std::function<void(int)> answer);
 
 } // namespace tavrel::ui::dialogs

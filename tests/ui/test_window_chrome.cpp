@@ -1,0 +1,300 @@
+#include "support/test_main.h"
+
+#include "ui/dialog_hosts.h"
+#include "ui/dialogs.h"
+#include "ui/window_border.h"
+#include "ui/window_buttons.h"
+#include "ui/window_chrome.h"
+#include "ui/window_control_button.h"
+#include "ui/window_drag_bar.h"
+#include "ui/window_grip.h"
+
+#include <QAccessible>
+#include <QApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+using namespace tavrel::ui;
+
+namespace {
+
+constexpr int kTitle = 52;
+
+WindowControlButton *control(const QWidget &window, const char *name)
+{
+    return window.findChild<WindowControlButton *>(QString::fromLatin1(name));
+}
+
+/// A press, a move by `by` and a release, all seen by whatever lies under `from`.
+void drag(QWidget &window, const QPoint &from, const QPoint &by)
+{
+    QWidget *target = window.childAt(from);
+    target = target ? target : &window;
+    const QPoint local = target->mapFrom(&window, from);
+    const QPoint global = window.mapToGlobal(from);
+    const auto send = [&](QEvent::Type type, const QPoint &moved, Qt::MouseButton button, Qt::MouseButtons buttons) {
+        QMouseEvent event(type, local + moved, global + moved, button, buttons, Qt::NoModifier);
+        QApplication::sendEvent(target, &event);
+    };
+    send(QEvent::MouseButtonPress, {}, Qt::LeftButton, Qt::LeftButton);
+    send(QEvent::MouseMove, by / 2, Qt::NoButton, Qt::LeftButton);
+    send(QEvent::MouseMove, by, Qt::NoButton, Qt::LeftButton);
+    send(QEvent::MouseButtonRelease, by, Qt::LeftButton, Qt::NoButton);
+}
+
+} // namespace
+
+class TestWindowChrome : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void init();
+    void cleanup() { m_window.reset(); }
+    void partsFollowTheWindow();
+    void maximisedHasNoFrame();
+    void buttonsDoWhatTheySay();
+    void titleBarMovesExceptOverWhatCanBeUsed_data();
+    void titleBarMovesExceptOverWhatCanBeUsed();
+    void doubleClickMaximises();
+    void dragBarMovesOnItsOwn();
+    void gripsStandOnEveryEdge();
+    void resizedKeepsLimitsAndTheOtherEdges_data();
+    void resizedKeepsLimitsAndTheOtherEdges();
+    void sheetLeavesSizeAndPlaceToTheUser();
+    void aFixedSizeStays();
+    void closingMayDeleteTheWindow();
+
+private:
+    std::unique_ptr<QWidget> m_window;
+    WindowChrome *m_chrome = nullptr;
+};
+
+void TestWindowChrome::init()
+{
+    QTest::failOnWarning(QRegularExpression(QStringLiteral("^(?!This plugin does not support)")));
+    m_window = std::make_unique<QWidget>();
+    m_window->setGeometry(100, 100, 600, 400);
+    m_chrome = WindowChrome::install(m_window.get(), lightTheme(), kTitle);
+    m_window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+    QCoreApplication::processEvents();
+}
+
+void TestWindowChrome::partsFollowTheWindow()
+{
+    QVERIFY(m_window->windowFlags().testFlag(Qt::FramelessWindowHint));
+    QCOMPARE(WindowChrome::of(m_window.get()), m_chrome);
+    for (const QSize &size : {QSize(600, 400), QSize(820, 333)}) {
+        m_window->resize(size);
+        QTRY_COMPARE(m_chrome->border()->geometry(), m_window->rect());
+        QCOMPARE(m_chrome->buttons()->geometry(), QRect(size.width() - 138, 10, 138, 32));
+    }
+    // What is put into the window later does not cover them, nor what raises itself at each change of size.
+    auto *late = new QWidget(m_window.get());
+    late->setGeometry(m_window->rect());
+    late->show();
+    QTRY_VERIFY(m_window->childAt(m_chrome->buttons()->geometry().center()) != late);
+    late->raise();
+    m_window->resize(700, 400);
+    QTRY_VERIFY(control(*m_window, "windowClose")->isVisible() &&
+                m_window->childAt(QPoint(700 - 20, 26)) == control(*m_window, "windowClose"));
+
+    QWidget low;
+    WindowChrome *chrome = WindowChrome::install(&low, lightTheme(), 20); // lower than the buttons
+    low.resize(300, 100);
+    low.show();
+    QTRY_COMPARE(chrome->buttons()->y(), 0);
+}
+
+void TestWindowChrome::maximisedHasNoFrame()
+{
+    auto *maximize = control(*m_window, "windowMaximize");
+    const QString before = maximize->accessibleName();
+    m_window->showMaximized();
+    QTRY_VERIFY(!m_chrome->border()->isVisible());
+    QVERIFY(maximize->restores() && maximize->accessibleName() != before && m_chrome->buttons()->isVisible());
+    for (const WindowGrip *grip : m_window->findChildren<WindowGrip *>())
+        QVERIFY(!grip->isVisible());
+    QTest::mouseClick(maximize, Qt::LeftButton);
+    QTRY_VERIFY(m_chrome->border()->isVisible());
+    QVERIFY(!m_window->isMaximized() && !maximize->restores());
+    m_window->showFullScreen();
+    QTRY_VERIFY(!m_chrome->buttons()->isVisible() && !m_chrome->border()->isVisible());
+}
+
+void TestWindowChrome::buttonsDoWhatTheySay()
+{
+    QTest::mouseClick(control(*m_window, "windowMaximize"), Qt::LeftButton);
+    QTRY_VERIFY(m_window->isMaximized());
+    QTest::mouseClick(control(*m_window, "windowMinimize"), Qt::LeftButton);
+    QTRY_VERIFY(m_window->isMinimized());
+    m_window->showNormal();
+    QTest::mouseClick(control(*m_window, "windowClose"), Qt::LeftButton);
+    QTRY_VERIFY(!m_window->isVisible());
+    for (const char *name : {"windowMinimize", "windowMaximize", "windowClose"}) {
+        const QAccessibleInterface *access = QAccessible::queryAccessibleInterface(control(*m_window, name));
+        QVERIFY(access && access->role() == QAccessible::Button && !access->text(QAccessible::Name).isEmpty());
+        QCOMPARE(control(*m_window, name)->toolTip(), access->text(QAccessible::Name));
+    }
+}
+
+void TestWindowChrome::titleBarMovesExceptOverWhatCanBeUsed_data()
+{
+    QTest::addColumn<QString>("child");
+    QTest::addColumn<int>("y");
+    QTest::addColumn<bool>("moves");
+    QTest::newRow("empty") << QString() << 20 << true;
+    QTest::newRow("below the title bar") << QString() << kTitle << false;
+    QTest::newRow("label") << QStringLiteral("label") << 20 << true;
+    QTest::newRow("button") << QStringLiteral("button") << 20 << false;
+    QTest::newRow("disabled button") << QStringLiteral("disabled") << 20 << false;
+    QTest::newRow("field") << QStringLiteral("field") << 20 << false;
+    QTest::newRow("kept out") << QStringLiteral("kept out") << 20 << false;
+}
+
+void TestWindowChrome::titleBarMovesExceptOverWhatCanBeUsed()
+{
+    QFETCH(QString, child);
+    QFETCH(int, y);
+    QFETCH(bool, moves);
+    QWidget *widget = nullptr;
+    if (child == u"label")
+        widget = new QLabel(child, m_window.get());
+    else if (child == u"button" || child == u"disabled")
+        widget = new QPushButton(child, m_window.get());
+    else if (child == u"field")
+        widget = new QLineEdit(child, m_window.get());
+    else if (child == u"kept out")
+        widget = new QWidget(m_window.get());
+    if (widget) {
+        widget->setGeometry(50, 5, 100, 40);
+        widget->setDisabled(child == u"disabled");
+        widget->setProperty("noWindowDrag", child == u"kept out");
+        widget->show();
+    }
+    const QPoint before = m_window->pos();
+    drag(*m_window, QPoint(100, y), QPoint(40, 30));
+    QTRY_COMPARE(m_window->pos() - before, moves ? QPoint(40, 30) : QPoint());
+}
+
+void TestWindowChrome::doubleClickMaximises()
+{
+    QTest::mouseDClick(m_window.get(), Qt::LeftButton, {}, QPoint(100, 20));
+    QTRY_VERIFY(m_window->isMaximized());
+    const QPoint place = m_window->pos();
+    drag(*m_window, QPoint(100, 20), QPoint(30, 30));
+    QCOMPARE(m_window->pos(), place);
+    QTest::mouseDClick(m_window.get(), Qt::LeftButton, {}, QPoint(100, 20));
+    QTRY_VERIFY(!m_window->isMaximized());
+    QTest::mouseDClick(m_window.get(), Qt::LeftButton, {}, QPoint(100, 200)); // below it
+    QTest::mouseDClick(m_window.get(), Qt::RightButton, {}, QPoint(100, 20));
+    QCoreApplication::processEvents();
+    QVERIFY(!m_window->isMaximized());
+}
+
+void TestWindowChrome::dragBarMovesOnItsOwn()
+{
+    QWidget plain;
+    plain.setGeometry(50, 50, 300, 200);
+    auto *bar = new WindowDragBar(&plain);
+    bar->setGeometry(0, 0, 300, 40);
+    plain.show();
+    const QPoint before = plain.pos();
+    drag(plain, QPoint(10, 10), QPoint(2, 1)); // a trembling hand
+    QCOMPARE(plain.pos(), before);
+    drag(plain, QPoint(10, 10), QPoint(-20, 60));
+    QTRY_COMPARE(plain.pos() - before, QPoint(-20, 60));
+    QTest::mouseDClick(bar, Qt::LeftButton);
+    QTRY_VERIFY(plain.isMaximized());
+}
+
+void TestWindowChrome::gripsStandOnEveryEdge()
+{
+    // Each point of the rim belongs to the grip of its edge, and the corners win.
+    const auto edgesAt = [this](const QPoint &point) {
+        const auto *grip = qobject_cast<WindowGrip *>(m_window->childAt(point));
+        return grip ? grip->edges() : Qt::Edges();
+    };
+    const int right = m_window->width() - 1;
+    const int bottom = m_window->height() - 1;
+    QCOMPARE(edgesAt({0, 0}), Qt::TopEdge | Qt::LeftEdge);
+    QCOMPARE(edgesAt({right, 0}), Qt::TopEdge | Qt::RightEdge);
+    QCOMPARE(edgesAt({0, bottom}), Qt::BottomEdge | Qt::LeftEdge);
+    QCOMPARE(edgesAt({right, bottom}), Qt::BottomEdge | Qt::RightEdge);
+    QCOMPARE(edgesAt({300, 0}), Qt::Edges(Qt::TopEdge));
+    QCOMPARE(edgesAt({300, bottom}), Qt::Edges(Qt::BottomEdge));
+    QCOMPARE(edgesAt({0, 200}), Qt::Edges(Qt::LeftEdge));
+    QCOMPARE(edgesAt({right, 200}), Qt::Edges(Qt::RightEdge));
+    QCOMPARE(edgesAt({300, 200}), Qt::Edges());
+    QCOMPARE(m_window->childAt(0, 200)->cursor().shape(), Qt::SizeHorCursor);
+    QCOMPARE(m_window->childAt(right, 0)->cursor().shape(), Qt::SizeBDiagCursor);
+
+    const QRect before = m_window->geometry();
+    drag(*m_window, QPoint(0, 200), QPoint(-30, 10)); // the offscreen platform has no resizing of its own
+    QTRY_COMPARE(m_window->geometry(), before.adjusted(-30, 0, 0, 0));
+}
+
+void TestWindowChrome::resizedKeepsLimitsAndTheOtherEdges_data()
+{
+    QTest::addColumn<Qt::Edges>("edges");
+    QTest::addColumn<QPoint>("delta");
+    QTest::addColumn<QRect>("result");
+    // from 100, 100, 300 x 200; least 200 x 150, most 400 x 400
+    QTest::newRow("right") << Qt::Edges(Qt::RightEdge) << QPoint(50, 70) << QRect(100, 100, 350, 200);
+    QTest::newRow("left") << Qt::Edges(Qt::LeftEdge) << QPoint(50, 70) << QRect(150, 100, 250, 200);
+    QTest::newRow("top left") << (Qt::TopEdge | Qt::LeftEdge) << QPoint(-10, -20) << QRect(90, 80, 310, 220);
+    QTest::newRow("bottom right") << (Qt::BottomEdge | Qt::RightEdge) << QPoint(9, 8) << QRect(100, 100, 309, 208);
+    QTest::newRow("left up to the least") << Qt::Edges(Qt::LeftEdge) << QPoint(500, 0) << QRect(200, 100, 200, 200);
+    QTest::newRow("top up to the most") << Qt::Edges(Qt::TopEdge) << QPoint(0, -500) << QRect(100, -100, 300, 400);
+}
+
+void TestWindowChrome::resizedKeepsLimitsAndTheOtherEdges()
+{
+    QFETCH(Qt::Edges, edges);
+    QFETCH(QPoint, delta);
+    QFETCH(QRect, result);
+    QCOMPARE(WindowGrip::resized(QRect(100, 100, 300, 200), edges, delta, QSize(200, 150), QSize(400, 400)), result);
+}
+
+void TestWindowChrome::sheetLeavesSizeAndPlaceToTheUser()
+{
+    dialogs::message(m_window.get(), dialogs::Icon::Information, QStringLiteral("a"), {}, lightTheme(), {});
+    QCoreApplication::processEvents();
+    QVERIFY(qobject_cast<WindowGrip *>(m_window->childAt(0, 200)));
+    QVERIFY(qobject_cast<dialogs::DialogSheet *>(m_window->childAt(m_window->width() - 20, 26))); // not the buttons
+    const QPoint before = m_window->pos();
+    drag(*m_window, QPoint(20, 20), QPoint(25, 15));
+    QTRY_COMPARE(m_window->pos() - before, QPoint(25, 15));
+    drag(*m_window, QPoint(20, kTitle + 10), QPoint(25, 15));
+    QCOMPARE(m_window->pos() - before, QPoint(25, 15));
+}
+
+void TestWindowChrome::aFixedSizeStays()
+{
+    QWidget fixed;
+    fixed.setFixedSize(300, 200);
+    WindowChrome::install(&fixed, darkTheme(), 40);
+    fixed.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&fixed));
+    QVERIFY(!qobject_cast<WindowGrip *>(fixed.childAt(0, 100)));
+    QVERIFY(!control(fixed, "windowMaximize")->isEnabled());
+    QTest::mouseDClick(&fixed, Qt::LeftButton, {}, QPoint(30, 20));
+    QCoreApplication::processEvents();
+    QVERIFY(!fixed.isMaximized());
+}
+
+void TestWindowChrome::closingMayDeleteTheWindow()
+{
+    auto *window = new QWidget;
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    window->resize(300, 200);
+    const QPointer<WindowChrome> chrome = WindowChrome::install(window, lightTheme(), 40);
+    window->show();
+    QTest::mouseClick(control(*window, "windowClose"), Qt::LeftButton);
+    QTRY_VERIFY(!chrome);
+}
+
+TAVREL_TEST_MAIN(QApplication, TestWindowChrome)
+#include "test_window_chrome.moc"
