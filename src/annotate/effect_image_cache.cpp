@@ -14,76 +14,198 @@ constexpr int kApron = 512;
 constexpr qsizetype kMostEntries = 6;
 constexpr qint64 kMostBytes = 256LL << 20;
 constexpr int kLargestStrength = 4096;
-constexpr int kStrip = 128; ///< columns or rows of one job
+constexpr int kLeastBand = 96; ///< rows of one job
 
-/// Division of sums of up to 255.5 times the width, rounded down, in ways that the compiler makes vectors of. Up to a
-/// width of 255 a product in 32 bits is exact. Above it the sum plus a half goes through a float: its quotient is at
-/// least 0.5 / width away from every whole number, which up to a width of 8193 is 6.1e-5, and its error below 3.1e-5.
-class MeanOf final
+/// Divides sums of up to 255.5 times an odd width below 256, rounded down, in 16 bits: a product with the inverse
+/// rounded up or down, whichever is nearer. Rounded down, the sum has to be one larger.
+class ShortMean final
 {
 public:
-    explicit MeanOf(int count)
-        : m_factor(((1U << 24) + static_cast<quint32>(count) - 1) / static_cast<quint32>(count)),
-          m_inverse(1.0F / static_cast<float>(count)),
-          m_isShort(count < 256)
-    {}
-    [[nodiscard]] bool isShort() const { return m_isShort; }
-    [[nodiscard]] uchar ofShort(quint32 sum) const { return static_cast<uchar>((sum * m_factor) >> 24); }
-    [[nodiscard]] uchar ofLong(quint32 sum) const
+    using Sum = quint16;
+    explicit constexpr ShortMean(int width)
+    {
+        while ((2 << m_shift) <= width)
+            ++m_shift;
+        const quint32 whole = 1U << (16 + m_shift);
+        const auto count = static_cast<quint32>(width);
+        const quint32 rest = whole % count;
+        m_plus = rest < count - rest ? 1 : 0;
+        m_factor = static_cast<quint16>(whole / count + (1 - m_plus));
+    }
+    [[nodiscard]] constexpr uchar operator()(quint16 sum) const
+    {
+        const auto high =
+            static_cast<quint16>((static_cast<quint32>(static_cast<quint16>(sum + m_plus)) * m_factor) >> 16);
+        return static_cast<uchar>(high >> m_shift);
+    }
+
+private:
+    quint16 m_factor = 0;
+    quint16 m_plus = 0;
+    int m_shift = 0;
+};
+
+constexpr bool isShortMeanExact()
+{
+    for (int width = 3; width < 256; width += 2) {
+        const ShortMean mean(width);
+        for (int value = 0; value < 256; ++value) {
+            const int last = value < 255 ? width - 1 : width / 2;
+            if (mean(static_cast<quint16>(value * width)) != value ||
+                mean(static_cast<quint16>(value * width + last)) != value)
+                return false;
+        }
+    }
+    return true;
+}
+static_assert(isShortMeanExact());
+
+/// The same for any width: the sum plus a half goes through a float. Its quotient is at least 0.5 / width away from
+/// every whole number, which up to a width of 8193 is 6.1e-5, and its error below 3.1e-5.
+class LongMean final
+{
+public:
+    using Sum = quint32;
+    explicit LongMean(int width) : m_inverse(1.0F / static_cast<float>(width)) {}
+    [[nodiscard]] uchar operator()(quint32 sum) const
     {
         return static_cast<uchar>(static_cast<int>((static_cast<float>(static_cast<int>(sum)) + 0.5F) * m_inverse));
     }
 
 private:
-    quint32 m_factor;
     float m_inverse;
-    bool m_isShort;
 };
 static_assert(2 * kLargestStrength + 1 <= 8193);
 
-template <typename Divide>
-void blurLine(const uchar *from, uchar *to, int length, int radius, Divide divide)
+/// Pixels of one picture, for several threads.
+struct Lines
 {
-    quint32 sums[4];
-    const auto width = static_cast<quint32>(2 * radius + 1);
-    for (int c = 0; c < 4; ++c)
-        sums[c] = width / 2 + static_cast<quint32>(radius + 1) * from[c];
-    for (int i = 1; i <= radius; ++i) {
-        for (int c = 0; c < 4; ++c)
-            sums[c] += from[4 * std::min(i, length - 1) + c];
-    }
-    for (int i = 0; i < length; ++i) {
-        const uchar *next = from + 4 * std::min(i + radius + 1, length - 1);
-        const uchar *last = from + 4 * std::max(i - radius, 0);
-        for (int c = 0; c < 4; ++c) {
-            to[4 * i + c] = divide(sums[c]);
-            sums[c] = sums[c] + next[c] - last[c];
+    explicit Lines(QImage &image)
+        : bits(image.bits()),
+          stride(image.bytesPerLine()),
+          width(image.width()),
+          height(image.height())
+    {}
+    [[nodiscard]] uchar *at(int y) const { return bits + std::clamp(y, 0, height - 1) * stride; }
+
+    uchar *bits;
+    qsizetype stride;
+    int width;
+    int height;
+};
+
+/// The means along some lines, side by side so that they are sums of vectors.
+class AlongLines final
+{
+public:
+    static constexpr int kLines = 8;
+
+    explicit AlongLines(int length) : m_length(length), m_woven(static_cast<std::size_t>(length) * kLanes) {}
+
+    /// count  of lines, 1 to 8
+    template <typename Mean>
+    void blur(const Lines &from, int first, const Lines &to, int top, int count, int radius, Mean mean)
+    {
+        for (int line = 0; line < kLines; ++line) {
+            const uchar *pixels = from.at(std::min(first + line, first + count - 1));
+            uchar *place = m_woven.data() + 4 * line;
+            for (int x = 0; x < m_length; ++x, place += kLanes)
+                std::memcpy(place, pixels + 4 * x, 4);
         }
+        uchar *out[kLines]; // too few lines: the last one several times
+        for (int line = 0; line < kLines; ++line)
+            out[line] = to.at(top + std::min(line, count - 1));
+        using Sum = typename Mean::Sum;
+        Sum sums[kLanes];
+        std::fill(sums, sums + kLanes, static_cast<Sum>(radius));
+        const auto add = [&sums](const uchar *lanes, int times) {
+            for (int i = 0; i < kLanes; ++i)
+                sums[i] = static_cast<Sum>(sums[i] + lanes[i] * times);
+        };
+        add(at(0), radius);
+        for (int x = 0; x <= std::min(radius, m_length - 1); ++x)
+            add(at(x), 1);
+        add(at(m_length), std::max(0, radius - (m_length - 1)));
+        for (int x = 0; x < m_length; ++x) {
+            const uchar *next = at(x + radius + 1);
+            const uchar *last = at(x - radius);
+            uchar means[kLanes];
+            for (int i = 0; i < kLanes; ++i) {
+                means[i] = mean(sums[i]);
+                sums[i] = static_cast<Sum>(sums[i] + next[i] - last[i]);
+            }
+            for (int line = 0; line < kLines; ++line)
+                std::memcpy(out[line] + 4 * x, means + 4 * line, 4);
+        }
+    }
+
+private:
+    static constexpr int kLanes = 4 * kLines;
+
+    [[nodiscard]] const uchar *at(int x) const
+    {
+        return m_woven.data() + static_cast<std::size_t>(std::clamp(x, 0, m_length - 1)) * kLanes;
+    }
+
+    int m_length;
+    std::vector<uchar> m_woven;
+};
+
+/// The means across lines top to bottom - 1, row by row as memory lies; with `along`, those along each line on top of
+/// them while it is at hand.
+template <typename Mean>
+void blurBand(const Lines &from, const Lines &to, int top, int bottom, int radius, bool along, Mean mean)
+{
+    using Sum = typename Mean::Sum;
+    const int bytes = 4 * from.width;
+    std::vector<Sum> sums(static_cast<std::size_t>(bytes), static_cast<Sum>(radius));
+    Sum *sum = sums.data();
+    const auto add = [&](const uchar *line, int times) {
+        for (int i = 0; i < bytes; ++i)
+            sum[i] = static_cast<Sum>(sum[i] + line[i] * times);
+    };
+    // Rows beyond the picture repeat its first and last.
+    add(from.at(0), std::max(0, radius - top));
+    for (int y = std::max(0, top - radius); y <= std::min(from.height - 1, top + radius); ++y)
+        add(from.at(y), 1);
+    add(from.at(from.height), std::max(0, top + radius - (from.height - 1)));
+
+    QImage across(along ? from.width : 1, AlongLines::kLines, QImage::Format_ARGB32_Premultiplied);
+    const Lines rows(across);
+    AlongLines lines(from.width);
+    for (int y = top; y < bottom; ++y) {
+        const int row = (y - top) % AlongLines::kLines;
+        uchar *out = along ? rows.at(row) : to.at(y);
+        const uchar *next = from.at(y + radius + 1);
+        const uchar *last = from.at(y - radius);
+        for (int i = 0; i < bytes; ++i) {
+            out[i] = mean(sum[i]);
+            sum[i] = static_cast<Sum>(sum[i] + next[i] - last[i]);
+        }
+        if (along && (row == AlongLines::kLines - 1 || y == bottom - 1))
+            lines.blur(rows, 0, to, y - row, row + 1, radius, mean);
     }
 }
 
-template <typename Divide>
-void blurColumns(const QImage &from, uchar *to, qsizetype stride, int left, int count, int radius, Divide divide)
+template <typename Mean>
+void blur(QImage &now, QImage &other, int radius, Mean mean)
 {
-    const int height = from.height();
-    const int bytes = 4 * count;
-    const auto row = [&](int y) { return from.constScanLine(std::clamp(y, 0, height - 1)) + 4 * left; };
-    std::vector<quint32> sums(static_cast<std::size_t>(bytes), static_cast<quint32>(2 * radius + 1) / 2);
-    quint32 *sum = sums.data();
-    for (int y = -radius; y <= radius; ++y) {
-        const uchar *line = row(y);
-        for (int i = 0; i < bytes; ++i)
-            sum[i] += line[i];
-    }
-    for (int y = 0; y < height; ++y) {
-        uchar *out = to + y * stride + 4 * left;
-        const uchar *next = row(y + radius + 1);
-        const uchar *last = row(y - radius);
-        for (int i = 0; i < bytes; ++i) {
-            out[i] = divide(sum[i]);
-            sum[i] = sum[i] + next[i] - last[i];
-        }
-    }
+    const Lines a(now);
+    const Lines b(other);
+    const int height = a.height;
+    // A band begins with the sum of the rows around its first one, so that wide blurs want few bands.
+    const int band = std::clamp(4 * radius, kLeastBand, std::max(kLeastBand, (height + 3) / 4));
+    const auto inBands = [&](auto job) {
+        erase::inParallel((height + band - 1) / band, [&](int i) { job(i * band, std::min(height, (i + 1) * band)); });
+    };
+    inBands([&](int top, int bottom) {
+        AlongLines lines(a.width);
+        for (int y = top; y < bottom; y += AlongLines::kLines)
+            lines.blur(a, y, b, y, std::min(AlongLines::kLines, bottom - y), radius, mean);
+    });
+    inBands([&](int top, int bottom) { blurBand(b, a, top, bottom, radius, true, mean); });
+    inBands([&](int top, int bottom) { blurBand(a, b, top, bottom, radius, true, mean); });
+    inBands([&](int top, int bottom) { blurBand(b, a, top, bottom, radius, false, mean); });
 }
 
 } // namespace
@@ -95,35 +217,11 @@ QImage boxBlur(const QImage &image, int radius)
         return now;
     radius = std::min(radius, kLargestStrength);
     QImage other(now.size(), now.format());
-    other.setDevicePixelRatio(now.devicePixelRatio());
-    const MeanOf mean(2 * radius + 1);
-    const auto both = [&](auto blur) {
-        if (mean.isShort())
-            blur([mean](quint32 sum) { return mean.ofShort(sum); });
-        else
-            blur([mean](quint32 sum) { return mean.ofLong(sum); });
-    };
-    const int width = now.width();
-    const int height = now.height();
-    for (int round = 0; round < 3; ++round) {
-        // A line of one pixel is its own mean, rounding included.
-        uchar *to = other.bits();
-        const qsizetype stride = other.bytesPerLine();
-        erase::inParallel((height + kStrip - 1) / kStrip, [&](int job) {
-            both([&](auto divide) {
-                for (int y = job * kStrip; y < std::min(height, (job + 1) * kStrip); ++y)
-                    blurLine(now.constScanLine(y), to + y * stride, width, radius, divide);
-            });
-        });
-        uchar *back = now.bits();
-        const qsizetype backStride = now.bytesPerLine();
-        erase::inParallel((width + kStrip - 1) / kStrip, [&](int job) {
-            const int left = job * kStrip;
-            both([&](auto divide) {
-                blurColumns(other, back, backStride, left, std::min(kStrip, width - left), radius, divide);
-            });
-        });
-    }
+    const int width = 2 * radius + 1;
+    if (width < 256)
+        blur(now, other, radius, ShortMean(width));
+    else
+        blur(now, other, radius, LongMean(width));
     return now;
 }
 
