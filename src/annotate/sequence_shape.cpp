@@ -41,6 +41,21 @@ bool SequenceShape::showsTail() const
     return m_hasTail && std::hypot(way.x(), way.y()) > radius() + kTailFrom;
 }
 
+double SequenceShape::tailScale() const
+{
+    return std::clamp(m_fontSize / 28, 0.5, 3.0);
+}
+
+double SequenceShape::headLength() const
+{
+    return (24.0 + thickness * 2.0) * tailScale();
+}
+
+double SequenceShape::headWidth() const
+{
+    return (16.0 + thickness * 1.8) * tailScale();
+}
+
 QFont SequenceShape::labelFont() const
 {
     QFont font;
@@ -77,6 +92,7 @@ void SequenceShape::paint(QPainter &painter, const ShapeRenderContext &) const
     if (!m_label.isEmpty() && !m_isEditing) {
         painter.setFont(labelFont());
         painter.setPen(ink);
+        painter.setLayoutDirection(Qt::LayoutDirectionAuto);
         painter.drawText(labelOrigin(), m_label);
     }
     if (showsTail())
@@ -109,10 +125,9 @@ void SequenceShape::paintTail(QPainter &painter) const
     const QPointF way = end() - start();
     const QPointF along = way / std::hypot(way.x(), way.y());
     const QPointF across(-along.y(), along.x());
-    const double s = std::clamp(m_fontSize / 28, 0.5, 3.0);
-    const double half = std::max(thickness * s * 1.5, 2.0) / 2;
-    const double head = (24.0 + thickness * 2.0) * s;
-    const double headHalf = (16.0 + thickness * 1.8) * s / 2;
+    const double half = std::max(thickness * tailScale() * 1.5, 2.0) / 2;
+    const double head = headLength();
+    const double headHalf = headWidth() / 2;
     const QPointF from = start() + along * radius();
     const QPointF tip = end();
     const QPointF notch = tip - along * (0.75 * head);
@@ -190,6 +205,25 @@ std::optional<QRectF> SequenceShape::bounds() const
         box |= QRectF(origin.x(), origin.y() - metrics.ascent(), metrics.horizontalAdvance(m_label), metrics.height());
     }
     return box;
+}
+
+QRectF SequenceShape::inkBounds() const
+{
+    QRectF box = SegmentShape::inkBounds();
+    if (showsTail()) {
+        // A head longer than the tail begins behind the badge.
+        const double half = headWidth() / 2 + 3; // and the points of its line
+        const QPointF way = end() - start();
+        const QPointF base = end() - way * (headLength() / std::hypot(way.x(), way.y()));
+        box |= QRectF(end(), base).normalized().adjusted(-half, -half, half, half);
+    }
+    return box;
+}
+
+QRectF SequenceShape::paintedBounds() const
+{
+    const double margin = thickness / 2 + 24;
+    return inkBounds().adjusted(-margin, -margin, margin, margin);
 }
 
 void SequenceShape::transform(const ImageTransform &transform)

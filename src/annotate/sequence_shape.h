@@ -21,6 +21,8 @@ public:
     [[nodiscard]] QList<QPointF> handles() const override;
     int setHandle(int index, double x, double y) override;
     [[nodiscard]] std::optional<QRectF> bounds() const override;
+    [[nodiscard]] QRectF inkBounds() const override;
+    [[nodiscard]] QRectF paintedBounds() const override;
     void transform(const ImageTransform &transform) override;
     void scale(double factor) override;
     void toJson(QJsonObject &out) const override;
@@ -47,6 +49,9 @@ public:
 private:
     [[nodiscard]] double radius() const;
     [[nodiscard]] bool showsTail() const;
+    [[nodiscard]] double tailScale() const;
+    [[nodiscard]] double headLength() const;
+    [[nodiscard]] double headWidth() const;
     [[nodiscard]] QFont labelFont() const;
     void paintNumber(QPainter &painter) const;
     void paintTail(QPainter &painter) const;

@@ -155,8 +155,14 @@ double TextShape::contentWidth() const
 
 void TextShape::measure()
 {
-    m_box.setWidth(std::max(m_box.width(), contentWidth() + 2 * m_padding.width()));
-    m_box.setHeight(static_cast<double>(lines().size()) * textLineHeight(m_fontSize) + 2 * m_padding.height());
+    measureInk();
+    m_box.setWidth(std::max(m_box.width(), m_ink.width() + 2 * m_padding.width()));
+    m_box.setHeight(m_ink.height() + 2 * m_padding.height());
+}
+
+void TextShape::measureInk()
+{
+    m_ink = QSizeF(contentWidth(), static_cast<double>(lines().size()) * textLineHeight(m_fontSize));
 }
 
 void TextShape::setText(const QString &text)
@@ -179,7 +185,7 @@ void TextShape::paint(QPainter &painter, const ShapeRenderContext &) const
         return;
     painter.save();
     painter.translate(centreOf(m_box));
-    painter.rotate(degrees(m_rotation));
+    painter.rotate(degrees(shownRotation()));
     painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
     if (m_style == TextStyle::Background || m_style == TextStyle::RoundBackground)
         paintPlate(painter);
@@ -209,22 +215,25 @@ void TextShape::paintLines(QPainter &painter) const
     const double lineHeight = textLineHeight(m_fontSize);
     const double offset = textBaseline(texts, face, lineHeight);
 
+    const auto start = [&](qsizetype line) {
+        return QPointF(-m_box.width() / 2 + m_padding.width(),
+                       -m_box.height() / 2 + m_padding.height() + static_cast<double>(line) * lineHeight + offset);
+    };
+
     const QColor ink = colorFromText(color);
-    painter.setFont(face);
-    for (qsizetype i = 0; i < texts.size(); ++i) {
-        if (texts[i].isEmpty())
-            continue;
-        const QPointF at(-m_box.width() / 2 + m_padding.width(),
-                         -m_box.height() / 2 + m_padding.height() + static_cast<double>(i) * lineHeight + offset);
-        if (m_style == TextStyle::Border) {
-            QPainterPath outline;
-            outline.addText(at, face, texts[i]);
-            painter.strokePath(outline, QPen(contrastColor(ink), textBorderWidth(m_fontSize), Qt::SolidLine,
-                                             Qt::RoundCap, Qt::RoundJoin));
-        }
-        painter.setPen(ink);
-        painter.drawText(at, texts[i]);
+    if (m_style == TextStyle::Border) {
+        // All of it before the first letter, or the border of a line would cover what hangs from the line above.
+        QPainterPath outline;
+        for (qsizetype i = 0; i < texts.size(); ++i)
+            outline.addText(start(i), face, texts[i]);
+        painter.strokePath(
+            outline, QPen(contrastColor(ink), textBorderWidth(m_fontSize), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     }
+    painter.setFont(face);
+    painter.setPen(ink);
+    painter.setLayoutDirection(Qt::LayoutDirectionAuto);
+    for (qsizetype i = 0; i < texts.size(); ++i)
+        painter.drawText(start(i), texts[i]);
 }
 
 void TextShape::paintSelection(QPainter &painter, const ShapeRenderContext &context) const
@@ -234,13 +243,17 @@ void TextShape::paintSelection(QPainter &painter, const ShapeRenderContext &cont
     const double halfH = m_box.height() / 2;
     painter.save();
     painter.translate(centreOf(m_box));
-    painter.rotate(degrees(m_rotation));
+    painter.rotate(degrees(shownRotation()));
     painter.setRenderHint(QPainter::Antialiasing);
     QColor frame = QColor::fromRgb(kFrameColor);
     frame.setAlpha(235);
     painter.setPen(QPen(frame, 1.2 * scale));
     painter.setBrush(Qt::NoBrush);
     painter.drawRoundedRect(QRectF(-halfW, -halfH, m_box.width(), m_box.height()), 6.0 * scale, 6.0 * scale);
+    if (shownRotation() != m_rotation) {
+        painter.restore(); // the handles act on the turned box
+        return;
+    }
     for (const double x : {-halfW, halfW}) {
         paintGrip(painter, {x, 0}, 6.5 * scale, false);
         painter.setBrush(QColor::fromRgb(kHandleAccent));
@@ -253,13 +266,29 @@ void TextShape::paintSelection(QPainter &painter, const ShapeRenderContext &cont
     painter.restore();
 }
 
+/// Where the box shows, grown by as much on each side as told: left, top, right, bottom.
+QRectF TextShape::shownBox(const QMarginsF &margins) const
+{
+    QRectF local(-m_box.width() / 2, -m_box.height() / 2, m_box.width(), m_box.height());
+    // A stored box was measured with the fonts of another day.
+    local |= QRectF(local.topLeft() + QPointF(m_padding.width(), m_padding.height()), m_ink);
+    local += margins;
+    QTransform shown = QTransform::fromTranslate(m_box.center().x(), m_box.center().y());
+    shown.rotateRadians(shownRotation());
+    return shown.mapRect(local);
+}
+
+QRectF TextShape::inkBounds() const
+{
+    // Letters of some fonts reach out of their lines.
+    const double reach = textBorderWidth(m_fontSize) + m_fontSize / 2;
+    return shownBox({reach, reach, reach, reach});
+}
+
 QRectF TextShape::paintedBounds() const
 {
-    const double reach = 8.5 * 1.5 + textBorderWidth(m_fontSize);
-    const QRectF local(-m_box.width() / 2 - reach, -m_box.height() / 2 - kKnobRise - reach, m_box.width() + 2 * reach,
-                       m_box.height() + kKnobRise + 2 * reach);
-    // Letters of some fonts reach out of their lines.
-    return placed().mapRect(local.adjusted(-m_fontSize / 2, -m_fontSize / 2, m_fontSize / 2, m_fontSize / 2));
+    const double reach = 8.5 * 1.5 + textBorderWidth(m_fontSize) + m_fontSize / 2;
+    return shownBox({reach, reach + kKnobRise, reach, reach});
 }
 
 // --- geometry --------------------------------------------------------------------------------------------------------
@@ -358,6 +387,7 @@ void TextShape::scale(double factor)
     m_box = QRectF(m_box.topLeft() * factor, m_box.size() * factor);
     m_fontSize *= factor;
     m_padding *= factor;
+    m_ink *= factor;
 }
 
 // --- attributes and JSON ---------------------------------------------------------------------------------------------
@@ -428,6 +458,7 @@ void TextShape::readJson(const QJsonObject &in)
     m_style = textStyleFromName(readString(in, QStringLiteral("textStyle")));
     m_family = readString(in, QStringLiteral("fontFamily"));
     m_padding = QSizeF(readNonZero(in, QStringLiteral("padX"), kPadX), readNonZero(in, QStringLiteral("padY"), kPadY));
+    measureInk();
 }
 
 } // namespace tavrel

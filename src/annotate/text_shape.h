@@ -3,6 +3,7 @@
 #include "annotate/base_shape.h"
 
 #include <QFont>
+#include <QMarginsF>
 #include <QStringList>
 #include <QTransform>
 
@@ -26,6 +27,7 @@ public:
     int setHandle(int index, double x, double y) override;
     /// The box before it is turned.
     [[nodiscard]] std::optional<QRectF> bounds() const override { return m_box; }
+    [[nodiscard]] QRectF inkBounds() const override;
     [[nodiscard]] QRectF paintedBounds() const override;
     /// The middle follows the picture; the text stays upright.
     void transform(const ImageTransform &transform) override;
@@ -43,7 +45,7 @@ public:
     [[nodiscard]] const QString &text() const { return m_text; }
     /// Lines are parted by line feeds. The box grows with the text and never narrows.
     void setText(const QString &text);
-    /// While it is being edited an editor stands where the text is.
+    /// While it is being edited an editor stands where the text is. An editor stands upright, and so does the box then.
     void setEditing(bool editing) { m_isEditing = editing; }
     [[nodiscard]] const QRectF &box() const { return m_box; }
     void setWidth(double width) { m_box.setWidth(width); }
@@ -59,8 +61,11 @@ private:
     [[nodiscard]] QStringList lines() const { return m_text.split(u'\n'); }
     [[nodiscard]] double contentWidth() const;
     void measure();
+    void measureInk();
     /// From the box's middle, upright, to the picture.
     [[nodiscard]] QTransform placed() const;
+    [[nodiscard]] double shownRotation() const { return m_isEditing ? 0.0 : m_rotation; }
+    [[nodiscard]] QRectF shownBox(const QMarginsF &margins) const;
     void keepInPlace(const QPointF &local, const QPointF &where);
     void dragEdge(bool isLeft, const QPointF &to);
     void dragCorner(const QPointF &to);
@@ -75,6 +80,7 @@ private:
     TextStyle m_style = TextStyle::Standard;
     QString m_family; ///< empty for the application's
     QSizeF m_padding{12, 8};
+    QSizeF m_ink; ///< all lines, without padding
 };
 
 /// What stands out against a colour: black on very light ones, else the colour mixed far towards white.

@@ -5,6 +5,7 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QPlainTextDocumentLayout>
+#include <QSignalBlocker>
 #include <QTextBlock>
 #include <QTextLayout>
 
@@ -58,8 +59,8 @@ void OutlinedTextEdit::setTextColor(const QColor &color)
 {
     if (std::exchange(m_textColor, color) == color)
         return;
-    setStyleSheet(
-        QStringLiteral("QPlainTextEdit { background: transparent; border: none; color: %1; }").arg(color.name()));
+    setStyleSheet(QStringLiteral("QPlainTextEdit { background: transparent; border: none; color: %1; }")
+                      .arg(color.name(QColor::HexArgb)));
 }
 
 void OutlinedTextEdit::setOutline(const QColor &color, double width)
@@ -130,6 +131,16 @@ void OutlinedTextEdit::inputMethodEvent(QInputMethodEvent *event)
     m_composition = event->preeditString();
     QPlainTextEdit::inputMethodEvent(event);
     Q_EMIT compositionChanged();
+}
+
+void OutlinedTextEdit::dropComposition()
+{
+    if (m_composition.isEmpty())
+        return;
+    m_composition.clear();
+    const QSignalBlocker blocker(this);
+    QInputMethodEvent nothing;
+    QPlainTextEdit::inputMethodEvent(&nothing);
 }
 
 // The wheel is the tool's; there is nothing to scroll.

@@ -24,6 +24,8 @@ public:
     [[nodiscard]] int outlineMargin() const;
     /// What an input method is about to put in.
     [[nodiscard]] QString composition() const { return m_composition; }
+    /// Forgets it without putting it in.
+    void dropComposition();
 
 Q_SIGNALS:
     void compositionChanged();

@@ -6,6 +6,8 @@
 #include "base/color_text.h"
 
 #include <QFontMetricsF>
+#include <QGuiApplication>
+#include <QInputMethod>
 #include <QSignalBlocker>
 #include <QTextBlock>
 
@@ -46,9 +48,12 @@ void ShapeTextEditor::makeEdit()
 
 const BaseShape *ShapeTextEditor::shape() const
 {
-    if (m_text)
-        return m_text;
-    return m_badge;
+    return m_shape.lock().get();
+}
+
+bool ShapeTextEditor::isVoid() const
+{
+    return m_shape.expired() || m_document.generation() != m_generation;
 }
 
 void ShapeTextEditor::setView(const View &view)
@@ -59,11 +64,21 @@ void ShapeTextEditor::setView(const View &view)
 
 bool ShapeTextEditor::open(BaseShape *shape)
 {
+    if (isOpen() && !isVoid() && shape == this->shape()) {
+        m_edit->setFocus(Qt::OtherFocusReason);
+        return true;
+    }
     end();
+    const auto &shapes = m_document.shapes();
+    const auto owner =
+        std::find_if(shapes.begin(), shapes.end(), [shape](const auto &each) { return each.get() == shape; });
+    if (owner == shapes.end())
+        return false;
     m_text = dynamic_cast<TextShape *>(shape);
     m_badge = dynamic_cast<SequenceShape *>(shape);
     if (!isOpen())
         return false;
+    m_shape = *owner;
     if (!m_edit)
         makeEdit();
     m_generation = m_document.generation();
@@ -89,7 +104,7 @@ bool ShapeTextEditor::open(BaseShape *shape)
 
 void ShapeTextEditor::relayout()
 {
-    if (!isOpen() || m_document.generation() != m_generation)
+    if (!isOpen() || isVoid())
         return;
     if (m_text)
         layoutText();
@@ -169,7 +184,9 @@ void ShapeTextEditor::hide()
 {
     m_text = nullptr;
     m_badge = nullptr;
+    m_shape.reset();
     m_compositionWidth = -1;
+    m_edit->dropComposition();
     m_edit->hide();
 }
 
@@ -177,7 +194,9 @@ void ShapeTextEditor::end(bool keepSelection)
 {
     if (!isOpen())
         return;
-    if (m_document.generation() != m_generation) {
+    if (!isVoid() && !m_edit->composition().isEmpty())
+        QGuiApplication::inputMethod()->commit();
+    if (isVoid()) {
         hide();
         return;
     }

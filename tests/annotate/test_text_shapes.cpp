@@ -262,6 +262,52 @@ private Q_SLOTS:
         QCOMPARE(contrastColor(QColor(200, 0, 0, 128)), QColor(239, 179, 179, 128));
     }
 
+    /// Nothing is left behind on a repaint, and the hover mark goes round all of it.
+    void inkStaysWithinItsBounds_data()
+    {
+        QTest::addColumn<QString>("json");
+        QTest::newRow("large tail") << QStringLiteral(
+            R"([{"type":"sequence","cx":250,"cy":200,"ex":330,"ey":190,"hasArrow":true,"fontSize":84,"thickness":12}])");
+        QTest::newRow("head longer than its tail") << QStringLiteral(
+            R"([{"type":"sequence","cx":250,"cy":200,"ex":250,"ey":178,"hasArrow":true,"fontSize":14,"thickness":30}])");
+        QTest::newRow("label far away") << QStringLiteral(
+            R"([{"type":"sequence","cx":350,"cy":300,"seqText":"label","textOffX":-320,"textOffY":-250}])");
+        QTest::newRow("turned text") << QStringLiteral(
+            R"([{"type":"text","x":100,"y":180,"text":"turned all the way","rotation":1.5,"textStyle":"border"}])");
+    }
+
+    void inkStaysWithinItsBounds()
+    {
+        QFETCH(QString, json);
+        ShapeDocument document;
+        document.loadState(json, {}, {}, 0);
+        const BaseShape &shape = *document.shapes().first();
+        QVERIFY(shape.inkBounds().toAlignedRect().contains(inked(painted(document))));
+        QVERIFY(shape.paintedBounds().contains(shape.inkBounds()));
+    }
+
+    /// The border of a line lies below the letters of all lines.
+    void bordersLieUnderLetters()
+    {
+        const auto black = [](const QString &text) {
+            ShapeDocument document;
+            document.loadState(
+                QStringLiteral(R"([{"type":"text","x":50,"y":50,"fontSize":60,"color":"#000000","text":"%1",)"
+                               R"("textStyle":"border"}])")
+                    .arg(text),
+                {}, {}, 0);
+            const QImage image = painted(document);
+            int count = 0;
+            for (int y = 0; y < image.height(); ++y) {
+                for (int x = 0; x < image.width(); ++x)
+                    count += image.pixelColor(x, y) == QColor(Qt::black) ? 1 : 0;
+            }
+            return count;
+        };
+        const int both = black(QStringLiteral("ggg\\nÁÁÁ"));
+        QVERIFY(std::abs(both - black(QStringLiteral("ggg")) - black(QStringLiteral("ÁÁÁ"))) <= both / 100);
+    }
+
     void readBackTheyLookTheSame()
     {
         ShapeDocument document;
