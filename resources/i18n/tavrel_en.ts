@@ -843,6 +843,10 @@
         <source>模糊强度 1 到 20 都可能被还原，请勿用来遮盖机密文字。要彻底去除，请用智能擦除的“整个框都补掉”。</source>
         <translation>Blurred text may be read back at every strength from 1 to 20; do not hide secrets with it. To remove text for good, use Smart erase with “Fill the whole box”.</translation>
     </message>
+    <message>
+        <source>样式</source>
+        <translation>Style</translation>
+    </message>
 </context>
 <context>
     <name>tavrel::ui::ColorBoard</name>

@@ -74,6 +74,7 @@ AttributeBar::AttributeBar(ShapeDocument *document, QWidget *parent, int fixedWi
       m_fixedWidth(fixedWidth)
 {
     setObjectName(QStringLiteral("panel"));
+    setAccessibleName(tr("样式"));
     setFocusPolicy(Qt::NoFocus);
     setCursor(Qt::ArrowCursor);
     auto *layout = new QVBoxLayout(this);
