@@ -14,8 +14,6 @@ struct GuideBubblePlacement
     QPoint position;     ///< of the bubble with its arrow
     int arrowX = 0;      ///< tip of the arrow, from the bubble's left edge
     bool arrowUp = true; ///< the bubble stands below the toolbar
-
-    friend bool operator==(const GuideBubblePlacement &, const GuideBubblePlacement &) = default;
 };
 
 /// Where a bubble goes that points at the toolbar's arrow: below the toolbar, above it where there is no room.

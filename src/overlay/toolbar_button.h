@@ -28,8 +28,6 @@ public:
     /// A glyph by name in place of the tool's; such a button shows no text and is as narrow as its glyph.
     void setGlyph(const QString &name);
 
-    [[nodiscard]] ToolType tool() const { return m_tool; }
-
 protected:
     void paintEvent(QPaintEvent *event) override;
 
