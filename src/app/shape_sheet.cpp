@@ -1,6 +1,8 @@
 #include "app/shape_sheet.h"
 
+#include "annotate/shape_document.h"
 #include "annotate/shape_factory.h"
+#include "annotate/text_shape.h"
 #include "overlay/overlay_renderer.h"
 
 #include <QDir>
@@ -41,11 +43,24 @@ QString stroke(const char *type, const QString &more)
         .arg(QLatin1String(type), points.join(u','), more);
 }
 
+/// A text that was only written down knows nothing of its box yet.
+QString measured(const QString &shapes)
+{
+    ShapeDocument document;
+    document.loadState(shapes, {}, {}, 0);
+    for (const auto &shape : document.shapes()) {
+        if (auto *text = dynamic_cast<TextShape *>(shape.get()))
+            text->setText(text->text());
+        document.markChanged(shape.get());
+    }
+    return document.shapesJson();
+}
+
 QString text(const char *style, const QString &more)
 {
-    return QStringLiteral(R"([{"type":"text","x":30,"y":34,"text":"Text 文字\nsecond line","fontSize":24,)"
-                          R"("color":"#007DFF","textStyle":"%1"%2}])")
-        .arg(QLatin1String(style), more);
+    return measured(QStringLiteral(R"([{"type":"text","x":30,"y":34,"text":"Text 文字\nsecond line","fontSize":24,)"
+                                   R"("color":"#007DFF","textStyle":"%1"%2}])")
+                        .arg(QLatin1String(style), more));
 }
 
 QString badge(const char *type, int number)
@@ -55,6 +70,23 @@ QString badge(const char *type, int number)
                           R"("color":"#F93442"}])")
         .arg(QLatin1String(type))
         .arg(number);
+}
+
+QImage drawn(const SheetCell &cell, const QImage &ground)
+{
+    const QRectF whole(QPointF(0, 0), QSizeF(kCell));
+    QImage image = renderSelection(ground, whole, cell.shapes, ShapeFactory::standard());
+    if (!cell.withHandles)
+        return image;
+    ShapeDocument document;
+    document.loadState(cell.shapes, {}, {}, 0);
+    ShapeRenderContext context;
+    context.canvasBounds = whole;
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    for (const auto &shape : document.shapes())
+        shape->paintSelection(painter, context);
+    return image;
 }
 
 } // namespace
@@ -76,8 +108,12 @@ QList<SheetCell> sheetCells()
     };
     for (const char *style : {"standard", "wedge", "wedge_outline", "line", "double"})
         cells.append({QStringLiteral("arrow, %1").arg(QLatin1String(style)), arrow(QLatin1String(style), {})});
-    cells.append({QStringLiteral("arrow, curved"),
-                  arrow(QStringLiteral("standard"), QStringLiteral(R"(,"ctrlOffX":-40,"ctrlOffY":-50)"))});
+    for (const char *style : {"standard", "wedge", "wedge_outline", "line", "double"})
+        cells.append({QStringLiteral("arrow, %1, curved").arg(QLatin1String(style)),
+                      arrow(QLatin1String(style), QStringLiteral(R"(,"ctrlOffX":-40,"ctrlOffY":-50)"))});
+    for (const char *style : {"standard", "wedge", "wedge_outline", "double"})
+        cells.append({QStringLiteral("arrow, %1, thick").arg(QLatin1String(style)),
+                      arrow(QLatin1String(style), QStringLiteral(R"(,"ctrlOffX":10,"ctrlOffY":26,"thickness":14)"))});
     cells.append({QStringLiteral("pen"), stroke("pen", QStringLiteral(R"(,"thickness":5)"))});
     cells.append({QStringLiteral("marker"),
                   stroke("marker", QStringLiteral(R"(,"thickness":18,"compositeOperation":"multiply")"))});
@@ -87,8 +123,14 @@ QList<SheetCell> sheetCells()
     for (const char *style : {"standard", "border", "background", "round_bg"})
         cells.append({QStringLiteral("text, %1").arg(QLatin1String(style)), text(style, {})});
     cells.append({QStringLiteral("text, turned"), text("round_bg", QStringLiteral(R"(,"rotation":-0.35)"))});
+    cells.append({QStringLiteral("text, other scripts"),
+                  measured(QStringLiteral(
+                      R"([{"type":"text","x":16,"y":4,"text":"שלום abc\nسلام\n🙂👍 Ágjy","fontSize":30,)"
+                      R"("color":"#FF9500","textStyle":"round_bg"}])"))});
     for (const char *type : {"arabic", "upper_letter", "lower_letter", "chinese", "roman_upper", "roman_lower"})
         cells.append({QStringLiteral("number, %1").arg(QLatin1String(type)), badge(type, 8)});
+    for (const char *type : {"arabic", "upper_letter", "chinese", "roman_upper"})
+        cells.append({QStringLiteral("number, %1, wide").arg(QLatin1String(type)), badge(type, 88)});
     cells.append({QStringLiteral("mosaic"), box("mosaic", QStringLiteral(R"(,"mosaicIntensity":12)"))});
     cells.append(
         {QStringLiteral("blur"), box("mosaic", QStringLiteral(R"(,"mosaicMode":"blur","mosaicIntensity":10)"))});
@@ -114,6 +156,15 @@ QList<SheetCell> sheetCells()
         cells.append({QStringLiteral("smart erase, %1").arg(QLatin1String(solver)),
                       QStringLiteral(R"([{"type":"smart_erase","x":167,"y":26,"w":50,"h":50,"eraseSolver":"%1"}])")
                           .arg(QLatin1String(solver))});
+    // Some once more with what is seen while they are selected.
+    const QList<SheetCell> plain = cells;
+    for (const char *name : {"rect", "circle", "line", "arrow, standard, curved", "marker, area", "text, round_bg",
+                             "text, turned", "number, arabic", "mosaic", "spotlight", "magnifier, round"}) {
+        for (const SheetCell &cell : plain) {
+            if (cell.name == QLatin1String(name))
+                cells.append({cell.name + QStringLiteral(", selected"), cell.shapes, true});
+        }
+    }
     return cells;
 }
 
@@ -165,9 +216,7 @@ int renderShapeSheet(const QStringList &values)
                 painter.setPen(Qt::white);
                 painter.drawText(QRect(at, QSize(kCell.width(), kCaption)), Qt::AlignLeft | Qt::AlignVCenter,
                                  cells[i].name);
-                painter.drawImage(at + QPoint(0, kCaption),
-                                  renderSelection(ground, QRectF(QPointF(0, 0), QSizeF(kCell)), cells[i].shapes,
-                                                  ShapeFactory::standard()));
+                painter.drawImage(at + QPoint(0, kCaption), drawn(cells[i], ground));
             }
             painter.end();
             const QString path =

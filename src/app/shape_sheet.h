@@ -12,6 +12,7 @@ struct SheetCell
 {
     QString name;
     QString shapes; ///< as a document stores them, in a picture of sheetCellSize()
+    bool withHandles = false;
 };
 
 [[nodiscard]] QSize sheetCellSize();
