@@ -140,6 +140,130 @@ private Q_SLOTS:
         QVERIFY(whole != picture);
         const QRect crop(QPoint(26, 14) * ratio, QSize(110, 70) * ratio);
         QCOMPARE(rendered(picture, shapes, crop, {}), whole.copy(crop));
+        // Wherever the picture lies in the coordinates of the shapes.
+        for (const QPointF &origin : {QPointF(1000, -300), QPointF(-64.5, 17.5) * (ratio - 1)}) {
+            ShapeDocument moved;
+            moved.loadState(shapes, {}, {}, 0);
+            moved.translateAll(origin.x(), origin.y());
+            QCOMPARE(rendered(picture, moved.shapesJson(), crop, origin), whole.copy(crop));
+        }
+    }
+
+    /// A box that reaches beyond the picture changes what it covers of it and nothing else.
+    void effectsEndWithThePicture_data()
+    {
+        QTest::addColumn<QString>("shape");
+        for (const char *mode : {"mosaic", "blur"}) {
+            QTest::addRow("%s at the corner", mode)
+                << QStringLiteral(R"({"type":"mosaic","x":-30,"y":-30,"w":50,"h":50,"mosaicMode":"%1"})")
+                       .arg(QLatin1String(mode));
+            QTest::addRow("%s around everything", mode)
+                << QStringLiteral(R"({"type":"mosaic","x":-99,"y":-99,"w":900,"h":900,"mosaicMode":"%1"})")
+                       .arg(QLatin1String(mode));
+            QTest::addRow("%s of a brush", mode)
+                << QStringLiteral(
+                       R"({"type":"mosaic_pen","thickness":20,"points":[{"x":-20,"y":20},{"x":60,"y":8},{"x":90,"y":70}],)"
+                       R"("mosaicMode":"%1"})")
+                       .arg(QLatin1String(mode));
+        }
+    }
+
+    void effectsEndWithThePicture()
+    {
+        QFETCH(QString, shape);
+        for (const double ratio : {1.0, 2.0}) {
+            const QImage picture = noise(QSize(60, 50) * ratio, ratio);
+            const int around = static_cast<int>(20 * ratio);
+            const QRect wide = picture.rect().adjusted(-around, -around, around, around);
+            QImage seen = rendered(picture, u'[' + shape + u']', wide, {});
+            const QRect inside = picture.rect().translated(around, around);
+            QVERIFY(seen.copy(inside) != picture);
+            seen.setDevicePixelRatio(1);
+            QPainter painter(&seen);
+            painter.setCompositionMode(QPainter::CompositionMode_Clear);
+            painter.fillRect(inside, Qt::transparent);
+            painter.end();
+            QImage nothing(seen.size(), seen.format());
+            nothing.fill(Qt::transparent);
+            QCOMPARE(seen, nothing);
+        }
+    }
+
+    void everythingFitsOnOnePixel()
+    {
+        const QImage picture = noise({1, 1});
+        for (const char *mode : {"mosaic", "blur"}) {
+            const QString box = QStringLiteral(R"([{"type":"mosaic","x":-5,"y":-5,"w":20,"h":20,"mosaicMode":"%1"}])")
+                                    .arg(QLatin1String(mode));
+            QCOMPARE(rendered(picture, box, picture.rect(), {}), picture);
+        }
+        for (const char *type : {"mosaic_pen", "spotlight", "watermark", "magnifier", "smart_erase"}) {
+            const QString shape =
+                QStringLiteral(R"([{"type":"%1","x":-1,"y":-1,"w":9,"h":9,"ax":-3,"ay":-3,"bx":9,"by":9,"text":"mark",)"
+                               R"("points":[{"x":0,"y":0},{"x":3,"y":3}]}])")
+                    .arg(QLatin1String(type));
+            QCOMPARE(rendered(picture, shape, picture.rect(), {}).size(), QSize(1, 1));
+        }
+    }
+
+    /// Shapes without any size, and numbers that are none.
+    void poorShapesAreHarmless_data()
+    {
+        QTest::addColumn<QString>("type");
+        for (const char *type : {"rect", "circle", "line", "arrow", "pen", "marker", "sequence", "text", "mosaic",
+                                 "mosaic_pen", "smart_erase", "spotlight", "magnifier", "watermark"})
+            QTest::newRow(type) << QString::fromLatin1(type);
+    }
+
+    void poorShapesAreHarmless()
+    {
+        QFETCH(QString, type);
+        const QImage picture = noise({40, 30});
+        rendered(picture, QStringLiteral(R"([{"type":"%1"}])").arg(type), picture.rect(), {});
+        QJsonObject in{{QStringLiteral("type"), type}};
+        const QStringList keys{u"x"_qs,
+                               u"y"_qs,
+                               u"w"_qs,
+                               u"h"_qs,
+                               u"ax"_qs,
+                               u"ay"_qs,
+                               u"bx"_qs,
+                               u"by"_qs,
+                               u"cx"_qs,
+                               u"cy"_qs,
+                               u"ex"_qs,
+                               u"ey"_qs,
+                               u"offX"_qs,
+                               u"textOffX"_qs,
+                               u"zoom"_qs,
+                               u"dash"_qs,
+                               u"fontSize"_qs,
+                               u"rotation"_qs,
+                               u"padX"_qs,
+                               u"padY"_qs,
+                               u"thickness"_qs,
+                               u"opacity"_qs,
+                               u"mosaicIntensity"_qs,
+                               u"dim"_qs,
+                               u"stamp"_qs,
+                               u"startX"_qs,
+                               u"endY"_qs,
+                               u"x1"_qs};
+        for (const double odd : {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(),
+                                 -std::numeric_limits<double>::infinity(), -1.0}) {
+            for (const QString &key : keys)
+                in.insert(key, odd);
+            const auto shape = ShapeFactory::standard().read(in);
+            QVERIFY(shape);
+            const QRectF box = shape->paintedBounds();
+            QVERIFY(std::isfinite(box.x()) && std::isfinite(box.y()));
+            QVERIFY(std::isfinite(box.width()) && std::isfinite(box.height()));
+            QJsonObject out;
+            shape->toJson(out);
+            for (auto it = out.constBegin(); it != out.constEnd(); ++it)
+                QVERIFY2(!it->isDouble() || std::isfinite(it->toDouble()), qPrintable(it.key()));
+            rendered(picture, u"[%1]"_qs.arg(QString::fromUtf8(shape->toJsonText())), picture.rect(), {});
+        }
     }
 
     void oddBoxesPaintNothing_data()

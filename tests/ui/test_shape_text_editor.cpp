@@ -112,6 +112,9 @@ private Q_SLOTS:
         QTest::newRow("emoji") << textJson(QStringLiteral("a🙂b"), {});
         QTest::newRow("hebrew") << textJson(QStringLiteral("שלום לך"), {});
         QTest::newRow("arabic and latin") << textJson(QStringLiteral("سلام abc\\nabc سلام"), {});
+        QTest::newRow("very long") << textJson(QStringLiteral("🙂שלום").repeated(33), {});
+        QTest::newRow("very long, border")
+            << textJson(QStringLiteral("سلام🙂").repeated(33), QStringLiteral(R"(,"textStyle":"border")"));
         QTest::newRow("tab") << textJson(QStringLiteral("a\\tb"), {});
         QTest::newRow("label") << QStringLiteral(
             R"([{"type":"sequence","cx":80.3,"cy":90.6,"seqText":"a label gjÁ","color":"#803020"}])");
