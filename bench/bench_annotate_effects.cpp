@@ -24,7 +24,8 @@ QImage picture()
     return image;
 }
 
-void buildEffect(benchmark::State &state, bool blur)
+/// All of 3840x2160 at a strength: radius of the blur or side of a block, in pixels.
+void buildEffectOf3840x2160(benchmark::State &state, bool blur)
 {
     const QImage source = picture();
     for (auto _ : state) {
@@ -32,8 +33,27 @@ void buildEffect(benchmark::State &state, bool blur)
         benchmark::DoNotOptimize(cache.region(blur, static_cast<int>(state.range(0)), {0, 0, 10, 10}));
     }
 }
-BENCHMARK_CAPTURE(buildEffect, blur, true)->Arg(2)->Arg(15)->Arg(200)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_CAPTURE(buildEffect, mosaic, false)->Arg(4)->Arg(15)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK_CAPTURE(buildEffectOf3840x2160, blur, true)
+    ->ArgName("radius")
+    ->Arg(1)
+    ->Arg(2)
+    ->Arg(15)
+    ->Arg(50)
+    ->Arg(127)
+    ->Arg(128)
+    ->Arg(200)
+    ->Arg(1000)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(buildEffectOf3840x2160, mosaic, false)
+    ->ArgName("block")
+    ->Arg(1)
+    ->Arg(2)
+    ->Arg(4)
+    ->Arg(15)
+    ->Arg(200)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 
 void paintDamage(QImage &image, ShapeDocument &document, const EffectImageCache &cache)
 {
@@ -50,7 +70,8 @@ void paintDamage(QImage &image, ShapeDocument &document, const EffectImageCache 
     document.paint(painter, context);
 }
 
-void dragBox(benchmark::State &state)
+/// One step of a box of 1200x800 over 3840x2160.
+void dragBoxOf1200x800(benchmark::State &state)
 {
     QImage image = picture();
     const EffectImageCache cache(image);
@@ -68,7 +89,7 @@ void dragBox(benchmark::State &state)
         paintDamage(image, document, cache);
     }
 }
-BENCHMARK(dragBox)->Unit(benchmark::kMillisecond);
+BENCHMARK(dragBoxOf1200x800)->Unit(benchmark::kMillisecond);
 
 /// One more point on a brush stroke that has so many already.
 void growBrush(benchmark::State &state)
@@ -90,7 +111,7 @@ void growBrush(benchmark::State &state)
     for (auto _ : state)
         add();
 }
-BENCHMARK(growBrush)->Arg(100)->Arg(2000)->Iterations(500)->Unit(benchmark::kMicrosecond);
+BENCHMARK(growBrush)->ArgName("points")->Arg(100)->Arg(2000)->Iterations(500)->Unit(benchmark::kMicrosecond);
 
 /// A tiled watermark: its length in characters, and the side of the square that is painted anew, 0 for everything.
 void paintWatermark(benchmark::State &state)
@@ -121,6 +142,42 @@ BENCHMARK(paintWatermark)
     ->Args({10'000, 0})
     ->Args({10'000, 300})
     ->Unit(benchmark::kMillisecond);
+
+/// The first paint after a character was added to a watermark of so many.
+void shapeWatermark(benchmark::State &state)
+{
+    QImage image = picture();
+    ShapeDocument document;
+    document.setTool(ToolType::Watermark);
+    const QString text = QStringLiteral("mark ").repeated(static_cast<int>(state.range(0)) / 5);
+    ShapeRenderContext context;
+    context.canvasBounds = QRectF(image.rect());
+    int count = 0;
+    for (auto _ : state) {
+        document.setWatermarkText(text + QString::number(++count));
+        document.setWatermark();
+        QPainter painter(&image);
+        document.paint(painter, context);
+    }
+}
+BENCHMARK(shapeWatermark)->ArgName("characters")->Arg(200)->Arg(10'000)->Unit(benchmark::kMillisecond);
+
+/// A text of so many characters, half of them from right to left, in the style that costs most.
+void paintText(benchmark::State &state)
+{
+    QImage image = picture();
+    ShapeDocument document;
+    QString text;
+    while (text.size() < state.range(0))
+        text += QStringLiteral("سلام text\\n");
+    document.loadState(QStringLiteral(R"([{"type":"text","x":100,"y":50,"text":"%1","textStyle":"border"}])").arg(text),
+                       {}, {}, 0);
+    for (auto _ : state) {
+        QPainter painter(&image);
+        document.paint(painter, {});
+    }
+}
+BENCHMARK(paintText)->ArgName("characters")->Arg(20)->Arg(200)->Unit(benchmark::kMillisecond);
 
 } // namespace
 

@@ -16,7 +16,9 @@ namespace tavrel {
 /// and thumbnail agree. Pictures of up to 16 million pixels are covered at once, larger ones around what was asked for.
 /// At most 6 results and 256 MB are kept, the latest first (one larger result is kept alone).
 ///
-/// region() may be called from any thread; a second caller waits while a result is made.
+/// region() may be called from any thread; a second caller waits while a result is made. All of 3840x2160 may take 60
+/// ms (bench_annotate_effects: 24 to 29 ms up to a radius of 127, 52 ms at 200, 30 ms for blocks of a pixel, on four
+/// cores); a shape that moves over a result costs what it covers.
 class EffectImageCache final
 {
 public:

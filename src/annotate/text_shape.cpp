@@ -223,11 +223,12 @@ void TextShape::paintLines(QPainter &painter) const
     const QColor ink = colorFromText(color);
     if (m_style == TextStyle::Border) {
         // All of it before the first letter, or the border of a line would cover what hangs from the line above.
-        QPainterPath outline;
-        for (qsizetype i = 0; i < texts.size(); ++i)
+        const QPen pen(contrastColor(ink), textBorderWidth(m_fontSize), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
+        for (qsizetype i = 0; i < texts.size(); ++i) {
+            QPainterPath outline;
             outline.addText(start(i), face, texts[i]);
-        painter.strokePath(
-            outline, QPen(contrastColor(ink), textBorderWidth(m_fontSize), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+            painter.strokePath(outline, pen);
+        }
     }
     painter.setFont(face);
     painter.setPen(ink);

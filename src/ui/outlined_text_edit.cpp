@@ -91,7 +91,7 @@ void OutlinedTextEdit::paintEvent(QPaintEvent *event)
         QPainter painter(viewport());
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setClipping(false);
-        QPainterPath letters;
+        const QPen pen(m_outlineColor, m_outlineWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
         for (QTextBlock block = firstVisibleBlock(); block.isValid(); block = block.next()) {
             const QRectF box = blockBoundingGeometry(block).translated(contentOffset());
             const QTextLayout *layout = block.layout();
@@ -102,9 +102,10 @@ void OutlinedTextEdit::paintEvent(QPaintEvent *event)
             const QString composing = layout->preeditAreaText();
             if (!composing.isEmpty())
                 text.insert(layout->preeditAreaPosition(), composing);
+            QPainterPath letters;
             letters.addText(box.topLeft() + line.position() + QPointF(0, line.ascent()), font(), text);
+            painter.strokePath(letters, pen);
         }
-        painter.strokePath(letters, QPen(m_outlineColor, m_outlineWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     }
     QPlainTextEdit::paintEvent(event);
 }
