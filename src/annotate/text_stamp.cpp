@@ -2,6 +2,7 @@
 
 #include <QFontMetricsF>
 #include <QPainter>
+#include <QRawFont>
 #include <QTextLayout>
 
 #include <algorithm>
@@ -10,6 +11,12 @@ namespace tavrel {
 namespace {
 
 constexpr qsizetype kPieceGlyphs = 32;
+
+/// Whether the letters of a font are pictures in colours of their own, which no pen makes translucent.
+bool hasPictures(const QRawFont &font)
+{
+    return !font.fontTable("CBLC").isEmpty() || !font.fontTable("COLR").isEmpty() || !font.fontTable("sbix").isEmpty();
+}
 
 } // namespace
 
@@ -32,6 +39,7 @@ TextStamp::TextStamp(const QString &text, const QFont &font) : m_text(text), m_f
     const QPointF toBaseline(0, -shaped.ascent());
     const double overhang = QFontMetricsF(font).height();
     for (const QGlyphRun &whole : shaped.glyphRuns()) {
+        const bool isPicture = hasPictures(whole.rawFont());
         const QList<quint32> glyphs = whole.glyphIndexes();
         const QList<QPointF> positions = whole.positions();
         for (qsizetype from = 0; from < glyphs.size(); from += kPieceGlyphs) {
@@ -46,7 +54,7 @@ TextStamp::TextStamp(const QString &text, const QFont &font) : m_text(text), m_f
                 places.begin(), places.end(), [](const QPointF &a, const QPointF &b) { return a.x() < b.x(); });
             const QRectF box = QRectF(left->x(), -overhang, right->x() - left->x(), 2 * overhang)
                                    .adjusted(-overhang, 0, 2 * overhang, 0);
-            m_pieces.append({run, box});
+            m_pieces.append({run, box, isPicture});
             m_reach |= box;
         }
     }
@@ -58,8 +66,15 @@ void TextStamp::draw(QPainter &painter, const QPointF &baseline, const QRectF &v
     if (!m_reach.intersects(here))
         return;
     for (const Piece &piece : m_pieces) {
-        if (piece.box.intersects(here))
-            painter.drawGlyphRun(baseline, piece.run);
+        if (!piece.box.intersects(here))
+            continue;
+        // Only where it is needed: letters under an opacity are painted far more slowly.
+        const double opacity = painter.opacity();
+        if (piece.isPicture)
+            painter.setOpacity(opacity * painter.pen().color().alphaF());
+        painter.drawGlyphRun(baseline, piece.run);
+        if (piece.isPicture)
+            painter.setOpacity(opacity);
     }
 }
 

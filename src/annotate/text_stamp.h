@@ -25,6 +25,8 @@ public:
     /// The tight box of the ink around a baseline that begins at the origin; empty for a text without ink.
     [[nodiscard]] const QRectF &box() const { return m_box; }
 
+    /// In the painter's pen; letters that are pictures take its transparency alone.
+    ///
     /// baseline  where it begins
     /// visible   what of the painter's coordinates can be seen
     void draw(QPainter &painter, const QPointF &baseline, const QRectF &visible) const;
@@ -34,6 +36,7 @@ private:
     {
         QGlyphRun run;
         QRectF box; ///< of all its ink and a little more
+        bool isPicture = false;
     };
 
     QString m_text;
