@@ -14,6 +14,8 @@ namespace tavrel::ui {
 class ScrollPage final
 {
 public:
+    static constexpr float kWholeRows = 0.05F; ///< a shift below this is none
+
     /// Rows [first, end).
     struct Range
     {
@@ -30,8 +32,8 @@ public:
     /// pixels    32 bits each, BGRA in memory, `width` of `stride` in a row
     /// subPixel  below 0.05 the rows are copied; else row i is read between the rows at i + subPixel (Catmull-Rom)
     void write(int y, const quint32 *pixels, qsizetype stride, int rows, float subPixel = 0.0F);
-    /// Forgets the rows from `end` on.
-    void cutTo(int end);
+    /// Forgets the rows outside [first, end).
+    void cutTo(int first, int end);
 
     [[nodiscard]] int width() const noexcept { return m_width; }
     [[nodiscard]] int top() const noexcept { return m_rows.first; }

@@ -28,7 +28,9 @@ public:
     [[nodiscard]] int cell() const noexcept { return m_cell; }
 
 private:
-    void rebuild(const ScrollPage &page, int cell);
+    void start(const ScrollPage &page, int cell);
+    void halve();
+    void stretch(int first, int end);
     void readRow(const ScrollPage &page, int cellRow);
     [[nodiscard]] int firstRow(const ScrollPage &page) const;
     [[nodiscard]] int endRow(const ScrollPage &page) const;
