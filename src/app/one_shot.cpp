@@ -3,10 +3,12 @@
 #include "app/color_board_preview.h"
 #include "app/control_gallery.h"
 #include "app/detect_probe.h"
+#include "app/dialog_gallery.h"
 #include "app/elements_probe.h"
 #include "app/erase_tools.h"
 #include "app/shape_sheet.h"
 #include "app/toolbar_preview.h"
+#include "app/window_chrome_probe.h"
 #include "ui/icon_sheet.h"
 
 #include <QImage>
@@ -62,6 +64,7 @@ struct OneShot
 
 constexpr std::array kOneShots{
     OneShot{"--render-color-board-preview", renderColorBoardPreview},
+    OneShot{"--render-dialog-gallery", renderDialogGallery},
     OneShot{"--render-control-gallery", renderControlGallery},
     OneShot{"--render-toolbar-preview", renderToolbarPreview},
     OneShot{"--render-toolbar-config-preview", renderToolbarConfigPreview},
@@ -72,6 +75,7 @@ constexpr std::array kOneShots{
     OneShot{"--elements-probe", runElementsProbe},
     OneShot{"--detect-probe", detectProbe},
     OneShot{"--render-glyph-sheet", renderGlyphSheet},
+    OneShot{"--window-chrome-probe", runWindowChromeProbe},
 };
 
 } // namespace

@@ -8,6 +8,7 @@
 #include "ui/eyedropper_button.h"
 
 #include <QCoreApplication>
+#include <QHBoxLayout>
 #include <QLineEdit>
 #include <QWindow>
 
@@ -123,12 +124,16 @@ void pickColor(QWidget *parent, const QColor &initial, std::function<void(const 
     const Theme theme = defaultTheme();
     auto *card = new DialogCard(theme);
     card->setTitle(label(QT_TRANSLATE_NOOP("Dialogs", "选择颜色")));
-    auto *board = new ColorBoard(card);
+    auto *middle = new QWidget;
+    auto *line = new QHBoxLayout(middle);
+    line->setContentsMargins(0, 0, 0, 0);
+    auto *board = new ColorBoard(middle);
+    line->addWidget(board, 0, Qt::AlignHCenter);
     board->applyTheme(theme);
     board->setColor(hexOf(initial, initial.alphaF()), false);
     if (auto *dropper = board->findChild<EyedropperButton *>())
         dropper->hide(); // no picture lies below a dialog
-    card->setContent(board);
+    card->setContent(middle);
     board->show();
     QObject::connect(board, &ColorBoard::closeRequested, card, &DialogCard::dismiss);
     card->setButtons({{label(QT_TRANSLATE_NOOP("Dialogs", "取消")), ButtonSpec::Cancel, false, kCancel},

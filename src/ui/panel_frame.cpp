@@ -41,10 +41,13 @@ PanelFrame makePanel(const QString &title, const QString &hint, QWidget *parent)
     area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     auto *content = new QWidget;
     content->setObjectName(QStringLiteral("panelContent"));
-    auto *rows = new QVBoxLayout(content);
-    rows->setContentsMargins(14, 4, 14, 20);
+    auto *column = new QVBoxLayout(content);
+    column->setContentsMargins(14, 4, 14, 20);
+    column->setSpacing(0);
+    auto *rows = new QVBoxLayout;
     rows->setSpacing(kContentGap);
-    rows->setAlignment(Qt::AlignTop);
+    column->addLayout(rows);
+    column->addStretch(1);
     area->setWidget(content);
     all->addWidget(area, 1);
     return {panel, rows};

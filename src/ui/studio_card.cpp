@@ -25,7 +25,7 @@ void StudioCard::paintEvent(QPaintEvent *)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(m_theme.pillBorder(), 1));
-    painter.setBrush(m_theme.controlSurface());
+    painter.setBrush(m_theme.studioRaised());
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), kRadius, kRadius);
 }
 
