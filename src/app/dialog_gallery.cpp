@@ -311,10 +311,10 @@ QWidget *sidePanel(const ui::Theme &theme, const Words &words)
             hover(tile);
         flow->addWidget(tile);
     }
-    frame.content->addWidget(tiles);
+    frame.add(tiles);
     auto *heading = new QLabel(words.section);
     heading->setProperty("role", QStringLiteral("section"));
-    frame.content->addWidget(heading);
+    frame.add(heading);
     auto *chips = new QWidget;
     auto *line = new ui::FlowLayout(6, chips);
     for (int i = 0; i < words.choices.size(); ++i) {
@@ -325,14 +325,14 @@ QWidget *sidePanel(const ui::Theme &theme, const Words &words)
             hover(chip);
         line->addWidget(chip);
     }
-    frame.content->addWidget(chips);
+    frame.add(chips);
     auto *group = new ui::GroupCard;
     auto *value = new QLabel(QStringLiteral("24 px"));
     value->setProperty("role", QStringLiteral("value"));
     group->addRow(words.label, value);
     group->addRow(words.choices[5], new ui::ActionButton(QStringLiteral("ed_reset"), words.choices[0],
                                                          ui::ActionButton::Look::Plain, theme));
-    frame.content->addWidget(group);
+    frame.add(group);
     return frame.panel;
 }
 

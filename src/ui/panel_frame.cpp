@@ -13,6 +13,11 @@ constexpr int kContentGap = 10;
 
 } // namespace
 
+void PanelFrame::add(QWidget *widget) const
+{
+    content->insertWidget(content->count() - 1, widget);
+}
+
 PanelFrame makePanel(const QString &title, const QString &hint, QWidget *parent)
 {
     auto *panel = new QWidget(parent);
@@ -41,13 +46,10 @@ PanelFrame makePanel(const QString &title, const QString &hint, QWidget *parent)
     area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     auto *content = new QWidget;
     content->setObjectName(QStringLiteral("panelContent"));
-    auto *column = new QVBoxLayout(content);
-    column->setContentsMargins(14, 4, 14, 20);
-    column->setSpacing(0);
-    auto *rows = new QVBoxLayout;
+    auto *rows = new QVBoxLayout(content);
+    rows->setContentsMargins(14, 4, 14, 20);
     rows->setSpacing(kContentGap);
-    column->addLayout(rows);
-    column->addStretch(1);
+    rows->addStretch(1);
     area->setWidget(content);
     all->addWidget(area, 1);
     return {panel, rows};

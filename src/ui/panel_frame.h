@@ -12,7 +12,10 @@ namespace tavrel::ui {
 struct PanelFrame
 {
     QWidget *panel = nullptr;
-    QVBoxLayout *content = nullptr; ///< lays out the widget named "panelContent", from the top
+    QVBoxLayout *content = nullptr; ///< lays out the widget named "panelContent"; ends in a stretch
+
+    /// Puts a widget below those that are there, above the stretch.
+    void add(QWidget *widget) const;
 };
 
 /// hint  empty for none
