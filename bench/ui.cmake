@@ -1,1 +1,2 @@
 tavrel_bench(ui color_board USES ui_widgets QT Widgets)
+tavrel_bench(ui dialogs USES ui_widgets QT Widgets)

@@ -44,6 +44,7 @@ void floatCard(DialogCard *card)
 QWidget *sheetWindow(QWidget *parent, const DialogCard &card)
 {
     QWidget *window = ownerWindow(parent);
+    card.ensurePolished();
     const QSize least = kLeastSheet.expandedTo(card.sizeHint() + QSize(0, kAboveCard));
     const bool holds = window && !qobject_cast<FloatingDialog *>(window) && window->width() >= least.width() &&
                        window->height() >= least.height();
@@ -128,13 +129,13 @@ void pickColor(QWidget *parent, const QColor &initial, std::function<void(const 
     auto *line = new QHBoxLayout(middle);
     line->setContentsMargins(0, 0, 0, 0);
     auto *board = new ColorBoard(middle);
+    board->show(); // with the rest, once the card is shown
     line->addWidget(board, 0, Qt::AlignHCenter);
     board->applyTheme(theme);
     board->setColor(hexOf(initial, initial.alphaF()), false);
     if (auto *dropper = board->findChild<EyedropperButton *>())
         dropper->hide(); // no picture lies below a dialog
     card->setContent(middle);
-    board->show();
     QObject::connect(board, &ColorBoard::closeRequested, card, &DialogCard::dismiss);
     card->setButtons({{label(QT_TRANSLATE_NOOP("Dialogs", "取消")), ButtonSpec::Cancel, false, kCancel},
                       {label(QT_TRANSLATE_NOOP("Dialogs", "使用")), ButtonSpec::Primary, true, kOk}});

@@ -10,6 +10,7 @@
 #include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QSet>
 #include <QShortcut>
 #include <QSignalSpy>
 #include <QWindow>
@@ -87,6 +88,9 @@ private Q_SLOTS:
     void focusedButtonWinsOverTheDefault();
     void askTextAnswersTextOrNothing_data();
     void askTextAnswersTextOrNothing();
+    void pickColorAnswersTheColorOrNot_data();
+    void pickColorAnswersTheColorOrNot();
+    void aCardLargerThanItsWindowFloats();
     void theDialogIsGoneWhenItAnswers();
     void anAnswerMayAskAgainOrDeleteTheWindow();
     void aContextThatIsGoneHearsNothing();
@@ -246,6 +250,65 @@ void TestDialogs::askTextAnswersTextOrNothing()
     QTest::keyClicks(input, typed);
     press(input, key);
     QCOMPARE(got, answer);
+}
+
+void TestDialogs::pickColorAnswersTheColorOrNot_data()
+{
+    QTest::addColumn<QColor>("initial");
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<Qt::Key>("key");
+    QTest::addColumn<std::optional<QColor>>("answer");
+    QTest::newRow("as it was") << QColor(10, 20, 30, 128) << QString() << Qt::Key_Return
+                               << std::optional(QColor(10, 20, 30, 128));
+    QTest::newRow("typed, the opacity stays") << QColor(10, 20, 30, 51) << QStringLiteral("40D651") << Qt::Key_Return
+                                              << std::optional(QColor(0x40, 0xD6, 0x51, 51));
+    QTest::newRow("cancelled") << QColor(Qt::red) << QStringLiteral("40D651") << Qt::Key_Escape
+                               << std::optional<QColor>();
+}
+
+void TestDialogs::pickColorAnswersTheColorOrNot()
+{
+    QFETCH(QColor, initial);
+    QFETCH(QString, typed);
+    QFETCH(Qt::Key, key);
+    QFETCH(std::optional<QColor>, answer);
+    std::optional<QColor> got;
+    dialogs::pickColor(m_window.get(), initial, [&](const QColor &color) { got = color; });
+    DialogCard *card = shownCard(*m_window);
+    QVERIFY(card && !card->accessibleName().isEmpty());
+    QVERIFY(card->isAncestorOf(m_window->focusWidget()));
+    auto *field = card->findChild<QLineEdit *>(QStringLiteral("hexEdit"));
+    if (!typed.isEmpty()) {
+        field->setFocus();
+        field->selectAll();
+        QTest::keyClicks(field, typed);
+        press(field, Qt::Key_Return); // ends the typing, not the dialog
+        QCOMPARE(dialogs::openDialogCount(), 1);
+    }
+    // Tab goes round the board and the buttons.
+    QSet<QWidget *> stops;
+    for (int i = 0; i < 40; ++i) {
+        press(m_window->focusWidget(), Qt::Key_Tab);
+        stops.insert(m_window->focusWidget());
+        QVERIFY(card->isAncestorOf(m_window->focusWidget()));
+    }
+    for (QPushButton *button : card->findChildren<QPushButton *>())
+        QVERIFY2(stops.contains(button), qPrintable(button->text()));
+    QVERIFY(stops.contains(field));
+    press(card, key);
+    QCOMPARE(dialogs::openDialogCount(), 0);
+    QCOMPARE(got, answer);
+}
+
+void TestDialogs::aCardLargerThanItsWindowFloats()
+{
+    m_window->resize(500, 300);
+    confirm(m_window.get(), QStringLiteral("a"));
+    QVERIFY(shownCard(*m_window));
+    press(shownCard(*m_window), Qt::Key_Escape);
+    dialogs::pickColor(m_window.get(), Qt::red, [](const QColor &) {});
+    QVERIFY(floating() && !shownCard(*m_window)); // its buttons would lie below the window's edge
+    floating()->close();
 }
 
 void TestDialogs::theDialogIsGoneWhenItAnswers()
