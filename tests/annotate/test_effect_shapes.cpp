@@ -92,6 +92,38 @@ private Q_SLOTS:
         }
     }
 
+    /// Also where several lines and bands meet: sizes that are no multiple of what is worked on at once.
+    void blurRunsAlongAndAcrossInTurns()
+    {
+        for (const int radius : {1, 9, 127, 140}) {
+            const QImage image = noise({21, 230});
+            QImage expected = image;
+            const auto mean = [&](bool isAlong) {
+                const QImage from = expected;
+                for (int y = 0; y < from.height(); ++y) {
+                    for (int x = 0; x < from.width(); ++x) {
+                        int sum = radius;
+                        for (int i = -radius; i <= radius; ++i) {
+                            const int fromX = isAlong ? std::clamp(x + i, 0, from.width() - 1) : x;
+                            const int fromY = isAlong ? y : std::clamp(y + i, 0, from.height() - 1);
+                            sum += qBlue(from.pixel(fromX, fromY));
+                        }
+                        expected.setPixel(x, y, qRgb(0, 0, sum / (2 * radius + 1)));
+                    }
+                }
+            };
+            for (int round = 0; round < 3; ++round) {
+                mean(true);
+                mean(false);
+            }
+            const QImage blurred = boxBlur(image, radius);
+            for (int y = 0; y < image.height(); ++y) {
+                for (int x = 0; x < image.width(); ++x)
+                    QCOMPARE(qBlue(blurred.pixel(x, y)), qBlue(expected.pixel(x, y)));
+            }
+        }
+    }
+
     void blurOfAPartIsThePartOfTheBlur_data()
     {
         QTest::addColumn<int>("radius");
