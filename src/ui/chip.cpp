@@ -3,6 +3,8 @@
 #include <QFontMetrics>
 #include <QPainter>
 
+#include <algorithm>
+
 namespace tavrel::ui {
 namespace {
 
@@ -29,10 +31,10 @@ void Chip::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    paintFace(painter, QRectF(rect()), height() / 2.0,
-              isChecked()           ? theme().selectedFill()
-              : isDown() || isLit() ? theme().controlHover()
-                                    : theme().chipFill());
+    QColor fill = isChecked() ? theme().selectedFill() : theme().chipFill();
+    if (isDown() || isLit())
+        fill.setAlpha(std::min(fill.alpha() * 3 / 2, 255)); // the hover surface would be paler than the chip
+    paintFace(painter, QRectF(rect()), height() / 2.0, fill);
     const QColor ink = !isEnabled()  ? theme().studioDisabledText()
                        : isChecked() ? theme().accent()
                                      : theme().studioText();

@@ -11,7 +11,7 @@ namespace tavrel::ui {
 namespace {
 
 constexpr int kPitch = 12;
-constexpr int kDots = 3;
+constexpr int kDots = 3; ///< odd
 constexpr double kDotRadius = 1.5;
 constexpr double kLitOpacity = 0.9;
 constexpr double kOpacity = 0.55;
@@ -62,8 +62,8 @@ void PanelResizeHandle::paintEvent(QPaintEvent *)
     painter.setOpacity(m_drag || underMouse() ? kLitOpacity : kOpacity);
     painter.setPen(Qt::NoPen);
     painter.setBrush(m_theme.studioSecondaryText());
-    for (int i = 0; i < kDots; ++i)
-        painter.drawEllipse(QPointF(width() / 2.0, height() / 2.0 + (i - kDots / 2) * kPitch), kDotRadius, kDotRadius);
+    for (int i = -kDots / 2; i <= kDots / 2; ++i)
+        painter.drawEllipse(QPointF(width() / 2.0, height() / 2.0 + i * kPitch), kDotRadius, kDotRadius);
 }
 
 void PanelResizeHandle::mousePressEvent(QMouseEvent *event)
