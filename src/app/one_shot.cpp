@@ -6,6 +6,7 @@
 #include "app/dialog_gallery.h"
 #include "app/elements_probe.h"
 #include "app/erase_tools.h"
+#include "app/long_selftest.h"
 #include "app/shape_sheet.h"
 #include "app/toolbar_preview.h"
 #include "app/window_chrome_probe.h"
@@ -74,6 +75,7 @@ constexpr std::array kOneShots{
     OneShot{"--render-icon-sheet", renderIconSheet},
     OneShot{"--elements-probe", runElementsProbe},
     OneShot{"--detect-probe", detectProbe},
+    OneShot{"--long-selftest", runLongSelftest},
     OneShot{"--render-glyph-sheet", renderGlyphSheet},
     OneShot{"--window-chrome-probe", runWindowChromeProbe},
 };
