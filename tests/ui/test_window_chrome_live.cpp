@@ -32,6 +32,14 @@ void button(bool down)
     xdotool({down ? QStringLiteral("mousedown") : QStringLiteral("mouseup"), QStringLiteral("1")});
 }
 
+bool hasWindowManager()
+{
+    QProcess process;
+    process.start(QStringLiteral("xprop"), {QStringLiteral("-root"), QStringLiteral("_NET_SUPPORTING_WM_CHECK")});
+    process.waitForFinished();
+    return process.readAllStandardOutput().contains("window id");
+}
+
 /// What the X server says of the window, not what Qt thinks of it.
 QRect outside(const QWidget &window)
 {
@@ -48,7 +56,8 @@ QRect outside(const QWidget &window)
 
 } // namespace
 
-/// A window with chrome under a window manager, dragged about from outside with the real pointer.
+/// A window with chrome, dragged about from outside with the real pointer. Without a window manager it follows the
+/// pointer on its own.
 class TestWindowChromeLive : public QObject
 {
     Q_OBJECT
@@ -81,7 +90,7 @@ void TestWindowChromeLive::init()
     m_chrome = WindowChrome::install(m_window.get(), lightTheme(), kTitle);
     qApp->installEventFilter(this);
     m_window->show();
-    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
     QTRY_COMPARE(outside(*m_window), kStart);
 }
 
@@ -164,7 +173,9 @@ void TestWindowChromeLive::titleBarMoves()
     m_seen.clear();
     pointer(from + QPoint(6, 0)); // a drag and no click
     QTRY_VERIFY(m_seen.contains(QEvent::MouseMove));
-    QTRY_VERIFY(isWith(from + QPoint(126, 90), kStart.translated(120, 90)));
+    // A window manager reckons from where the click became a drag.
+    const QPoint lost = hasWindowManager() ? QPoint(6, 0) : QPoint();
+    QTRY_VERIFY(isWith(from + lost + QPoint(120, 90), kStart.translated(120, 90)));
     button(false);
     // The pointer is free again, and the window below it.
     pointer(kStart.center());
@@ -193,6 +204,8 @@ void TestWindowChromeLive::buttonsInTheTitleBarAreNoHandles()
 
 void TestWindowChromeLive::doubleClickAndButtonsMaximise()
 {
+    if (!hasWindowManager())
+        QSKIP("maximising is the window manager's");
     const QRect desk = m_window->screen()->availableGeometry();
     pointer(kStart.topLeft() + QPoint(200, 26));
     xdotool({QStringLiteral("click"), QStringLiteral("--repeat"), QStringLiteral("2"), QStringLiteral("--delay"),
