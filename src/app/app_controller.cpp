@@ -49,6 +49,7 @@ AppController::AppController(SettingsStore &settings, Deps deps, QObject *parent
     connect(m_deps.globalHotkey.get(), &platform::IGlobalHotkey::activated, this,
             [this](int id) { m_hotkeys.dispatch(id); });
     m_hotkeys.setOperation(HotkeyTable::Capture, [this] { startCapture(); });
+    m_hotkeys.setOperation(HotkeyTable::Long, [this] { m_flow.startLongCapture(); });
 
     connect(&m_flow, &CaptureFlow::accessRefused, this, &AppController::onAccessRefused);
     connect(&m_flow, &CaptureFlow::sessionStarted, this, &AppController::updateCanShutdown);

@@ -69,6 +69,7 @@ CaptureFlow::CaptureFlow(Services services, QObject *parent)
     : QObject(parent),
       m_services(std::move(services)),
       m_walk(m_services.history),
+      m_pump(m_services.capturer, m_services.windows, m_services.detector),
       m_toolMemory(std::make_shared<ToolMemory>())
 {
     takeRecordPrefs();
@@ -94,6 +95,7 @@ void CaptureFlow::startCapture()
     warnAboutModalWidget();
     if (m_services.capturer.captureAccess() != platform::IScreenCapturer::Granted) {
         m_services.capturer.requestCaptureAccess();
+        m_longPending = false;
         Q_EMIT accessRefused();
         return;
     }
@@ -110,13 +112,27 @@ void CaptureFlow::startCapture()
     m_services.capturer.capture(options);
 }
 
+void CaptureFlow::startLongCapture()
+{
+    if (m_overlays.isEmpty()) {
+        m_longPending = true;
+        startCapture();
+        return;
+    }
+    for (const auto &overlay : std::as_const(m_overlays)) {
+        if (overlay)
+            overlay->armStart(ui::CaptureOverlay::AutoStart::LongCapture);
+    }
+}
+
 void CaptureFlow::onCaptured(const platform::CaptureResult &result)
 {
-    if (!m_captureRequested)
+    if (m_pump.take(result) || !m_captureRequested)
         return;
     m_captureRequested = false;
     warnAboutModalWidget();
     if (!result.isGood()) {
+        m_longPending = false;
         const QString reason =
             result.error.isEmpty() ? QCoreApplication::translate("AppController", "抓取屏幕失败") : result.error;
         qWarning().noquote() << QStringLiteral("抓屏失败：") + reason;
@@ -146,6 +162,7 @@ void CaptureFlow::openOverlay(const platform::CapturedDisplay &display)
     connect(overlay, &QObject::destroyed, this, &CaptureFlow::onOverlayGone);
     connectResults(overlay);
     connectSettings(overlay);
+    connectLong(overlay);
     overlay->setRecordPrefs(m_recordPrefs);
     logFirstPaint(overlay);
 
@@ -159,6 +176,8 @@ void CaptureFlow::openOverlay(const platform::CapturedDisplay &display)
     m_services.windows->placeOnDisplay(handle, display.geometry);
     m_wasApplicationActive = m_services.windows->isApplicationActive();
     m_services.windows->activate(handle);
+    if (std::exchange(m_longPending, false))
+        overlay->armStart(ui::CaptureOverlay::AutoStart::LongCapture);
     overlay->raise();
     overlay->activateWindow();
     overlay->setFocus();
@@ -194,6 +213,22 @@ void CaptureFlow::connectResults(ui::CaptureOverlay *overlay)
     // The picture stays on the overlay, so that it can still be copied or saved.
     connect(overlay, &ui::CaptureOverlay::pinRequested, overlay,
             [overlay] { overlay->showToast(QCoreApplication::translate("AppController", "此版本还不能贴图")); });
+    connect(overlay, &ui::CaptureOverlay::editRequested, overlay,
+            [overlay] { overlay->showToast(QCoreApplication::translate("AppController", "此版本还不能编辑图片")); });
+}
+
+void CaptureFlow::connectLong(ui::CaptureOverlay *overlay)
+{
+    connect(overlay, &ui::CaptureOverlay::longCaptureStarted, this,
+            [this, overlay] { m_pump.start(overlay, m_wasApplicationActive); });
+    connect(overlay, &ui::CaptureOverlay::longCaptureFinished, this, [this, overlay] {
+        m_pump.stop();
+        QWindow *handle = overlay->windowHandle();
+        if (!handle || !overlay->isVisible())
+            return;
+        m_services.windows->setWindowRole(handle, platform::WindowRole::Overlay);
+        m_services.windows->activate(handle);
+    });
 }
 
 void CaptureFlow::connectSettings(ui::CaptureOverlay *overlay)
@@ -292,6 +327,8 @@ void CaptureFlow::closeSession()
 {
     const bool wasActive = isActive();
     m_captureRequested = false;
+    m_longPending = false;
+    m_pump.stop();
     m_walk.reset();
     m_windows.clear();
     if (!m_overlays.isEmpty()) {

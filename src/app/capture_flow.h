@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/history_walk.h"
+#include "app/long_frame_pump.h"
 #include "edit/name_template.h"
 #include "platform/element_detector.h"
 #include "platform/screen_capturer.h"
@@ -60,6 +61,8 @@ public:
 
     /// Does nothing while a session is active.
     void startCapture();
+    /// A scrolling capture: over the selection there is, else as soon as there is one.
+    void startLongCapture();
     /// Takes everything of the session down; safe to call at any time.
     void closeSession();
     void applySettings();
@@ -86,6 +89,7 @@ private:
     void openOverlay(const platform::CapturedDisplay &display);
     void connectResults(ui::CaptureOverlay *overlay);
     void connectSettings(ui::CaptureOverlay *overlay);
+    void connectLong(ui::CaptureOverlay *overlay);
     void takeRecordPrefs();
     void onOverlayGone(const QObject *gone);
     void logFirstPaint(ui::CaptureOverlay *overlay);
@@ -95,12 +99,14 @@ private:
 
     Services m_services;
     HistoryWalk m_walk;
+    LongFramePump m_pump;
     QElapsedTimer m_timer;
     QList<platform::WindowInfo> m_windows;
     QList<QPointer<ui::CaptureOverlay>> m_overlays;
     record::RecordPrefs m_recordPrefs;
     std::shared_ptr<ToolMemory> m_toolMemory; ///< of all sessions
     bool m_captureRequested = false;
+    bool m_longPending = false; ///< the next overlay begins a scrolling capture
     bool m_wasApplicationActive = true;
 };
 

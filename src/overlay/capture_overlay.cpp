@@ -5,6 +5,7 @@
 #include "annotate/tool_memory.h"
 
 #include "overlay/element_probe.h"
+#include "overlay/long_capture_mode.h"
 #include "overlay/overlay_panels.h"
 #include "overlay/overlay_renderer.h"
 #include "overlay/selection_geometry.h"
@@ -34,6 +35,7 @@ CaptureOverlay::CaptureOverlay(const platform::CapturedDisplay &display, const S
       m_picture(display.image),
       m_toolMemory(std::make_shared<ToolMemory>()),
       m_panels(new OverlayPanels(this, m_document, config)),
+      m_long(new LongCaptureMode(this)),
       m_effects(std::make_unique<EffectImageCache>(m_picture.image())),
       m_textEditor(new ShapeTextEditor(this, m_document)),
       m_markerLines(new MarkerLines(this)),
@@ -53,8 +55,16 @@ CaptureOverlay::CaptureOverlay(const platform::CapturedDisplay &display, const S
     m_toastTimer.setInterval(kToastMs);
     connect(&m_toastTimer, &QTimer::timeout, this, [this] {
         m_toast.clear();
+        updateLongHole();
         scheduleUpdate();
     });
+    connect(m_long, &LongCaptureMode::actionTriggered, this, &CaptureOverlay::runLongAction);
+    connect(m_long, &LongCaptureMode::troubled, this, &CaptureOverlay::showToast);
+    connect(m_long, &LongCaptureMode::changed, this, [this](const QRect &area) {
+        updateLongHole();
+        update(area);
+    });
+    setStarter(AutoStart::LongCapture, [this] { startLongMode(); });
     connect(&m_hover, &HoverTracker::changed, this, &CaptureOverlay::scheduleUpdate);
     refreshHoverScene();
     connectTools();
@@ -149,6 +159,10 @@ QPointF CaptureOverlay::pointOf(const QMouseEvent &event) const
 
 void CaptureOverlay::mousePressEvent(QMouseEvent *event)
 {
+    if (isLongActive()) {
+        setFocus(Qt::MouseFocusReason);
+        return;
+    }
     m_pointer = pointOf(*event);
     m_pointerInside = true;
     if (event->button() == Qt::LeftButton) {
@@ -340,8 +354,16 @@ void CaptureOverlay::closeEvent(QCloseEvent *event)
     Q_EMIT closeRequested();
 }
 
+void CaptureOverlay::hideEvent(QHideEvent *event)
+{
+    finishLongMode(false); // its toolbar is a window of its own
+    QWidget::hideEvent(event);
+}
+
 void CaptureOverlay::clearSelection()
 {
+    finishLongMode(false);
+    m_longResult = {};
     endTextEdit();
     m_panels->forgetPosition();
     m_selection = {};
@@ -403,7 +425,7 @@ void CaptureOverlay::updateCursor(const QPointF &point)
 void CaptureOverlay::layoutPanels()
 {
     m_panels->show({.selection = m_selection,
-                    .isShown = !m_pickMode && hasSelection() && m_mode != OverlayMode::Selecting,
+                    .isShown = !m_pickMode && hasSelection() && m_mode != OverlayMode::Selecting && !isLongActive(),
                     .tool = m_document.tool(),
                     .canUndo = m_document.canUndo(),
                     .canRedo = m_document.canRedo()});
@@ -449,6 +471,8 @@ QImage CaptureOverlay::renderedSelection() const
 {
     if (!hasSelection())
         return {};
+    if (!m_longResult.isNull())
+        return m_longResult;
     if (m_eraseEngine)
         m_eraseEngine->solve(m_document.eraseRegions(m_eraseEngine->scale()));
     return renderSelection(m_picture.image(), m_selection.translated(-m_picture.origin()), m_document.shapesJson(),
@@ -481,6 +505,15 @@ void CaptureOverlay::requestPin()
 
 OverlaySnapshot CaptureOverlay::snapshot() const
 {
+    if (!m_longResult.isNull()) {
+        const double ratio = m_longResult.devicePixelRatio() > 0 ? m_longResult.devicePixelRatio() : 1.0;
+        OverlaySnapshot page;
+        page.image = m_longResult;
+        page.selection = QRectF(QPointF(), QSizeF(m_longResult.size()) / ratio);
+        page.shapesJson = QStringLiteral("[]");
+        page.countersJson = QStringLiteral("{}");
+        return page;
+    }
     return {.image = m_picture.image(),
             .selection = m_selection.isEmpty() ? QRectF() : m_selection.translated(-m_picture.origin()),
             .shapesJson = m_document.shapesJson(),
@@ -523,6 +556,7 @@ void CaptureOverlay::showToast(const QString &text)
 {
     m_toast = text;
     m_toastTimer.start();
+    updateLongHole();
     scheduleUpdate();
 }
 

@@ -38,6 +38,7 @@ class IWindowController;
 namespace tavrel::ui {
 
 class ElementProbe;
+class LongCaptureMode;
 class OverlayPanels;
 class ShapeTextEditor;
 
@@ -81,6 +82,15 @@ public:
     void setStarter(AutoStart what, std::function<void()> starter);
     /// Begins it with the selection there is, else with the next one. Not while a region is picked.
     void armStart(AutoStart what);
+
+    /// Opens a hole over the selection, through which the page below is scrolled; frames have to come from outside from
+    /// longCaptureStarted() to longCaptureFinished(). False, with a message shown, when it cannot begin.
+    bool startLongMode();
+    [[nodiscard]] bool isLongActive() const;
+    /// A picture of the display taken meanwhile; those of other displays are left alone.
+    void addLongFrame(const platform::CapturedDisplay &display);
+    /// With commit the stitched page becomes the result that is copied, saved and pinned.
+    void finishLongMode(bool commit);
 
     void clearSelection();
     void setSelectionRect(const QRectF &rect);
@@ -134,6 +144,7 @@ protected:
     void wheelEvent(QWheelEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
     bool event(QEvent *event) override;
 
 private:
@@ -168,6 +179,11 @@ private:
     /// How the next shape, and the selected one, look has been changed.
     void onAttributesChanged();
     void tellMissing();
+    void runLongAction(int action);
+    /// Keeps the hole of a scrolling capture around what has to be seen.
+    void updateLongHole();
+    [[nodiscard]] bool handleLongKey(int key);
+    void paintLongResult(QPainter &painter) const;
     [[nodiscard]] bool canStart(AutoStart what) const;
     void startTextRecognition();
     /// Ends the edit of a text in place, if there is one.
@@ -225,6 +241,8 @@ private:
     record::RecordPrefs m_recordPrefs;
     std::shared_ptr<ToolMemory> m_toolMemory;
     OverlayPanels *m_panels;
+    LongCaptureMode *m_long;
+    QImage m_longResult;                             ///< stands in for the selection's picture; null for none
     std::unique_ptr<EffectImageCache> m_effects;     ///< of the picture
     std::unique_ptr<SmartEraseEngine> m_eraseEngine; ///< of the picture, from the first box on
     QTimer m_eraseTimer;                             ///< moves the light over boxes that are being solved

@@ -13,6 +13,8 @@ void CaptureOverlay::keyPressEvent(QKeyEvent *event)
         QWidget::keyPressEvent(event);
         return;
     }
+    if (handleLongKey(event->key()))
+        return;
     if (event->key() == Qt::Key_Escape) {
         Q_EMIT closeRequested();
         return;

@@ -2,6 +2,7 @@
 #include "overlay/capture_overlay.h"
 
 #include "annotate/selection_marks.h"
+#include "overlay/long_capture_mode.h"
 #include "overlay/overlay_marks.h"
 #include "overlay/overlay_panels.h"
 #include "overlay/selection_geometry.h"
@@ -9,6 +10,9 @@
 #include <QPaintEvent>
 #include <QPainter>
 #include <QScreen>
+
+#include <algorithm>
+#include <cmath>
 
 namespace tavrel::ui {
 namespace {
@@ -23,6 +27,14 @@ QRectF grown(const QRectF &rect, double by)
 void CaptureOverlay::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
+    if (isLongActive()) {
+        painter.setClipRegion(event->region());
+        m_picture.paintDimmed(painter, devicePixelRatioF());
+        m_long->paint(painter);
+        if (!m_toast.isEmpty())
+            paintToast(painter, toastBox(m_toast, QSizeF(size())), m_toast);
+        return;
+    }
     const QRectF clear = hasSelection() ? m_selection : shownHover();
     // Under a clip of one rectangle a picture is copied row by row; under that of the whole region it is blended span
     // by span, which takes five times as long.
@@ -67,11 +79,27 @@ void CaptureOverlay::paintSelection(QPainter &painter, const QRegion &exposed) c
     context.contentClip = context.canvasBounds;
     for (const QRect &part : exposed)
         context.exposed.append(QRectF(part).translated(-m_picture.origin()));
-    m_document.paint(painter, context);
+    if (m_longResult.isNull())
+        m_document.paint(painter, context);
     painter.restore();
+    if (!m_longResult.isNull())
+        paintLongResult(painter);
 
     paintSelectionMarks(painter, m_selection, 1.0);
     paintSizeLabel(painter, sizeLabel(), sizeText());
+}
+
+void CaptureOverlay::paintLongResult(QPainter &painter) const
+{
+    painter.save();
+    painter.setClipRect(m_selection, Qt::IntersectClip);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    const double scale = m_selection.width() / std::max(1, m_longResult.width());
+    // Only what shows: the page may be a hundred times as high.
+    const int rows = std::min(m_longResult.height(), static_cast<int>(std::ceil(m_selection.height() / scale)));
+    painter.drawImage(QRectF(m_selection.topLeft(), QSizeF(m_selection.width(), rows * scale)), m_longResult,
+                      QRectF(0, 0, m_longResult.width(), rows));
+    painter.restore();
 }
 
 QRegion CaptureOverlay::shapeDamage()
@@ -93,6 +121,8 @@ QRectF CaptureOverlay::shownHover() const
 
 QString CaptureOverlay::sizeText() const
 {
+    if (!m_longResult.isNull())
+        return sizeLabelText(m_longResult.size());
     return sizeLabelText(
         cropRect(m_selection.translated(-m_picture.origin()), m_picture.ratio(), m_picture.image().size()).size());
 }

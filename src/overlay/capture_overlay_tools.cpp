@@ -113,10 +113,7 @@ void CaptureOverlay::runAction(ToolType action)
             Q_EMIT cloudRequested(image);
         break;
     case ToolType::LongScreenshot:
-        if (canStart(AutoStart::LongCapture))
-            armStart(AutoStart::LongCapture);
-        else
-            tellMissing();
+        startLongMode();
         break;
     case ToolType::Record:
         tellMissing();
@@ -298,6 +295,10 @@ void CaptureOverlay::wheelEvent(QWheelEvent *event)
         m_sizeWheel.reset();
     }
     const bool isReversed = m_config.wheelZoomReversed;
+    if (isLongActive()) {
+        event->accept();
+        return;
+    }
     if (isHovering())
         m_hover.wheel(*event, isReversed);
     else

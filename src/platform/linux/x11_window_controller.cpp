@@ -9,6 +9,8 @@
 #include <QGuiApplication>
 #include <QPlatformSurfaceEvent>
 
+#include <xcb/shape.h>
+
 #include <initializer_list>
 #include <optional>
 
@@ -179,7 +181,11 @@ private:
                              Qt::WindowStaysOnTopHint);
             break;
         case WindowRole::Panel:
-            window->setFlags(window->flags() | Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus);
+            window->setFlag(Qt::WindowStaysOnTopHint);
+            // Nobody activates a window that the window manager does not know. It may have the keyboard already, as an
+            // overlay has, and Qt would drop its keys.
+            if (!bypassesWindowManager(window))
+                window->setFlag(Qt::WindowDoesNotAcceptFocus);
             // Read by the platform plug-in when it maps the window: a time of last use of 0.
             window->setProperty("_q_showWithoutActivating", true);
             break;
@@ -319,8 +325,17 @@ void X11WindowController::releaseActivation() {} // the window manager picks the
 
 void X11WindowController::setClickThrough(QWindow *window, bool through)
 {
-    if (window)
-        window->setFlag(Qt::WindowTransparentForInput, through);
+    xcb_connection_t *qt = qtConnection();
+    const xcb_window_t id = nativeId(window);
+    if (!qt || id == XCB_WINDOW_NONE)
+        return;
+    // Not Qt's flag for it: that takes the keys away as well.
+    if (through)
+        forget(qt, xcb_shape_rectangles_checked(qt, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, XCB_CLIP_ORDERING_UNSORTED,
+                                                id, 0, 0, 0, nullptr));
+    else
+        forget(qt, xcb_shape_mask_checked(qt, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, id, 0, 0, XCB_NONE));
+    xcb_flush(qt);
 }
 
 void X11WindowController::setOverlayLowered(QWindow *window, bool lowered)

@@ -1,0 +1,171 @@
+#include "overlay/long_capture_toolbar.h"
+
+#include "overlay/toolbar_button.h"
+
+#include <QCloseEvent>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPainterPath>
+
+#include <algorithm>
+#include <utility>
+
+namespace tavrel::ui {
+namespace {
+
+constexpr int kDragDistance = 4;
+constexpr double kRadius = 12;
+
+} // namespace
+
+LongCaptureToolbar::LongCaptureToolbar(QWidget *owner)
+    : QFrame(owner, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::NoDropShadowWindowHint),
+      m_theme(lightTheme())
+{
+    setObjectName(QStringLiteral("panel"));
+    setAttribute(Qt::WA_TranslucentBackground);
+    setAttribute(Qt::WA_QuitOnClose, false);
+    setAttribute(Qt::WA_ShowWithoutActivating); // the overlay keeps the keyboard until this is clicked
+    setFocusPolicy(Qt::StrongFocus);
+    setCursor(Qt::ArrowCursor);
+    setWindowTitle(tr("长截图"));
+    setAccessibleName(tr("长截图"));
+    auto *row = new QHBoxLayout(this);
+    row->setContentsMargins(8, 4, 8, 4);
+    row->setSpacing(2);
+    const QList<std::pair<ToolType, QString>> buttons{{ToolType::Save, tr("保存")},
+                                                      {ToolType::Pin, tr("贴图")},
+                                                      {ToolType::Copy, tr("复制")},
+                                                      {ToolType::Pen, tr("编辑")},
+                                                      {ToolType::Cancel, tr("取消")}};
+    for (int action = 0; action < buttons.size(); ++action) {
+        auto *button = new ToolbarButton(buttons[action].first, this);
+        button->setLabel(buttons[action].second);
+        button->installEventFilter(this);
+        connect(button, &ToolbarButton::clicked, this, [this, action] { Q_EMIT actionTriggered(action); });
+        row->addWidget(button);
+        m_buttons.append(button);
+    }
+}
+
+void LongCaptureToolbar::setTheme(const Theme &theme)
+{
+    m_theme = theme;
+    for (ToolbarButton *button : std::as_const(m_buttons))
+        button->setTheme(theme);
+    update();
+}
+
+void LongCaptureToolbar::setShowLabels(bool show)
+{
+    for (ToolbarButton *button : std::as_const(m_buttons))
+        button->setShowLabel(show);
+    adjustSize();
+}
+
+void LongCaptureToolbar::press(const QPoint &global)
+{
+    m_isPressed = true;
+    m_isDragged = false;
+    m_pressPoint = global;
+    m_pressPosition = pos();
+}
+
+bool LongCaptureToolbar::drag(const QPoint &global)
+{
+    if (!m_isPressed)
+        return false;
+    const QPoint way = global - m_pressPoint;
+    if (!m_isDragged && way.manhattanLength() <= kDragDistance)
+        return false;
+    m_isDragged = true;
+    const QPoint wanted = m_pressPosition + way;
+    const int lastX = std::max(m_bounds.left(), m_bounds.left() + m_bounds.width() - width());
+    const int lastY = std::max(m_bounds.top(), m_bounds.top() + m_bounds.height() - height());
+    move(std::clamp(wanted.x(), m_bounds.left(), lastX), std::clamp(wanted.y(), m_bounds.top(), lastY));
+    Q_EMIT moved();
+    return true;
+}
+
+bool LongCaptureToolbar::eventFilter(QObject *watched, QEvent *event)
+{
+    auto *button = qobject_cast<ToolbarButton *>(watched);
+    if (!button)
+        return QFrame::eventFilter(watched, event);
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+        press(static_cast<QMouseEvent *>(event)->globalPosition().toPoint());
+        break;
+    case QEvent::MouseMove:
+        return drag(static_cast<QMouseEvent *>(event)->globalPosition().toPoint());
+    case QEvent::MouseButtonRelease:
+        m_isPressed = false;
+        if (std::exchange(m_isDragged, false)) {
+            button->setDown(false); // lets it go without a click
+            return true;
+        }
+        break;
+    default:
+        break;
+    }
+    return QFrame::eventFilter(watched, event);
+}
+
+void LongCaptureToolbar::mousePressEvent(QMouseEvent *event)
+{
+    press(event->globalPosition().toPoint());
+}
+
+void LongCaptureToolbar::mouseMoveEvent(QMouseEvent *event)
+{
+    drag(event->globalPosition().toPoint());
+}
+
+void LongCaptureToolbar::mouseReleaseEvent(QMouseEvent *)
+{
+    m_isPressed = false;
+    m_isDragged = false;
+}
+
+void LongCaptureToolbar::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        Q_EMIT actionTriggered(Edit);
+    else if (event->key() == Qt::Key_Escape)
+        Q_EMIT actionTriggered(Cancel);
+    else
+        QFrame::keyPressEvent(event);
+}
+
+void LongCaptureToolbar::resizeEvent(QResizeEvent *event)
+{
+    QFrame::resizeEvent(event);
+    // Where nothing mixes windows its corners would be black.
+    QPainterPath shape;
+    shape.addRoundedRect(QRectF(rect()), kRadius, kRadius);
+    setMask(QRegion(shape.toFillPolygon().toPolygon()));
+}
+
+void LongCaptureToolbar::closeEvent(QCloseEvent *event)
+{
+    event->ignore(); // the overlay decides
+    Q_EMIT actionTriggered(Cancel);
+}
+
+void LongCaptureToolbar::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    painter.fillRect(rect(), Qt::transparent);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    QColor surface = m_theme.panelSurface();
+    surface.setAlpha(255); // the page moves below it
+    painter.setPen(QPen(m_theme.panelBorder(), 1));
+    painter.setBrush(surface);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), kRadius, kRadius);
+}
+
+} // namespace tavrel::ui

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "ui/theme.h"
+
+#include <QFrame>
+#include <QList>
+#include <QPoint>
+#include <QRect>
+
+namespace tavrel::ui {
+
+class ToolbarButton;
+
+/// What can be done with a scrolling capture. A window of its own, so that it takes clicks while those on the overlay
+/// go to the page below. It is dragged by any of its places, within bounds. Return edits, Escape cancels.
+class LongCaptureToolbar final : public QFrame
+{
+    Q_OBJECT
+
+public:
+    enum Action { Save = 0, Pin = 1, Copy = 2, Edit = 3, Cancel = 4 };
+
+    explicit LongCaptureToolbar(QWidget *owner);
+
+    void setTheme(const Theme &theme);
+    void setShowLabels(bool show);
+    /// Where it may be dragged to, in global coordinates.
+    void setBounds(const QRect &bounds) { m_bounds = bounds; }
+
+Q_SIGNALS:
+    void actionTriggered(int action);
+    void moved();
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    void press(const QPoint &global);
+    /// Whether the press has become a drag.
+    bool drag(const QPoint &global);
+
+    Theme m_theme;
+    QList<ToolbarButton *> m_buttons;
+    QRect m_bounds;
+    QPoint m_pressPoint;
+    QPoint m_pressPosition;
+    bool m_isPressed = false;
+    bool m_isDragged = false;
+};
+
+} // namespace tavrel::ui
