@@ -139,6 +139,10 @@
         <source>抓取屏幕失败</source>
         <translation>Screen capture failed</translation>
     </message>
+    <message>
+        <source>此版本还不能编辑图片</source>
+        <translation>This version cannot edit pictures yet</translation>
+    </message>
 </context>
 <context>
     <name>CaptureOverlay</name>
@@ -322,6 +326,18 @@
         <source>请先拖拽选定识别区域</source>
         <translation>Drag to select the area to recognize first</translation>
     </message>
+    <message>
+        <source>请先框选要拼接的区域</source>
+        <translation>Select the area to stitch first</translation>
+    </message>
+    <message>
+        <source>选区太小，长截图需要一块足够大的区域</source>
+        <translation>The selection is too small for a long screenshot</translation>
+    </message>
+    <message>
+        <source>没有拼出内容：滚动页面后再试</source>
+        <translation>Nothing was stitched — scroll the page and try again</translation>
+    </message>
 </context>
 <context>
     <name>Dialogs</name>
@@ -336,6 +352,14 @@
     <message>
         <source>取消</source>
         <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>选择颜色</source>
+        <translation>Choose a color</translation>
+    </message>
+    <message>
+        <source>使用</source>
+        <translation>Use</translation>
     </message>
 </context>
 <context>
@@ -605,6 +629,25 @@
     <message>
         <source>上午/下午</source>
         <translation>AM/PM</translation>
+    </message>
+</context>
+<context>
+    <name>WindowChrome</name>
+    <message>
+        <source>最小化</source>
+        <translation>Minimize</translation>
+    </message>
+    <message>
+        <source>还原</source>
+        <translation>Restore</translation>
+    </message>
+    <message>
+        <source>最大化</source>
+        <translation>Maximize</translation>
+    </message>
+    <message>
+        <source>关闭</source>
+        <translation>Close</translation>
     </message>
 </context>
 <context>
@@ -929,6 +972,51 @@
     <message>
         <source>取色器</source>
         <translation>Eyedropper</translation>
+    </message>
+</context>
+<context>
+    <name>tavrel::ui::LongCaptureMode</name>
+    <message>
+        <source>接不上了：请往回滚一点，再慢慢滚动</source>
+        <translation>Lost the page: scroll back a little, then on more slowly</translation>
+    </message>
+    <message>
+        <source>长图已到长度上限，请保存或复制</source>
+        <translation>The long screenshot has reached its limit — save or copy it</translation>
+    </message>
+</context>
+<context>
+    <name>tavrel::ui::LongCaptureToolbar</name>
+    <message>
+        <source>长截图</source>
+        <translation>Long screenshot</translation>
+    </message>
+    <message>
+        <source>保存</source>
+        <translation>Save</translation>
+    </message>
+    <message>
+        <source>贴图</source>
+        <translation>Pin</translation>
+    </message>
+    <message>
+        <source>复制</source>
+        <translation>Copy</translation>
+    </message>
+    <message>
+        <source>编辑</source>
+        <translation>Edit</translation>
+    </message>
+    <message>
+        <source>取消</source>
+        <translation>Cancel</translation>
+    </message>
+</context>
+<context>
+    <name>tavrel::ui::PanelResizeHandle</name>
+    <message>
+        <source>调整侧边栏宽度</source>
+        <translation>Resize sidebar</translation>
     </message>
 </context>
 <context>

@@ -309,6 +309,45 @@ private Q_SLOTS:
         QVERIFY(QApplication::topLevelWidgets().isEmpty());
     }
 
+    /// One grab at a time, none of our windows in it, and an answer that comes too late is nobody's.
+    void aScrollingCaptureGetsItsFrames()
+    {
+        m_capturer->result.displays = {display(1, {0, 0, 400, 300})};
+        m_flow->startLongCapture();
+        QTRY_VERIFY(m_flow->overlay());
+        QVERIFY(!m_flow->overlay()->isLongActive()); // not before there is a selection
+        const int before = m_capturer->grabs;
+        drag(m_flow->overlay(), {20, 20}, {320, 260});
+        QTRY_VERIFY(m_flow->overlay()->isLongActive());
+        QCOMPARE(m_capturer->grabs, before + 1); // the first one at once
+        QVERIFY(m_capturer->options.excludeOwnWindows && !m_capturer->options.includeCursor);
+        QTRY_VERIFY(m_capturer->grabs >= before + 3);
+        m_flow->overlay()->finishLongMode(true);
+        QCoreApplication::processEvents();
+        const int after = m_capturer->grabs;
+        QVERIFY(m_flow->overlay() && m_flow->isActive());
+        QTest::qWait(0);
+        QVERIFY(m_flow->overlay()->startLongMode());
+        QCOMPARE(m_capturer->grabs, after + 1);
+        m_flow->closeSession(); // with a grab on its way
+        m_flow->startCapture();
+        QTRY_VERIFY(m_flow->overlay());
+        QVERIFY(!m_flow->overlay()->isLongActive());
+        QCOMPARE(m_capturer->grabs, after + 2);
+    }
+
+    void aRefusedScrollingCaptureLeavesNothingBehind()
+    {
+        m_capturer->access = platform::IScreenCapturer::Denied;
+        m_flow->startLongCapture();
+        m_capturer->access = platform::IScreenCapturer::Granted;
+        m_flow->startCapture();
+        QTRY_VERIFY(m_flow->overlay());
+        drag(m_flow->overlay(), {20, 20}, {320, 260});
+        QCoreApplication::processEvents();
+        QVERIFY(!m_flow->overlay()->isLongActive());
+    }
+
 private:
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<SettingsStore> m_settings;

@@ -1,0 +1,213 @@
+#include "overlay/capture_overlay.h"
+#include "overlay/long_capture_mode.h"
+#include "overlay/long_capture_toolbar.h"
+#include "overlay/long_preview_place.h"
+#include "overlay/overlay_panels.h"
+#include "overlay/toolbar_widget.h"
+#include "support/test_main.h"
+
+#include <QApplication>
+#include <QPainter>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QToolButton>
+
+using namespace tavrel;
+using ui::CaptureOverlay;
+using ui::LongCaptureToolbar;
+
+namespace {
+
+constexpr QSize kSize(800, 600);
+constexpr QRect kView(100, 100, 400, 300);
+
+/// A page of lines that are all different.
+QImage page()
+{
+    QImage image(kView.width(), 3000, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    quint32 seed = 7;
+    for (int y = 0; y < image.height(); y += 3) {
+        seed = seed * 1664525U + 1013904223U;
+        painter.fillRect(static_cast<int>(seed >> 8U) % 300, y, 20 + static_cast<int>(seed >> 20U) % 80, 2,
+                         QColor::fromRgb(seed | 0xff000000U));
+    }
+    return image;
+}
+
+/// The display with the page scrolled to a row.
+platform::CapturedDisplay shot(const QImage &page, int row, quint32 id = 1)
+{
+    platform::CapturedDisplay display;
+    display.id = id;
+    display.geometry = QRect(QPoint(0, 0), kSize);
+    display.image = QImage(kSize, QImage::Format_ARGB32_Premultiplied);
+    display.image.fill(QColor(90, 100, 110));
+    QPainter(&display.image).drawImage(kView.topLeft(), page, QRect(0, row, kView.width(), kView.height()));
+    return display;
+}
+
+} // namespace
+
+class LongCaptureTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void thePreviewFindsItsPlace_data()
+    {
+        QTest::addColumn<QRectF>("selection");
+        QTest::addColumn<QSizeF>("page");
+        QTest::addColumn<QRectF>("panel");
+        const QSizeF high(400, 4000);
+        QTest::newRow("right") << QRectF(100, 100, 400, 300) << QSizeF() << QRectF(508, 202, 264, 198);
+        QTest::newRow("grows upwards") << QRectF(100, 100, 400, 300) << QSizeF(400, 600) << QRectF(508, 4, 264, 396);
+        QTest::newRow("not beyond the top") << QRectF(100, 100, 400, 300) << high << QRectF(508, 0, 264, 400);
+        QTest::newRow("narrow space") << QRectF(100, 100, 540, 300) << high << QRectF(648, 0, 152, 400);
+        QTest::newRow("left") << QRectF(300, 100, 480, 300) << high << QRectF(28, 0, 264, 400);
+        QTest::newRow("inside") << QRectF(20, 100, 760, 300) << high << QRectF(508, 0, 264, 400);
+        QTest::newRow("narrow selection") << QRectF(10, 100, 60, 300) << QSizeF() << QRectF(78, 0, 120, 400);
+        QTest::newRow("flat page") << QRectF(100, 100, 400, 300) << QSizeF(4000, 10) << QRectF(508, 376, 264, 24);
+    }
+
+    void thePreviewFindsItsPlace()
+    {
+        QFETCH(QRectF, selection);
+        QFETCH(QSizeF, page);
+        QFETCH(QRectF, panel);
+        for (const double ratio : {1.0, 1.5}) {
+            const ui::LongPreviewPlace place = ui::placeLongPreview(selection, page, kSize, ratio);
+            QCOMPARE(place.panel, panel);
+            QVERIFY(place.image.width() > 0 && place.image.height() > 0);
+            QVERIFY(place.panel.adjusted(-1, -1, 1, 1).contains(place.image));
+            QCOMPARE(place.image.left() * ratio, std::round(place.image.left() * ratio));
+        }
+    }
+
+    void theToolbarIsDraggedWithoutAClick()
+    {
+        QWidget owner;
+        LongCaptureToolbar toolbar(&owner);
+        toolbar.setBounds(QRect(0, 0, 800, 600));
+        toolbar.move(100, 100);
+        toolbar.show();
+        QSignalSpy actions(&toolbar, &LongCaptureToolbar::actionTriggered);
+        QSignalSpy moved(&toolbar, &LongCaptureToolbar::moved);
+        auto *copy = toolbar.findChildren<QToolButton *>().at(2);
+        const auto send = [copy](QEvent::Type type, const QPoint &global) {
+            const QPointF local = copy->mapFromGlobal(QPointF(global));
+            QMouseEvent event(type, local, global, Qt::LeftButton,
+                              type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton, Qt::NoModifier);
+            QCoreApplication::sendEvent(copy, &event);
+        };
+        const QPoint start = copy->mapToGlobal(QPoint(5, 5));
+        send(QEvent::MouseButtonPress, start);
+        send(QEvent::MouseMove, start + QPoint(3, 1)); // as steady as a hand is
+        send(QEvent::MouseButtonRelease, start);
+        QCOMPARE(actions.count(), 1);
+        QCOMPARE(moved.count(), 0);
+        send(QEvent::MouseButtonPress, start);
+        send(QEvent::MouseMove, start + QPoint(30, 10));
+        QCOMPARE(toolbar.pos(), QPoint(130, 110));
+        send(QEvent::MouseMove, start + QPoint(3000, -3000));
+        QCOMPARE(toolbar.pos(), QPoint(800 - toolbar.width(), 0));
+        send(QEvent::MouseButtonRelease, start + QPoint(3000, -3000));
+        QCOMPARE(actions.count(), 1);
+        QVERIFY(!copy->isDown());
+        for (const auto &[key, action] : {std::pair(Qt::Key_Return, LongCaptureToolbar::Edit),
+                                          std::pair(Qt::Key_Escape, LongCaptureToolbar::Cancel)}) {
+            QTest::keyClick(&toolbar, key);
+            QCOMPARE(actions.last().first().toInt(), int(action));
+        }
+    }
+
+    void theStitchedPageIsTheResult()
+    {
+        const QImage whole = page();
+        CaptureOverlay overlay(shot(whole, 0), SettingsConfig());
+        overlay.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&overlay));
+        QSignalSpy started(&overlay, &CaptureOverlay::longCaptureStarted);
+        QSignalSpy finished(&overlay, &CaptureOverlay::longCaptureFinished);
+        QSignalSpy copied(&overlay, &CaptureOverlay::copyRequested);
+        QVERIFY(!overlay.startLongMode()); // nothing is selected
+        overlay.setSelectionRect({100, 100, 300, 150});
+        QVERIFY(!overlay.startLongMode()); // too small
+        QCOMPARE(started.count(), 0);
+        overlay.setSelectionRect(kView);
+        QVERIFY(overlay.startLongMode());
+        QVERIFY(overlay.startLongMode()); // as it is
+        QCOMPARE(started.count(), 1);
+        QVERIFY(!overlay.panels().toolbar()->isVisible());
+        QVERIFY(!overlay.mask().contains(kView.center()));
+        QVERIFY(overlay.mask().contains(QPoint(50, 50)));
+        overlay.showToast(QStringLiteral("a message that has to be read"));
+        QVERIFY(overlay.mask().boundingRect().contains(overlay.rect()));
+
+        for (int row = 40; row <= 400; row += 40)
+            overlay.addLongFrame(shot(whole, row));
+        overlay.addLongFrame(shot(whole, 430, 2)); // of another display
+        QTest::keyClick(&overlay, Qt::Key_X);      // means nothing now
+        QTest::mouseClick(&overlay, Qt::LeftButton, {}, {10, 10});
+        QCOMPARE(overlay.selection(), QRectF(kView));
+        QTest::keyClick(&overlay, Qt::Key_Return);
+        QCOMPARE(finished.count(), 1);
+        QCOMPARE(copied.count(), 0);
+        QVERIFY(overlay.mask().isEmpty());
+        QVERIFY(overlay.panels().toolbar()->isVisible());
+        overlay.addLongFrame(shot(whole, 440)); // was on its way
+        QCOMPARE(overlay.snapshot().image.size(), QSize(400, 700));
+        QCOMPARE(overlay.snapshot().selection, QRectF(0, 0, 400, 700));
+        QTest::keyClick(&overlay, Qt::Key_Return);
+        QCOMPARE(copied.count(), 1);
+        QCOMPARE(copied.first().first().value<QImage>().convertToFormat(QImage::Format_RGB32),
+                 whole.copy(0, 0, 400, 700).convertToFormat(QImage::Format_RGB32));
+        // Another selection is a picture of the screen again.
+        overlay.clearSelection();
+        overlay.setSelectionRect(kView);
+        QTest::keyClick(&overlay, Qt::Key_Return);
+        QCOMPARE(copied.last().first().value<QImage>().size(), kView.size());
+    }
+
+    void framesThatCannotBePlacedAreTold()
+    {
+        const QImage whole = page();
+        CaptureOverlay overlay(shot(whole, 0), SettingsConfig());
+        overlay.show();
+        overlay.setSelectionRect(kView);
+        QVERIFY(overlay.startLongMode());
+        auto *mode = overlay.findChild<ui::LongCaptureMode *>();
+        QSignalSpy troubled(mode, &ui::LongCaptureMode::troubled);
+        for (int i = 0; i < 20; ++i)
+            overlay.addLongFrame(shot(whole, 2000)); // far beyond the view
+        QCOMPARE(troubled.count(), 1);
+        overlay.addLongFrame(shot(whole, 30));
+        QSignalSpy closed(&overlay, &CaptureOverlay::closeRequested);
+        QTest::keyClick(&overlay, Qt::Key_Escape);
+        QCOMPARE(closed.count(), 1);
+        QVERIFY(!overlay.isLongActive());
+        QCOMPARE(overlay.snapshot().image.size(), kSize); // nothing was kept
+    }
+
+    void hidingTheOverlayEndsIt()
+    {
+        const QImage whole = page();
+        auto overlay = std::make_unique<CaptureOverlay>(shot(whole, 0), SettingsConfig());
+        overlay->show();
+        overlay->setSelectionRect(kView);
+        QVERIFY(overlay->startLongMode());
+        QSignalSpy finished(overlay.get(), &CaptureOverlay::longCaptureFinished);
+        auto *toolbar = overlay->findChild<LongCaptureToolbar *>();
+        QVERIFY(toolbar->isVisible());
+        overlay->hide();
+        QCOMPARE(finished.count(), 1);
+        QVERIFY(!toolbar->isVisible());
+        overlay->show();
+        QVERIFY(overlay->startLongMode());
+        overlay.reset(); // with everything open
+    }
+};
+
+TAVREL_TEST_MAIN(QApplication, LongCaptureTest)
+#include "test_long_capture.moc"
