@@ -9,7 +9,7 @@ namespace tavrel::ui {
 namespace {
 
 constexpr int kMinRows = 24;        // lively rows that have to be the same
-constexpr double kMinShare = 0.5;   // of the lively rows that the canvas has at that offset
+constexpr double kMinShare = 0.35;  // of the lively rows that the canvas has at that offset
 constexpr double kSomeShare = 0.25; // enough to doubt any other place
 constexpr double kRival = 0.8;      // of the winner's share; a rival as good as this makes it a guess
 constexpr int kApart = 3;           // offsets

@@ -16,7 +16,7 @@ struct ExactVote
     };
     Kind kind = Unknown;
     int offset = 0;        ///< the place that has most of them
-    bool anywhere = false; ///< there is such a place; Unknown is then less than half of what the page has there
+    bool anywhere = false; ///< there is such a place; Unknown is then only a part of what the page has there
 
     /// What other evidence says does not contradict the rows.
     [[nodiscard]] bool allows(int other) const noexcept

@@ -2,7 +2,6 @@
 
 #include "overlay/scroll_exact_vote.h"
 #include "overlay/scroll_page.h"
-#include "overlay/scroll_rows.h"
 #include "overlay/scroll_sub_pixel.h"
 
 #include <algorithm>
@@ -62,16 +61,17 @@ void appendRow(std::vector<ScrollRun> &runs, bool open, int frameRow, int pageRo
 /// something on it, since an empty row looks the same everywhere.
 int standingRows(const GreyFrame &now, const GreyFrame &before, bool fromTop)
 {
+    constexpr int kLowestBar = 12; // less is chance: the end of a line, a rule
     const int height = now.height();
     int bar = 0;
     for (int i = 0; i < height; ++i) {
         const int y = fromTop ? i : height - 1 - i;
-        if (scroll_rows::difference(now.row(y), before.row(y), now.width()) > now.width() / 4)
+        if (now.signature(y) != before.signature(y))
             break;
         if (now.isLively(fromTop ? y : std::min(y + 1, height - 1)))
             bar = i + 1;
     }
-    return bar < height ? bar : 0;
+    return bar >= kLowestBar && bar < height ? bar : 0;
 }
 
 } // namespace

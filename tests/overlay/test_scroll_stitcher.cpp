@@ -14,8 +14,8 @@ using namespace tavrel::ui;
 
 namespace {
 
-constexpr QSize kView(620, 480);
-constexpr int kPageRows = 4000;
+constexpr QSize kView(420, 440);
+constexpr int kPageRows = 3000;
 
 /// What a run over a scene came to. Rows are those of the page.
 struct Tally
@@ -102,6 +102,8 @@ void ScrollStitcherTest::corpus_data()
     for (const QString &page : pages) {
         for (const QString &trace : traces) {
             for (const QString &trait : traits) {
+                if (!sure.contains(page) && (trait == QLatin1String("caret") || trait == QLatin1String("header")))
+                    continue;
                 const bool complete = sure.contains(page) && gentle.contains(trace);
                 const QString name = page + QLatin1Char(' ') + trace + QLatin1Char(' ') + trait;
                 QTest::newRow(qPrintable(name)) << page << trace << trait << complete;
@@ -125,9 +127,9 @@ void ScrollStitcherTest::corpus()
     else if (trait == QLatin1String("footer"))
         scene.footer = 52;
     else if (trait == QLatin1String("caret"))
-        scene.caret = QRect(300, trace == QLatin1String("upward") ? 3700 : 300, 2, 18);
+        scene.caret = QRect(200, trace == QLatin1String("upward") ? 2700 : 300, 2, 18);
     else if (trait == QLatin1String("animation"))
-        scene.animation = QRect(330, trace == QLatin1String("upward") ? 3500 : 350, 260, 150);
+        scene.animation = QRect(230, trace == QLatin1String("upward") ? 2500 : 300, 170, 140);
 
     const std::vector<int> offsets = scrollTrace(trace, kPageRows, kView.height(), 3);
     ScrollStitcher stitcher;
@@ -184,9 +186,9 @@ void ScrollStitcherTest::framesThatChangeNothing()
     const ScrollScene scene{.page = drawScrollPage(QStringLiteral("text"), {kView.width(), 1200}, 5), .view = kView};
     ScrollStitcher stitcher;
     const QImage first = scene.frame(100, 0);
-    QVERIFY(stitcher.begin(first, QRectF(10, 20, 600, 440)));
+    QVERIFY(stitcher.begin(first, QRectF(10, 20, 400, 400)));
     QCOMPARE(stitcher.addFrame(QImage()).outcome, StitchOutcome::Ignored);
-    QCOMPARE(stitcher.addFrame(first.copy(0, 0, 620, 479)).outcome, StitchOutcome::Ignored);
+    QCOMPARE(stitcher.addFrame(first.copy(0, 0, 420, 439)).outcome, StitchOutcome::Ignored);
     QCOMPARE(stitcher.frameCount(), 1);
     for (int i = 0; i < 3; ++i) {
         const StitchDecision same = stitcher.addFrame(first);
@@ -196,9 +198,9 @@ void ScrollStitcherTest::framesThatChangeNothing()
     }
     // A picture of another format, with bytes to spare at the end of its rows, is the same frame.
     QCOMPARE(stitcher.addFrame(scene.frame(160, 0).convertToFormat(QImage::Format_RGB888)).rowsAdded, 60);
-    QCOMPARE(stitcher.result(), scene.page.copy(10, 120, 600, 500));
+    QCOMPARE(stitcher.result(), scene.page.copy(10, 120, 400, 460));
     const QImage taken = stitcher.takeResult();
-    QCOMPARE(taken, scene.page.copy(10, 120, 600, 500));
+    QCOMPARE(taken, scene.page.copy(10, 120, 400, 460));
     QVERIFY(!stitcher.isActive());
     QCOMPARE(stitcher.frameCount(), 5);
 }
