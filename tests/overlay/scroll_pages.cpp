@@ -175,7 +175,7 @@ std::vector<int> scrollTrace(const QString &kind, int rows, int view, quint32 se
     const auto &step = steps.at(kind);
     std::vector<int> offsets;
     int at = kind == QLatin1String("upward") ? last : 0;
-    for (int i = 0; i < 30; ++i) {
+    for (int i = 0; i < 20; ++i) {
         offsets.push_back(at);
         at = std::clamp(at + step(), 0, last);
     }

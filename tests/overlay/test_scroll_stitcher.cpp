@@ -144,7 +144,9 @@ void ScrollStitcherTest::corpus()
     QCOMPARE(stitcher.frameCount(), static_cast<int>(offsets.size()));
     if (complete) {
         QVERIFY(tally.holes <= scene.animation.height());
-        const int bars = std::max(scene.footer, trace == QLatin1String("upward") ? scene.header : 0);
+        // What lies beside a bar and happens to look the same after the last step goes with it: a line or two.
+        const int bar = trace == QLatin1String("upward") ? scene.header : scene.footer;
+        const int bars = bar > 0 ? bar + 44 : 0;
         QVERIFY2(tally.end - tally.top >= seen - bars, "rows are missing");
     }
     if (page == QLatin1String("plain") && trait.isEmpty())
