@@ -2,19 +2,23 @@
 
 #include "annotate/shape_document.h"
 #include "app/languages.h"
+#include "ui/action_button.h"
 #include "ui/attribute_bar.h"
+#include "ui/chip.h"
 #include "ui/color_chip.h"
 #include "ui/color_library.h"
 #include "ui/glyph_button.h"
 #include "ui/menu_panel.h"
 #include "ui/modern_slider.h"
 #include "ui/position_picker.h"
+#include "ui/rail_icon_button.h"
 #include "ui/segment_track.h"
 #include "ui/segmented_control.h"
 #include "ui/settings_combo_box.h"
 #include "ui/thickness_capsule.h"
 #include "ui/toggle_switch.h"
-#include "ui/value_control.h"
+#include "ui/tool_tile.h"
+#include "ui/window_control_button.h"
 
 #include <QApplication>
 #include <QDir>
@@ -58,6 +62,12 @@ QList<Exhibit> exhibits()
              auto *slider = new ui::ModernSlider(theme, parent);
              slider->setRange(0, 100);
              slider->setValue(50);
+             slider->resize(200, slider->height());
+             return slider;
+         }},
+        {"ModernSlider, at its start",
+         [](const ui::Theme &theme, QWidget *parent) {
+             auto *slider = new ui::ModernSlider(theme, parent);
              slider->resize(200, slider->height());
              return slider;
          }},
@@ -107,6 +117,38 @@ QList<Exhibit> exhibits()
              auto *chip = new ui::ColorChip(QStringLiteral("#40D651"), 26, parent);
              chip->applyTheme(theme);
              return chip;
+         }},
+        {"ActionButton",
+         [](const ui::Theme &theme, QWidget *parent) {
+             return new ui::ActionButton(u"ed_copy"_qs, text("更多颜色"), ui::ActionButton::Look::Plain, theme, parent);
+         }},
+        {"ActionButton, filled",
+         [](const ui::Theme &theme, QWidget *parent) {
+             auto *button = new ui::ActionButton({}, text("更多颜色"), ui::ActionButton::Look::Filled, theme, parent);
+             button->setHasMenu(true);
+             return button;
+         }},
+        {"ActionButton, primary",
+         [](const ui::Theme &theme, QWidget *parent) {
+             return new ui::ActionButton({}, text("更多颜色"), ui::ActionButton::Look::Primary, theme, parent);
+         }},
+        {"Chip, checked",
+         [](const ui::Theme &theme, QWidget *parent) {
+             auto *chip = new ui::Chip(text("标准"), theme, parent);
+             chip->setChecked(true);
+             return chip;
+         }},
+        {"ToolTile",
+         [](const ui::Theme &theme, QWidget *parent) {
+             return new ui::ToolTile(ToolType::Watermark, text("水印排布方式"), theme, parent);
+         }},
+        {"RailIconButton",
+         [](const ui::Theme &theme, QWidget *parent) {
+             return new ui::RailIconButton(u"ed_crop"_qs, text("背景"), theme, parent);
+         }},
+        {"WindowControlButton",
+         [](const ui::Theme &theme, QWidget *parent) {
+             return new ui::WindowControlButton(ui::WindowControlButton::Kind::Close, theme, parent);
          }},
     };
 }

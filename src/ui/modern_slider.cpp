@@ -15,7 +15,8 @@ constexpr double kKnob = 7.5; ///< radius at rest
 constexpr double kKnobActive = 9;
 constexpr QColor kDarkKnob(244, 245, 247);
 constexpr QColor kKnobEdge(15, 23, 42, 36);
-constexpr double kFocusGap = 1.5;
+constexpr double kFocusRing = 8.25; ///< radius; with its pen it stays within kRoom, so no end cuts it
+constexpr double kFocusPen = 1.5;
 constexpr double kDisabledOpacity = 0.45;
 
 } // namespace
@@ -73,10 +74,22 @@ void ModernSlider::wheelEvent(QWheelEvent *event)
 
 void ModernSlider::hideEvent(QHideEvent *event)
 {
-    // The release will go elsewhere.
+    letGo();
+    QSlider::hideEvent(event);
+}
+
+void ModernSlider::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::EnabledChange && !isEnabled())
+        letGo();
+    QSlider::changeEvent(event);
+}
+
+/// Ends a drag whose release will go elsewhere.
+void ModernSlider::letGo()
+{
     if (isSliderDown())
         setSliderDown(false);
-    QSlider::hideEvent(event);
 }
 
 void ModernSlider::paintEvent(QPaintEvent *)
@@ -91,24 +104,28 @@ void ModernSlider::paintEvent(QPaintEvent *)
     const double fraction = range > 0 ? double(value() - minimum()) / range : 0;
     const QPointF centre(kRoom + fraction * length, middle);
 
-    QRectF track(kRoom, middle - kTrackHeight / 2, length, kTrackHeight);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(m_theme.chipFill());
-    painter.drawRoundedRect(track, kTrackHeight / 2, kTrackHeight / 2);
-    track.setRight(centre.x());
-    painter.setBrush(m_theme.accent());
-    painter.drawRoundedRect(track, kTrackHeight / 2, kTrackHeight / 2);
-
     const double radius = isEnabled() && (underMouse() || isSliderDown()) ? kKnobActive : kKnob;
+    const double hidden = isEnabled() ? 0 : radius; // nothing may shine through a translucent knob
+    const auto paintTrack = [&painter, middle](double left, double right, const QColor &color) {
+        if (right <= left)
+            return;
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(color);
+        painter.drawRoundedRect(QRectF(left, middle - kTrackHeight / 2, right - left, kTrackHeight), kTrackHeight / 2,
+                                kTrackHeight / 2);
+    };
+    paintTrack(isEnabled() ? kRoom : centre.x() + hidden, kRoom + length, m_theme.chipFill());
+    paintTrack(kRoom, centre.x() - hidden, m_theme.accent());
+
     painter.setBrush(QColor(0, 0, 0, m_theme.dark ? 90 : 38));
     painter.drawEllipse(centre + QPointF(0, 1), radius, radius);
     painter.setPen(m_theme.dark ? QPen(Qt::NoPen) : QPen(kKnobEdge, 1));
     painter.setBrush(m_theme.dark ? kDarkKnob : QColor(Qt::white));
     painter.drawEllipse(centre, radius, radius);
     if (hasFocus()) {
-        painter.setPen(QPen(m_theme.accent(), 1.5));
+        painter.setPen(QPen(m_theme.accent(), kFocusPen));
         painter.setBrush(Qt::NoBrush);
-        painter.drawEllipse(centre, radius + kFocusGap, radius + kFocusGap);
+        painter.drawEllipse(centre, kFocusRing, kFocusRing);
     }
 }
 

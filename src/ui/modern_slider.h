@@ -27,9 +27,11 @@ protected:
     void mouseReleaseEvent(QMouseEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
     void hideEvent(QHideEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
     [[nodiscard]] int valueAt(double x) const;
+    void letGo();
 
     Theme m_theme;
 };

@@ -62,7 +62,10 @@ public:
     {}
     QString text(QAccessible::Text which) const override
     {
-        return which == QAccessible::Value ? nameOf(m_picker.position()) : QAccessibleWidget::text(which);
+        // Not every system asks for the value of what is no slider; the description is read everywhere.
+        const QString text = QAccessibleWidget::text(which);
+        const bool tellsPosition = which == QAccessible::Value || (which == QAccessible::Description && text.isEmpty());
+        return tellsPosition ? nameOf(m_picker.position()) : text;
     }
 
 private:
@@ -99,9 +102,11 @@ void PositionPicker::setTheme(const Theme &theme)
 
 void PositionPicker::set(BackgroundPosition position, double fx, double fy)
 {
+    const bool isNew = position != m_position; // each pixel of a drag is no news to a listener
     m_position = position;
     m_custom = {fx, fy};
-    announce();
+    if (isNew)
+        announce();
     update();
 }
 
@@ -128,8 +133,10 @@ QRectF PositionPicker::box() const
 
 void PositionPicker::announce()
 {
-    QAccessibleValueChangeEvent told(this, nameOf(m_position));
-    QAccessible::updateAccessibility(&told);
+    QAccessibleValueChangeEvent value(this, nameOf(m_position));
+    QAccessible::updateAccessibility(&value);
+    QAccessibleEvent description(this, QAccessible::DescriptionChanged);
+    QAccessible::updateAccessibility(&description);
 }
 
 void PositionPicker::choose(BackgroundPosition position)
@@ -140,8 +147,10 @@ void PositionPicker::choose(BackgroundPosition position)
 
 void PositionPicker::mousePressEvent(QMouseEvent *event)
 {
-    if (event->button() != Qt::LeftButton)
+    if (event->button() != Qt::LeftButton) {
+        event->ignore();
         return;
+    }
     const QPointF at = event->position();
     if (box().contains(at)) {
         m_dragging = true;
@@ -171,12 +180,32 @@ void PositionPicker::mouseMoveEvent(QMouseEvent *event)
 
 void PositionPicker::mouseReleaseEvent(QMouseEvent *event)
 {
-    if (event->button() != Qt::LeftButton || !m_dragging)
+    if (event->button() == Qt::LeftButton)
+        endDrag();
+}
+
+void PositionPicker::endDrag()
+{
+    if (!m_dragging)
         return;
     m_dragging = false;
     update();
     if (m_moved)
         Q_EMIT positionChanged(m_position, fractions().x(), fractions().y(), true);
+}
+
+// The release of a picker that goes away under the pointer will go elsewhere.
+void PositionPicker::hideEvent(QHideEvent *event)
+{
+    endDrag();
+    QWidget::hideEvent(event);
+}
+
+void PositionPicker::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::EnabledChange && !isEnabled())
+        endDrag();
+    QWidget::changeEvent(event);
 }
 
 void PositionPicker::keyPressEvent(QKeyEvent *event)

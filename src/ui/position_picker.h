@@ -36,12 +36,15 @@ protected:
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    void changeEvent(QEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
 
 private:
     void choose(edit::BackgroundPosition position);
     void announce();
+    void endDrag();
 
     Theme m_theme;
     edit::BackgroundPosition m_position = edit::BackgroundPosition::Center;

@@ -28,6 +28,11 @@ constexpr double kGap = 5;
 constexpr int kRoom = 20; ///< beside the text, for the size hint
 constexpr double kDisabledOpacity = 0.45;
 
+QString nameOf(const SegmentedControl::Item &item)
+{
+    return item.text.isEmpty() ? item.tip : item.text;
+}
+
 /// One choice, for assistive tools.
 class ItemAccess final : public QAccessibleInterface
 {
@@ -43,9 +48,11 @@ public:
     int indexOfChild(const QAccessibleInterface *) const override { return -1; }
     QString text(QAccessible::Text which) const override
     {
+        if (!isValid())
+            return {};
         const SegmentedControl::Item &item = m_control.items()[m_index];
         if (which == QAccessible::Name)
-            return item.text.isEmpty() ? item.tip : item.text;
+            return nameOf(item);
         return which == QAccessible::Description ? item.tip : QString();
     }
     void setText(QAccessible::Text, const QString &) override {}
@@ -132,7 +139,7 @@ public:
     {
         const int current = m_control.current();
         if (which == QAccessible::Value)
-            return current < 0 || current >= childCount() ? QString() : m_control.items()[current].text;
+            return current < 0 || current >= childCount() ? QString() : nameOf(m_control.items()[current]);
         return QAccessibleWidget::text(which);
     }
 
@@ -199,9 +206,22 @@ void SegmentedControl::setCurrent(int index, Motion motion)
     } else {
         m_animatedIndex = index;
     }
-    QAccessibleEvent told(this, QAccessible::Selection);
-    QAccessible::updateAccessibility(&told);
+    announce();
     update();
+}
+
+void SegmentedControl::announce()
+{
+    QAccessibleValueChangeEvent value(this, m_current < 0 ? QString() : nameOf(m_items[m_current]));
+    QAccessible::updateAccessibility(&value);
+    QAccessibleEvent selection(this, QAccessible::Selection);
+    selection.setChild(m_current);
+    QAccessible::updateAccessibility(&selection);
+    if (!hasFocus() || m_current < 0)
+        return;
+    QAccessibleEvent focus(this, QAccessible::Focus); // what a screen reader follows while arrow keys choose
+    focus.setChild(m_current);
+    QAccessible::updateAccessibility(&focus);
 }
 
 void SegmentedControl::choose(int index)
@@ -224,7 +244,7 @@ int SegmentedControl::indexAt(double x) const
     if (m_items.isEmpty())
         return -1;
     const int index = static_cast<int>((x - kInset) / cell(0).width());
-    return x < kInset || index >= m_items.size() ? -1 : index;
+    return index < 0 || index >= m_items.size() ? -1 : index;
 }
 
 QFont SegmentedControl::itemFont(bool isCurrent) const
@@ -275,8 +295,12 @@ void SegmentedControl::leaveEvent(QEvent *event)
 
 void SegmentedControl::mousePressEvent(QMouseEvent *event)
 {
+    if (event->button() != Qt::LeftButton) {
+        event->ignore();
+        return;
+    }
     const int index = indexAt(event->position().x());
-    if (event->button() == Qt::LeftButton && index >= 0)
+    if (index >= 0)
         choose(index);
 }
 
@@ -301,6 +325,13 @@ void SegmentedControl::keyPressEvent(QKeyEvent *event)
     default:
         QWidget::keyPressEvent(event);
     }
+}
+
+void SegmentedControl::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::EnabledChange && !isEnabled())
+        setHovered(-1);
+    QWidget::changeEvent(event);
 }
 
 void SegmentedControl::focusInEvent(QFocusEvent *event)

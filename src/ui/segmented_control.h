@@ -34,7 +34,7 @@ public:
     [[nodiscard]] int current() const { return m_current; }
     /// Where the thumb is shown, in items.
     [[nodiscard]] double animatedIndex() const { return m_animatedIndex; }
-    /// The item at a distance from the left edge; -1 for none.
+    /// The item at a distance from the left edge, the rim before the first one included; -1 for none.
     [[nodiscard]] int indexAt(double x) const;
     [[nodiscard]] QRectF cell(int index) const;
     [[nodiscard]] QSize sizeHint() const override;
@@ -51,11 +51,13 @@ protected:
     void mousePressEvent(QMouseEvent *event) override;
     void leaveEvent(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void changeEvent(QEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
 
 private:
     void setHovered(int index);
+    void announce();
     void paintItem(QPainter &painter, int index) const;
     [[nodiscard]] QFont itemFont(bool isCurrent) const;
 

@@ -27,6 +27,11 @@ public:
         state.checked = m_button.isChecked();
         return state;
     }
+    QString text(QAccessible::Text which) const override
+    {
+        const QString text = QAccessibleWidget::text(which);
+        return which == QAccessible::Name && text.isEmpty() ? m_button.text() : text;
+    }
     QStringList actionNames() const override { return {toggleAction(), setFocusAction()}; }
     void doAction(const QString &action) override
     {
@@ -71,12 +76,6 @@ ToggleSwitch::ToggleSwitch(const Theme &theme, QWidget *parent)
     setCursor(Qt::PointingHandCursor);
     m_animation.setDuration(kGlideMs);
     m_animation.setEasingCurve(QEasingCurve::InOutQuad);
-    connect(this, &QAbstractButton::toggled, this, [this] {
-        QAccessible::State changed;
-        changed.checked = true;
-        QAccessibleStateChangeEvent told(this, changed);
-        QAccessible::updateAccessibility(&told);
-    });
 }
 
 void ToggleSwitch::setTheme(const Theme &theme)

@@ -9,6 +9,8 @@
 #include <QSignalSpy>
 #include <QWheelEvent>
 
+#include <cstdlib>
+
 using namespace tavrel;
 using edit::BackgroundPosition;
 using ui::ModernSlider;
@@ -76,13 +78,98 @@ private Q_SLOTS:
         QCOMPARE(slider->value(), 10);
     }
 
-    void aHiddenSliderIsLetGo()
+    // The release of a control that is hidden or disabled under the pointer goes elsewhere.
+    void aDragEndsWithItsControl_data()
     {
+        QTest::addColumn<bool>("hides");
+        QTest::newRow("hidden") << true;
+        QTest::newRow("disabled") << false;
+    }
+
+    void aDragEndsWithItsControl()
+    {
+        QFETCH(bool, hides);
         auto *slider = add<ModernSlider>();
+        auto *picker = add<PositionPicker>();
+        picker->setGeometry(0, 50, 200, 104);
         QSignalSpy released(slider, &ModernSlider::sliderReleased);
+        QSignalSpy changed(picker, &PositionPicker::positionChanged);
+        const auto takeAway = [hides](QWidget *control) {
+            hides ? control->hide() : control->setEnabled(false);
+            control->show();
+            control->setEnabled(true);
+        };
         QTest::mousePress(slider, Qt::LeftButton);
-        slider->hide();
+        takeAway(slider);
         QCOMPARE(released.count(), 1);
+        QVERIFY(!slider->isSliderDown());
+        QTest::mousePress(picker, Qt::LeftButton, {}, {100, 50});
+        QTest::mouseMove(picker, {110, 50});
+        takeAway(picker);
+        QCOMPARE(changed.count(), 2);
+        QVERIFY(changed.last()[3].toBool());
+        QTest::mouseMove(picker, {120, 50});
+        QCOMPARE(changed.count(), 2);
+    }
+
+    void theSliderAnswersTheKeyboard_data()
+    {
+        QTest::addColumn<Qt::Key>("key");
+        QTest::addColumn<int>("value");
+        QTest::newRow("left") << Qt::Key_Left << 49;
+        QTest::newRow("right") << Qt::Key_Right << 51;
+        QTest::newRow("down") << Qt::Key_Down << 49;
+        QTest::newRow("up") << Qt::Key_Up << 51;
+        QTest::newRow("page up") << Qt::Key_PageUp << 60;
+        QTest::newRow("page down") << Qt::Key_PageDown << 40;
+        QTest::newRow("home") << Qt::Key_Home << 0;
+        QTest::newRow("end") << Qt::Key_End << 100;
+    }
+
+    void theSliderAnswersTheKeyboard()
+    {
+        QFETCH(Qt::Key, key);
+        QFETCH(int, value);
+        auto *slider = add<ModernSlider>();
+        slider->setRange(0, 100);
+        slider->setValue(50);
+        QTest::keyClick(slider, key);
+        QCOMPARE(slider->value(), value);
+        QAccessibleInterface *access = QAccessible::queryAccessibleInterface(slider);
+        QCOMPARE(access->role(), QAccessible::Slider);
+        QCOMPARE(access->valueInterface()->currentValue().toInt(), value);
+        QCOMPARE(access->valueInterface()->maximumValue().toInt(), 100);
+    }
+
+    // The whole ring is there even where the knob stands at an end of its track.
+    void theFocusRingFits_data()
+    {
+        QTest::addColumn<int>("value");
+        QTest::newRow("start") << 0;
+        QTest::newRow("end") << 100;
+    }
+
+    void theFocusRingFits()
+    {
+        QFETCH(int, value);
+        auto *slider = add<ModernSlider>();
+        slider->setRange(0, 100);
+        slider->setValue(value);
+        slider->setGeometry(20, 20, 200, 22);
+        slider->setFocus(Qt::TabFocusReason);
+        const QImage cut = slider->grab().toImage();
+        // Left and right of the knob the ring is as thick as above and below it, where there is room.
+        const int middle = value == 0 ? 9 : 191;
+        const auto ringPixels = [&cut](int fromX, int fromY, int stepX, int stepY) {
+            int found = 0;
+            for (int i = 0; i < 5; ++i) {
+                const QColor color = cut.pixelColor(fromX + i * stepX, fromY + i * stepY);
+                found += color.blue() - color.red();
+            }
+            return found;
+        };
+        const int outside = value == 0 ? ringPixels(0, 11, 1, 0) : ringPixels(199, 11, -1, 0);
+        QVERIFY(std::abs(outside - ringPixels(middle, 2, 0, 1)) < 120);
     }
 
     void aSwitchGlidesWhileItIsSeen()
@@ -128,9 +215,11 @@ private Q_SLOTS:
         QVERIFY(control->animatedIndex() < 1);
         QTRY_COMPARE(control->animatedIndex(), 2.0);
         QCOMPARE(changed.count(), 2);
-        click(1);
+        click(1); // the rim belongs to the first
+        QCOMPARE(control->current(), 0);
         click(305);
-        QCOMPARE(changed.count(), 2);
+        QTest::mouseClick(control, Qt::RightButton, {}, {150, 17});
+        QCOMPARE(changed.count(), 3);
         QTest::mouseMove(control, {250, 17});
         QTRY_COMPARE(control->toolTip(), QStringLiteral("third"));
         QTest::mouseMove(control, {150, 17});
@@ -145,23 +234,26 @@ private Q_SLOTS:
         QTest::keyClick(control, Qt::Key_Left);
         QTest::keyClick(control, Qt::Key_End);
         QCOMPARE(control->current(), 2);
-        QCOMPARE(changed.count(), 4);
+        QCOMPARE(changed.count(), 5);
 
         QAccessibleInterface *access = QAccessible::queryAccessibleInterface(control);
         QCOMPARE(access->role(), QAccessible::PageTabList);
         QCOMPARE(access->childCount(), 3);
         QCOMPARE(access->child(0)->text(QAccessible::Name), QStringLiteral("one"));
         QCOMPARE(access->child(2)->text(QAccessible::Name), QStringLiteral("third"));
+        QCOMPARE(access->text(QAccessible::Value), QStringLiteral("third"));
         QVERIFY(access->child(2)->state().selected);
         access->child(0)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
         QCOMPARE(control->current(), 0);
 
+        QAccessibleInterface *gone = access->child(1);
         control->setItems({});
         QCOMPARE(control->current(), -1);
+        QVERIFY(!gone->isValid() && gone->text(QAccessible::Name).isEmpty());
         click(50);
         QTest::keyClick(control, Qt::Key_End);
         control->grab();
-        QCOMPARE(changed.count(), 5);
+        QCOMPARE(changed.count(), 6);
     }
 
     void aPositionIsPickedAndDragged()
