@@ -31,9 +31,9 @@ constexpr int kContent = ColorBoard::kWidth - 2 * kMargin;
 constexpr int kSvHeight = 150;
 constexpr int kHexHeight = 40;
 constexpr int kAlphaTextWidth = 38;
-constexpr int kChipSize = 22;
-constexpr int kChipColumns = 10;
-constexpr int kDistance = 8; ///< from the anchor and the window's edges
+constexpr int kChipSize = 20;
+constexpr int kChipColumns = 11; ///< the default palette and the chip that adds
+constexpr int kDistance = 8;     ///< from the anchor and the window's edges
 
 QString css(const QColor &color)
 {
