@@ -21,6 +21,7 @@ constexpr QSize kIconSize{16, 16};
 constexpr double kRadius = 7;
 constexpr double kArrowsRight = 14; ///< middle of the two arrow heads, from the right edge
 constexpr double kArrowPen = 1.5;
+constexpr double kFocusPen = 1.5;
 
 QString css(const QColor &color)
 {
@@ -41,7 +42,7 @@ QColor faceOf(const Theme &theme)
 SettingsComboBox::SettingsComboBox(const Theme &theme, QWidget *parent) : QComboBox(parent)
 {
     setCursor(Qt::PointingHandCursor);
-    setFocusPolicy(Qt::NoFocus);
+    setFocusPolicy(Qt::TabFocus);
     setMaxVisibleItems(12);
     QFont plain = font();
     plain.setPixelSize(kFontSize);
@@ -106,6 +107,12 @@ void SettingsComboBox::paintEvent(QPaintEvent *)
     if (m_hovered && isEnabled()) {
         painter.setPen(Qt::NoPen);
         painter.setBrush(m_theme.hoverFill());
+        painter.drawRoundedRect(face, kRadius, kRadius);
+    }
+
+    if (hasFocus()) {
+        painter.setPen(QPen(m_theme.accent(), kFocusPen));
+        painter.setBrush(Qt::NoBrush);
         painter.drawRoundedRect(face, kRadius, kRadius);
     }
 

@@ -8,7 +8,7 @@ namespace tavrel::ui {
 
 /// A combo box in the program's own look. The closed face is painted by code; the list is a pop-up of its own.
 ///
-/// It takes no focus, so that a text being typed elsewhere keeps the keyboard.
+/// A click leaves the focus where it is, so that a text being typed elsewhere keeps the keyboard; Tab reaches it.
 class SettingsComboBox final : public QComboBox
 {
     Q_OBJECT

@@ -51,4 +51,10 @@ xdotool key Escape
 tool 0
 xdotool mousemove 987 506 click 1
 look board $'\tColor\t|\tSaturation'
+xdotool key Escape
+xdotool key Escape
+until_true 20 log_has 截图会话结束 || fail "the session did not end"
+"$tavrel"
+look dialog $'push button\tOK'
+xdotool key Return
 [ "$failures" -eq 0 ]
