@@ -27,6 +27,9 @@ X11ScreenCapturer::X11ScreenCapturer(std::shared_ptr<XConnection> x, std::shared
       m_exclusions(std::move(exclusions)),
       m_grabber(m_x, m_exclusions)
 {
+    // Each thread that works on a picture would get a heap of its own, and every heap keeps some megabytes for good:
+    // after a day of captures at 4K 13 instead of 9 over those at the start.
+    mallopt(M_ARENA_MAX, 2);
     m_idle.setSingleShot(true);
     m_idle.setInterval(kIdleMs);
     connect(&m_idle, &QTimer::timeout, this, [this] {
