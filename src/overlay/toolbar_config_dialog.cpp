@@ -27,15 +27,6 @@ constexpr int kShadow = 13; ///< reaches this far around the card
 constexpr int kShadowOffset = 8;
 constexpr int kEdge = 8; ///< the card stays this far inside, where the overlay has the room
 
-QString css(const QColor &color)
-{
-    return QStringLiteral("rgba(%1, %2, %3, %4)")
-        .arg(color.red())
-        .arg(color.green())
-        .arg(color.blue())
-        .arg(color.alpha());
-}
-
 QString buttonStyle(const QColor &text, const QColor &fill, const QColor &hover, const QColor &ring)
 {
     return QStringLiteral("QPushButton { color: %1; background: %2; border: 2px solid transparent; border-radius: 8px; "

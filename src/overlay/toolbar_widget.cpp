@@ -22,15 +22,6 @@ constexpr int kGapBeforeHistory = 8;
 constexpr int kGapBeforeResults = 4;
 constexpr QSize kSeparator{1, 18};
 
-QString css(const QColor &color)
-{
-    return QStringLiteral("rgba(%1, %2, %3, %4)")
-        .arg(color.red())
-        .arg(color.green())
-        .arg(color.blue())
-        .arg(color.alpha());
-}
-
 QFrame *makeSeparator(QWidget *parent)
 {
     auto *line = new QFrame(parent);

@@ -32,15 +32,6 @@ constexpr int kPanelHeight = 52; ///< one for all tools, so that the panels besi
 constexpr QSize kSeparator{1, 22};
 constexpr char kFocusKey[] = "tavrelFocusKey";
 
-QString css(const QColor &color)
-{
-    return QStringLiteral("rgba(%1, %2, %3, %4)")
-        .arg(color.red())
-        .arg(color.green())
-        .arg(color.blue())
-        .arg(color.alpha());
-}
-
 QString styleOf(const Theme &theme)
 {
     return QStringLiteral(

@@ -35,15 +35,6 @@ constexpr int kChipSize = 20;
 constexpr int kChipColumns = 11; ///< the default palette and the chip that adds
 constexpr int kDistance = 8;     ///< from the anchor and the window's edges
 
-QString css(const QColor &color)
-{
-    return QStringLiteral("rgba(%1, %2, %3, %4)")
-        .arg(color.red())
-        .arg(color.green())
-        .arg(color.blue())
-        .arg(color.alpha());
-}
-
 QString boardStyle(const Theme &theme)
 {
     return QStringLiteral(

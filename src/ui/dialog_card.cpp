@@ -24,15 +24,6 @@ constexpr int kTextWidth = 320;  ///< texts wrap here; the card is this wide and
 constexpr int kTextHeight = 300; ///< a longer text scrolls
 constexpr int kScrollRoom = 12;
 
-QString css(const QColor &color)
-{
-    return QStringLiteral("rgba(%1, %2, %3, %4)")
-        .arg(color.red())
-        .arg(color.green())
-        .arg(color.blue())
-        .arg(color.alpha());
-}
-
 QString cardStyle(const Theme &theme)
 {
     return QStringLiteral(

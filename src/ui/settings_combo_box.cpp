@@ -23,15 +23,6 @@ constexpr double kArrowsRight = 14; ///< middle of the two arrow heads, from the
 constexpr double kArrowPen = 1.5;
 constexpr double kFocusPen = 1.5;
 
-QString css(const QColor &color)
-{
-    return QStringLiteral("rgba(%1, %2, %3, %4)")
-        .arg(color.red())
-        .arg(color.green())
-        .arg(color.blue())
-        .arg(color.alpha());
-}
-
 QColor faceOf(const Theme &theme)
 {
     return theme.dark ? QColor(255, 255, 255, 18) : QColor(Qt::white);

@@ -5,17 +5,6 @@
 namespace tavrel::ui {
 namespace {
 
-QString css(const QColor &color)
-{
-    if (color.alpha() == 255)
-        return color.name();
-    return QStringLiteral("rgba(%1, %2, %3, %4)")
-        .arg(color.red())
-        .arg(color.green())
-        .arg(color.blue())
-        .arg(color.alpha());
-}
-
 QColor withAlpha(QColor color, double alpha)
 {
     color.setAlpha(static_cast<int>(std::lround(255 * alpha)));

@@ -102,4 +102,15 @@ Theme themeFor(const QString &name)
     return systemColorScheme() == ColorScheme::Dark ? darkTheme() : lightTheme();
 }
 
+QString css(const QColor &color)
+{
+    if (color.alpha() == 255)
+        return color.name();
+    return QStringLiteral("rgba(%1, %2, %3, %4)")
+        .arg(color.red())
+        .arg(color.green())
+        .arg(color.blue())
+        .arg(color.alpha());
+}
+
 } // namespace tavrel::ui

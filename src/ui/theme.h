@@ -143,6 +143,9 @@ inline constexpr QColor destructiveRed{255, 59, 48};
 /// The theme of the setting: "light", "dark", and for any other word what the system prefers now.
 [[nodiscard]] Theme themeFor(const QString &name);
 
+/// A colour as a style sheet writes it: "#rrggbb", or "rgba(r, g, b, a)" when it is not opaque.
+[[nodiscard]] QString css(const QColor &color);
+
 /// The style sheet that every studio window appends to its own background rule. Looks are chosen by the dynamic
 /// property "role" or by object name.
 [[nodiscard]] QString studioStyleSheet(const Theme &theme);
