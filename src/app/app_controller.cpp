@@ -9,8 +9,9 @@
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QLoggingCategory>
-#include <QTimer>
 #include <QWindow>
+
+#include <algorithm>
 
 namespace tavrel {
 namespace {
@@ -19,6 +20,7 @@ using namespace std::chrono_literals;
 
 constexpr auto kReleaseDelay = 150ms;
 constexpr auto kFlushTime = 3000ms;
+constexpr auto kHotkeyRetry = 10s;
 
 } // namespace
 
@@ -30,7 +32,7 @@ AppController::AppController(SettingsStore &settings, Deps deps, QObject *parent
       m_flow({*m_deps.screenCapturer, m_deps.windowController, m_deps.elementDetector, settings, *m_deps.history,
               m_notices, m_deps.cursorPosition, &m_probe}),
       m_results(settings, m_notices, m_deps.clipboard),
-      m_hotkeys(*m_deps.globalHotkey),
+      m_hotkeys(*m_deps.globalHotkey, m_commands),
       m_messages({m_deps.windowController, [this](QWindow *window) { activate(window); },
                   [this] { return ui::themeFor(m_settings.config().theme); }})
 {
@@ -48,8 +50,11 @@ AppController::AppController(SettingsStore &settings, Deps deps, QObject *parent
             Qt::QueuedConnection);
     connect(m_deps.globalHotkey.get(), &platform::IGlobalHotkey::activated, this,
             [this](int id) { m_hotkeys.dispatch(id); });
-    m_hotkeys.setOperation(HotkeyTable::Capture, [this] { startCapture(); });
-    m_hotkeys.setOperation(HotkeyTable::Long, [this] { m_flow.startLongCapture(); });
+    setCommands();
+    // Another program may give a combination back; nothing tells of it.
+    m_hotkeyRetry.setInterval(kHotkeyRetry);
+    m_hotkeyRetry.setTimerType(Qt::VeryCoarseTimer);
+    connect(&m_hotkeyRetry, &QTimer::timeout, this, &AppController::registerHotkeys);
 
     connect(&m_flow, &CaptureFlow::accessRefused, this, &AppController::onAccessRefused);
     connect(&m_flow, &CaptureFlow::sessionStarted, this, &AppController::updateCanShutdown);
@@ -90,17 +95,59 @@ AppController::~AppController()
 
 void AppController::start()
 {
-    if (m_deps.enableBackground) {
-        m_tray =
-            std::make_unique<TrayMenu>([this]() -> const SettingsConfig & { return m_settings.config(); },
-                                       [this](const QString &title, const QString &text) { showWarning(title, text); });
-        connect(m_tray.get(), &TrayMenu::captureRequested, this, &AppController::startCapture);
-        connect(m_tray.get(), &TrayMenu::quitRequested, this, &AppController::quit);
-        if (!m_deps.notices)
-            m_notices.setReceiver(m_tray.get());
-    }
+    if (m_deps.enableBackground)
+        startTray();
     registerHotkeys();
     qInfo().noquote() << QStringLiteral("就绪，等待快捷键");
+}
+
+void AppController::setCommands()
+{
+    m_commands.set(Command::Capture, [this] { startCapture(); });
+    m_commands.set(Command::LongCapture, [this] { m_flow.startLongCapture(); });
+    m_commands.set(Command::Quit, [this] { quit(); });
+    if (m_deps.updater->isAvailable())
+        m_commands.set(Command::Updates, [this] { m_deps.updater->checkNow(); });
+}
+
+void AppController::startTray()
+{
+    const auto detector = m_deps.elementDetector;
+    m_tray = std::make_unique<TrayMenu>(TrayMenu::Services{
+        .settings = [this]() -> const SettingsConfig & { return m_settings.config(); },
+        .commands = m_commands,
+        .state = [this] { return TrayState{.hasUpdates = m_deps.updater->isAvailable()}; },
+        .guides = {.windows = [detector] { return detector->topLevelWindows(); },
+                   .applicationIcon = [detector](qint64 process,
+                                                 int size) { return detector->applicationIcon(process, size); }},
+    });
+    m_desktopNotices = std::make_unique<DesktopNotices>(DesktopNotices::Ways{
+        .notifier = m_deps.notifier,
+        .showBalloon =
+            [this](const QString &title, const QString &text, IUserNotices::Kind kind,
+                   std::chrono::milliseconds duration) { return m_tray->showBalloon(title, text, kind, duration); },
+        .showWarning = [this](const QString &title, const QString &text) { showWarning(title, text); },
+    });
+    if (!m_deps.notices)
+        m_notices.setReceiver(m_desktopNotices.get());
+}
+
+void AppController::request(Command command)
+{
+    if (m_commands.has(command)) {
+        m_commands.run(command);
+        return;
+    }
+    const auto &rows = HotkeyTable::rows();
+    const auto row =
+        std::find_if(rows.cbegin(), rows.cend(), [command](const auto &known) { return known.command == command; });
+    if (row == rows.cend()) {
+        showStatus();
+        return;
+    }
+    m_messages.show({.topic = QStringLiteral("command ") + commandWord(command),
+                     .title = HotkeyTable::label(*row),
+                     .text = QCoreApplication::translate("AppController", "此版本还没有这项功能。")});
 }
 
 void AppController::startCapture()
@@ -111,13 +158,30 @@ void AppController::startCapture()
 void AppController::registerHotkeys()
 {
     m_hotkeys.apply(m_settings.config());
-    const QString lines = m_hotkeys.errorLines();
-    if (!lines.isEmpty() && lines != m_reportedHotkeyErrors)
-        m_notices.show(QCoreApplication::translate("AppController", "Tavrel 快捷键注册失败"), lines,
+    const QStringList failed = failedHotkeys();
+    if (!failed.isEmpty() && failed != m_reportedHotkeys)
+        m_notices.show(QCoreApplication::translate("AppController", "Tavrel 快捷键注册失败"), m_hotkeys.errorLines(),
                        IUserNotices::Kind::Warning, 5000ms);
-    m_reportedHotkeyErrors = lines;
+    if (failed.isEmpty() && !m_reportedHotkeys.isEmpty())
+        qInfo().noquote() << QStringLiteral("快捷键已全部注册");
+    m_reportedHotkeys = failed;
+    if (!m_hotkeys.mayRecover())
+        m_hotkeyRetry.stop();
+    else if (!m_hotkeyRetry.isActive())
+        m_hotkeyRetry.start();
     if (m_tray)
         m_tray->refresh();
+}
+
+QStringList AppController::failedHotkeys() const
+{
+    QStringList failed;
+    for (const HotkeyTable::Row &row : HotkeyTable::rows()) {
+        const QString name = QString::fromLatin1(row.name);
+        if (m_hotkeys.errors().contains(name))
+            failed.append(name + u' ' + (m_settings.config().*row.binding).combo.toJsonText());
+    }
+    return failed;
 }
 
 void AppController::applySettings()
@@ -207,8 +271,7 @@ void AppController::quit()
 
 void AppController::retranslateUi()
 {
-    if (m_tray)
-        m_tray->refresh();
+    registerHotkeys(); // the words of a conflict are in the language of the moment
 }
 
 void AppController::activate(QWindow *window)

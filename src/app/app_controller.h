@@ -2,6 +2,8 @@
 
 #include "account/account_service.h"
 #include "app/capture_flow.h"
+#include "app/commands.h"
+#include "app/desktop_notices.h"
 #include "app/history_keeper.h"
 #include "app/hotkey_table.h"
 #include "app/message_board.h"
@@ -23,6 +25,8 @@
 #include "ui/dialogs.h"
 
 #include <QObject>
+#include <QStringList>
+#include <QTimer>
 #include <QUrl>
 
 #include <functional>
@@ -74,7 +78,8 @@ public:
             QString stepsDir;
         } steps;
 
-        std::shared_ptr<IUserNotices> notices; ///< replaces the tray's messages
+        std::shared_ptr<platform::INotifier> notifier; ///< the desktop's messages; may stay empty
+        std::shared_ptr<IUserNotices> notices;         ///< replaces all messages
         std::shared_ptr<IHistoryKeeper> history;
         std::shared_ptr<IClipboard> clipboard;
         std::function<QPoint()> cursorPosition;
@@ -87,6 +92,8 @@ public:
     void start();
 
     void startCapture();
+    /// Carries out a command that came from outside, or tells that this version does not have it.
+    void request(Command command);
     /// Recordings cannot be opened by this version: says so.
     void openRecording(const QString &path);
     /// Tells that the program runs and how to use it, since it has no window of its own. Failed hotkeys are tried
@@ -108,7 +115,11 @@ Q_SIGNALS:
 private:
     void applySettings();
     void storePalette();
+    void setCommands();
+    void startTray();
     void registerHotkeys();
+    /// The rows that failed, each with its combination: what the user has been told about.
+    [[nodiscard]] QStringList failedHotkeys() const;
     void onAccessRefused();
     void updateCanShutdown();
     /// A warning that has no notification area to appear in.
@@ -123,10 +134,13 @@ private:
     ui::ElementProbe m_probe;
     CaptureFlow m_flow;
     ResultActions m_results;
+    Commands m_commands;
     HotkeyTable m_hotkeys;
     MessageBoard m_messages;
     std::unique_ptr<TrayMenu> m_tray;
-    QString m_reportedHotkeyErrors;
+    std::unique_ptr<DesktopNotices> m_desktopNotices;
+    QStringList m_reportedHotkeys;
+    QTimer m_hotkeyRetry;
     int m_activations = 0;
 };
 

@@ -16,17 +16,11 @@ QString text(const char *source)
 
 HandOver StartRequest::handOver() const
 {
-    return {.files = files, .history = history, .capture = capture, .settings = settings, .cwd = QDir::currentPath()};
+    return {.files = files, .commands = commands, .cwd = QDir::currentPath()};
 }
 
 StartRequest readCommandLine(const QStringList &arguments)
 {
-    const QCommandLineOption capture(QStringLiteral("capture"),
-                                     text(QT_TRANSLATE_NOOP("main", "启动后立即发起一次截图。")));
-    const QCommandLineOption settings(QStringLiteral("settings"),
-                                      text(QT_TRANSLATE_NOOP("main", "启动后直接打开设置窗口。")));
-    const QCommandLineOption history(QStringLiteral("history"),
-                                     text(QT_TRANSLATE_NOOP("main", "启动后直接打开截图历史页。")));
     const QCommandLineOption lang(
         QStringLiteral("lang"),
         text(QT_TRANSLATE_NOOP("main",
@@ -46,15 +40,14 @@ StartRequest readCommandLine(const QStringList &arguments)
     parser.setApplicationDescription(text(QT_TRANSLATE_NOOP("main", "Tavrel 截图 / 标注 / 贴图工具")));
     parser.addHelpOption();
     parser.addVersionOption();
-    parser.addOptions({capture, settings, history, lang, fakeCapture, quitAfter, languageProbe});
+    for (const CommandWord &command : commandWords())
+        parser.addOption({QString::fromLatin1(command.word), text(command.help)});
+    parser.addOptions({lang, fakeCapture, quitAfter, languageProbe});
     parser.addPositionalArgument(QStringLiteral("file"), text(QT_TRANSLATE_NOOP("main", "要打开的 .tavrel 录制文件。")),
                                  QStringLiteral("[file]"));
     parser.process(arguments);
 
     StartRequest request;
-    request.capture = parser.isSet(capture);
-    request.settings = parser.isSet(settings);
-    request.history = parser.isSet(history);
     request.fakeCapture = parser.isSet(fakeCapture);
     request.languageProbe = parser.isSet(languageProbe);
     request.lang = parser.value(lang);
@@ -65,10 +58,12 @@ StartRequest readCommandLine(const QStringList &arguments)
         request.quitAfterMs = quitAfterMs;
 
     request.enforceSingleInstance = !qEnvironmentVariableIsSet("TAVREL_ALLOW_MULTI");
-    static const QStringList plain{QStringLiteral("settings"), QStringLiteral("history"), QStringLiteral("capture"),
-                                   QStringLiteral("lang")};
-    for (const QString &name : parser.optionNames())
-        request.enforceSingleInstance = request.enforceSingleInstance && plain.contains(name);
+    for (const QString &name : parser.optionNames()) {
+        const auto command = commandOfWord(name);
+        if (command && !request.commands.contains(*command))
+            request.commands.append(*command);
+        request.enforceSingleInstance = request.enforceSingleInstance && (command || lang.names().contains(name));
+    }
     return request;
 }
 

@@ -12,9 +12,7 @@ namespace tavrel {
 /// What the command line asks of this start.
 struct StartRequest
 {
-    bool capture = false;
-    bool settings = false;
-    bool history = false;
+    QList<Command> commands; ///< each once
     bool fakeCapture = false;
     bool languageProbe = false;
     QString lang; ///< for this run only; empty follows the settings

@@ -3,6 +3,7 @@
 #include "platform/linux/quit_signals.h"
 #include "platform/linux/x11_global_hotkey.h"
 #include "platform/linux/x11_services.h"
+#include "platform/linux/xdg_notifier.h"
 #include "platform/unsupported/unsupported_services.h"
 
 #include <QCursor>
@@ -49,6 +50,8 @@ AppController::Deps withDefaultServices(AppController::Deps deps)
         deps.permissions = Unsupported::permissions();
     if (!deps.updater)
         deps.updater = Unsupported::updater();
+    if (!deps.notifier)
+        deps.notifier = std::make_shared<platform::XdgNotifier>();
     if (!deps.history)
         deps.history = std::make_shared<NoHistory>();
     return deps;

@@ -10,14 +10,19 @@ namespace tavrel {
 const QList<HotkeyTable::Row> &HotkeyTable::rows()
 {
     static const QList<Row> table{
-        {Capture, "capture", QT_TRANSLATE_NOOP("AppController", "截图"), &SettingsConfig::captureHotkey},
-        {Long, "long", QT_TRANSLATE_NOOP("AppController", "长截图"), &SettingsConfig::longCaptureHotkey},
-        {Record, "record", QT_TRANSLATE_NOOP("AppController", "录屏"), &SettingsConfig::recordHotkey},
-        {Steps, "steps", QT_TRANSLATE_NOOP("AppController", "录制指南"), &SettingsConfig::stepRecordHotkey},
-        {PinClipboard, "pin", QT_TRANSLATE_NOOP("AppController", "贴图剪贴板"), &SettingsConfig::pinClipboardHotkey},
-        {History, "history", QT_TRANSLATE_NOOP("AppController", "截图历史"), &SettingsConfig::historyHotkey},
-        {Edit, "edit", QT_TRANSLATE_NOOP("AppController", "图片编辑"), &SettingsConfig::editHotkey},
-        {Ocr, "ocr", QT_TRANSLATE_NOOP("AppController", "文字识别"), &SettingsConfig::ocrHotkey},
+        {Capture, Command::Capture, "capture", QT_TRANSLATE_NOOP("AppController", "截图"),
+         &SettingsConfig::captureHotkey},
+        {Long, Command::LongCapture, "long", QT_TRANSLATE_NOOP("AppController", "长截图"),
+         &SettingsConfig::longCaptureHotkey},
+        {Record, Command::Record, "record", QT_TRANSLATE_NOOP("AppController", "录屏"), &SettingsConfig::recordHotkey},
+        {Steps, Command::Guide, "steps", QT_TRANSLATE_NOOP("AppController", "录制指南"),
+         &SettingsConfig::stepRecordHotkey},
+        {PinClipboard, Command::PinClipboard, "pin", QT_TRANSLATE_NOOP("AppController", "贴图剪贴板"),
+         &SettingsConfig::pinClipboardHotkey},
+        {History, Command::History, "history", QT_TRANSLATE_NOOP("AppController", "截图历史"),
+         &SettingsConfig::historyHotkey},
+        {Edit, Command::Edit, "edit", QT_TRANSLATE_NOOP("AppController", "图片编辑"), &SettingsConfig::editHotkey},
+        {Ocr, Command::Ocr, "ocr", QT_TRANSLATE_NOOP("AppController", "文字识别"), &SettingsConfig::ocrHotkey},
     };
     return table;
 }
@@ -27,17 +32,16 @@ QString HotkeyTable::label(const Row &row)
     return QCoreApplication::translate("AppController", row.sourceText);
 }
 
-void HotkeyTable::setOperation(Id id, const std::function<void()> &operation)
-{
-    m_operations.insert(id, operation);
-}
-
 void HotkeyTable::apply(const SettingsConfig &config)
 {
     QList<std::pair<int, HotkeyBinding>> wanted;
     for (const Row &row : rows()) {
-        if (m_operations.contains(row.id))
+        if (m_commands.has(row.command))
             wanted.append({row.id, config.*row.binding});
+    }
+    if (m_recording) {
+        wanted.append({RecordStop, config.recordStopHotkey});
+        wanted.append({Record, config.recordHotkey});
     }
     const bool anew = !m_everApplied || wanted != m_applied;
     m_everApplied = true;
@@ -46,11 +50,33 @@ void HotkeyTable::apply(const SettingsConfig &config)
     if (anew) {
         m_hotkeys.unregisterAll();
         m_errors.clear();
+        m_refused.clear();
     }
     for (const Row &row : rows()) {
         if (anew || m_errors.contains(QString::fromLatin1(row.name)))
             tryRow(row, config);
     }
+    if (anew && m_recording)
+        registerStop(config);
+}
+
+void HotkeyTable::setRecording(bool recording, const SettingsConfig &config)
+{
+    m_recording = recording;
+    registerStop(config);
+}
+
+void HotkeyTable::registerStop(const SettingsConfig &config)
+{
+    m_hotkeys.unregisterHotkey(RecordStop);
+    const HotkeyBinding &stop = config.recordStopHotkey;
+    // Where both are the same key, the one that begins a recording ends it as well.
+    const bool isRecordKey = config.recordHotkey.enabled && config.recordHotkey.combo == stop.combo;
+    if (!m_recording || !stop.isActive() || isRecordKey)
+        return;
+    QString error;
+    if (!m_hotkeys.registerHotkey(RecordStop, stop.combo, &error))
+        qWarning().noquote() << QStringLiteral("注册停止录屏热键失败：%1 %2").arg(stop.combo.toDisplayText(), error);
 }
 
 void HotkeyTable::tryRow(const Row &row, const SettingsConfig &config)
@@ -65,27 +91,34 @@ void HotkeyTable::tryRow(const Row &row, const SettingsConfig &config)
 QString HotkeyTable::registerRow(const Row &row, const SettingsConfig &config)
 {
     const HotkeyBinding &binding = config.*row.binding;
-    if (!binding.isActive() || !m_operations.contains(row.id))
+    const bool wasRefused = m_refused.remove(row.id);
+    if (!binding.isActive() || !m_commands.has(row.command))
         return {};
     for (const Row &earlier : rows()) {
         if (earlier.id == row.id)
             break;
         const HotkeyBinding &other = config.*earlier.binding;
-        if (other.isActive() && other.combo == binding.combo && m_operations.contains(earlier.id))
+        if (other.isActive() && other.combo == binding.combo && m_commands.has(earlier.command))
             return QCoreApplication::translate("AppController", "与「%1」冲突").arg(label(earlier));
     }
     QString error;
     if (m_hotkeys.registerHotkey(row.id, binding.combo, &error))
         return {};
-    qWarning().noquote() << QStringLiteral("注册热键失败：%1 %2 %3")
-                                .arg(QString::fromLatin1(row.name), binding.combo.toDisplayText(), error);
+    m_refused.insert(row.id);
+    if (!wasRefused)
+        qWarning().noquote() << QStringLiteral("注册热键失败：%1 %2 %3")
+                                    .arg(QString::fromLatin1(row.name), binding.combo.toDisplayText(), error);
     return error;
 }
 
 void HotkeyTable::dispatch(int id) const
 {
-    if (const auto operation = m_operations.value(id))
-        operation();
+    if (id == RecordStop && m_recording)
+        m_commands.run(Command::StopRecording);
+    for (const Row &row : rows()) {
+        if (row.id == id)
+            m_commands.run(row.command);
+    }
 }
 
 QString HotkeyTable::errorLines() const

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "app/commands.h"
 #include "settings/settings_config.h"
 
 #include <QList>
 #include <QMap>
+#include <QSet>
 #include <QString>
-
-#include <functional>
 
 namespace tavrel {
 
@@ -33,37 +33,45 @@ public:
     struct Row
     {
         Id id;
+        Command command;
         const char *name;       ///< stable word, key of errors()
         const char *sourceText; ///< label in the source language, context AppController
         HotkeyBinding SettingsConfig::*binding;
     };
 
-    explicit HotkeyTable(platform::IGlobalHotkey &hotkeys) : m_hotkeys(hotkeys) {}
+    /// A row whose command has no operation is not registered, so that its key stays with other programs.
+    HotkeyTable(platform::IGlobalHotkey &hotkeys, const Commands &commands) : m_hotkeys(hotkeys), m_commands(commands)
+    {}
 
     /// All rows in registration order: of two equal combinations the earlier row wins.
     [[nodiscard]] static const QList<Row> &rows();
     [[nodiscard]] static QString label(const Row &row);
 
-    /// Gives a row its operation. A row without one is not registered, so that its key stays with other programs.
-    void setOperation(Id id, const std::function<void()> &operation);
     /// Registers everything anew, or only tries the failed rows again when no combination has changed since the last
     /// call: another program may have given its key back.
     void apply(const SettingsConfig &config);
-    /// Runs the operation behind an id; an unknown id does nothing.
+    /// The hotkey that ends a recording is there only while one runs.
+    void setRecording(bool recording, const SettingsConfig &config);
+    /// Runs the command behind an id; an unknown id does nothing.
     void dispatch(int id) const;
 
     /// Error text of each row that could not be registered, by row name.
     [[nodiscard]] const QMap<QString, QString> &errors() const { return m_errors; }
     /// "label：error" for each error, in table order.
     [[nodiscard]] QString errorLines() const;
+    /// Whether a row has failed that may succeed once another program gives its key back.
+    [[nodiscard]] bool mayRecover() const { return !m_refused.isEmpty(); }
 
 private:
     void tryRow(const Row &row, const SettingsConfig &config);
     [[nodiscard]] QString registerRow(const Row &row, const SettingsConfig &config);
+    void registerStop(const SettingsConfig &config);
 
     platform::IGlobalHotkey &m_hotkeys;
-    QMap<int, std::function<void()>> m_operations;
+    const Commands &m_commands;
     QMap<QString, QString> m_errors;
+    QSet<Id> m_refused; ///< by the system, not by an earlier row
+    bool m_recording = false;
     QList<std::pair<int, HotkeyBinding>> m_applied;
     bool m_everApplied = false;
 };

@@ -48,10 +48,10 @@ void carryOut(AppController &controller, const HandOver &request)
     const QStringList recordings = request.recordings();
     for (const QString &path : recordings)
         controller.openRecording(path);
-    if (request.capture)
-        controller.startCapture();
-    if (recordings.isEmpty() && !request.capture)
-        controller.showStatus();
+    for (const Command command : request.commands)
+        controller.request(command);
+    if (recordings.isEmpty() && request.commands.isEmpty())
+        controller.request(Command::Settings);
 }
 
 } // namespace
@@ -82,6 +82,8 @@ int main(int argc, char *argv[])
             break;
         }
     }
+    if (request.commands.contains(Command::Quit))
+        return 0; // nobody to be quit
 
     SettingsStore settings((QString()));
     language.apply(request.lang.isEmpty() ? settings.config().language : request.lang);
@@ -107,10 +109,8 @@ int main(int argc, char *argv[])
 
     for (const QString &path : request.handOver().recordings())
         QTimer::singleShot(0, controller.get(), [&controller, path] { controller->openRecording(path); });
-    if (request.settings || request.history)
-        QTimer::singleShot(0, controller.get(), &AppController::showStatus);
-    if (request.capture)
-        QTimer::singleShot(0, controller.get(), &AppController::startCapture);
+    for (const Command command : request.commands)
+        QTimer::singleShot(0, controller.get(), [&controller, command] { controller->request(command); });
     if (request.quitAfterMs)
         QTimer::singleShot(*request.quitAfterMs, &app, &QCoreApplication::quit);
 

@@ -14,10 +14,17 @@
 #include <QThread>
 #include <QTimer>
 
+#include <algorithm>
+#include <array>
+
 namespace tavrel {
 namespace {
 
 constexpr QLatin1String kName("org.corvane.tavrel.single");
+constexpr QLatin1String kCommands("commands");
+
+/// Each of these is a key of its own in the request; the words of the others stand in one list.
+constexpr std::array kFlags{Command::History, Command::Capture, Command::Settings};
 
 /// Folder and name of lock and socket: nobody else may plant a file under them.
 QString basePath(const QString &folder)
@@ -37,11 +44,15 @@ QString basePath(const QString &folder)
 
 QByteArray HandOver::toLine() const
 {
-    const QJsonObject object{{QStringLiteral("files"), QJsonArray::fromStringList(files)},
-                             {QStringLiteral("history"), history},
-                             {QStringLiteral("capture"), capture},
-                             {QStringLiteral("settings"), settings},
-                             {QStringLiteral("cwd"), cwd}};
+    QJsonObject object{{QStringLiteral("files"), QJsonArray::fromStringList(files)}, {QStringLiteral("cwd"), cwd}};
+    QStringList others;
+    for (const Command command : commands) {
+        if (std::ranges::find(kFlags, command) == kFlags.end())
+            others.append(commandWord(command));
+    }
+    for (const Command flag : kFlags)
+        object.insert(commandWord(flag), commands.contains(flag));
+    object.insert(kCommands, QJsonArray::fromStringList(others));
     return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
 }
 
@@ -53,9 +64,18 @@ HandOver HandOver::fromLine(const QByteArray &line)
         if (file.isString())
             request.files.append(file.toString());
     }
-    request.history = readBool(object, QStringLiteral("history"), false);
-    request.capture = readBool(object, QStringLiteral("capture"), false);
-    request.settings = readBool(object, QStringLiteral("settings"), false);
+    const auto add = [&request](Command command) {
+        if (!request.commands.contains(command))
+            request.commands.append(command);
+    };
+    for (const Command flag : kFlags) {
+        if (readBool(object, commandWord(flag), false))
+            add(flag);
+    }
+    for (const QJsonValue &word : object.value(kCommands).toArray()) {
+        if (const auto command = commandOfWord(word.toString()))
+            add(*command);
+    }
     request.cwd = readString(object, QStringLiteral("cwd"));
     return request;
 }

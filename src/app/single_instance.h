@@ -1,6 +1,9 @@
 #pragma once
 
+#include "app/commands.h"
+
 #include <QByteArray>
+#include <QList>
 #include <QLocalServer>
 #include <QLockFile>
 #include <QObject>
@@ -18,11 +21,9 @@ namespace tavrel {
 /// What a second start asks of the running instance: one line of JSON over a local socket.
 struct HandOver
 {
-    QStringList files = {}; ///< positional arguments, unfiltered
-    bool history = false;
-    bool capture = false;
-    bool settings = false;
-    QString cwd = {}; ///< working directory of the sender
+    QStringList files = {};       ///< positional arguments, unfiltered
+    QList<Command> commands = {}; ///< those with a word, in the order of the request, each once
+    QString cwd = {};             ///< working directory of the sender
 
     friend bool operator==(const HandOver &, const HandOver &) = default;
 

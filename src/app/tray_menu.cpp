@@ -6,31 +6,86 @@
 
 #include <QAction>
 #include <QCoreApplication>
-#include <QLoggingCategory>
 #include <QMenu>
+
+#include <array>
 
 namespace tavrel {
 namespace {
 
 constexpr int kGlyphSize = 18;
+constexpr QColor kGlyphOnDark(236, 236, 236);
+constexpr QColor kGlyphOnLight(43, 43, 43);
 
-QKeySequence shownShortcut(const HotkeyBinding &binding)
+struct Entry
 {
-    return binding.isActive() ? binding.combo.toKeySequence() : QKeySequence();
+    Command command;
+    const char *sourceText;
+    const char *glyph;
+    HotkeyBinding SettingsConfig::*hotkey = nullptr;
+    bool startsGroup = false;
+};
+
+constexpr std::array kEntries{
+    Entry{Command::Capture, QT_TRANSLATE_NOOP("AppController", "截图"), "capture", &SettingsConfig::captureHotkey},
+    Entry{Command::LongCapture, QT_TRANSLATE_NOOP("AppController", "长截图"), "long",
+          &SettingsConfig::longCaptureHotkey},
+    Entry{Command::Ocr, QT_TRANSLATE_NOOP("AppController", "文字识别"), "ocr", &SettingsConfig::ocrHotkey},
+    Entry{Command::Record, QT_TRANSLATE_NOOP("AppController", "录屏"), "record", &SettingsConfig::recordHotkey},
+    Entry{Command::Guide, QT_TRANSLATE_NOOP("AppController", "录制指南"), "ed_steps",
+          &SettingsConfig::stepRecordHotkey},
+    Entry{Command::PinClipboard, QT_TRANSLATE_NOOP("AppController", "贴图剪贴板"), "ed_pin",
+          &SettingsConfig::pinClipboardHotkey, true},
+    Entry{Command::ClosePins, QT_TRANSLATE_NOOP("AppController", "关闭所有贴图"), "ed_close"},
+    Entry{Command::ClearClickThrough, QT_TRANSLATE_NOOP("AppController", "取消贴图点击穿透"), "ed_pick"},
+    Entry{Command::History, QT_TRANSLATE_NOOP("AppController", "截图历史…"), "ed_history",
+          &SettingsConfig::historyHotkey, true},
+    Entry{Command::Edit, QT_TRANSLATE_NOOP("AppController", "图片编辑…"), "ed_edit", &SettingsConfig::editHotkey},
+    Entry{Command::OpenRecording, QT_TRANSLATE_NOOP("AppController", "打开录像…"), "ed_video"},
+    Entry{Command::Settings, QT_TRANSLATE_NOOP("AppController", "设置…"), "gear", nullptr, true},
+    Entry{Command::Account, QT_TRANSLATE_NOOP("AppController", "账号…"), "ed_check"},
+    Entry{Command::Welcome, QT_TRANSLATE_NOOP("AppController", "使用指南…"), "ed_link"},
+    Entry{Command::Feedback, QT_TRANSLATE_NOOP("AppController", "发送反馈…"), "ed_link"},
+    Entry{Command::Updates, QT_TRANSLATE_NOOP("AppController", "检查更新…"), "ed_reset"},
+    Entry{Command::Quit, QT_TRANSLATE_NOOP("AppController", "退出 Tavrel"), "", nullptr, true},
+};
+
+QString text(const char *source)
+{
+    return QCoreApplication::translate("AppController", source);
+}
+
+QString textOf(const Entry &entry, const TrayState &state)
+{
+    if (entry.command == Command::Record && state.isRecording)
+        return text(QT_TRANSLATE_NOOP("AppController", "停止录屏"));
+    if (entry.command == Command::Guide && state.isRecordingGuide)
+        return text(QT_TRANSLATE_NOOP("AppController", "停止录制指南（%1 步）")).arg(state.guideSteps);
+    return text(entry.sourceText);
+}
+
+/// A menu that is drawn by the program itself looks like its other menus; where the desktop draws it, this is unused.
+QString menuStyle(const ui::Theme &theme)
+{
+    return QStringLiteral("QMenu { background: %1; border: 1px solid %2; padding: 6px 0px; icon-size: 18px; }"
+                          "QMenu::item { color: %3; padding: 6px 22px 6px 12px; background: transparent; }"
+                          "QMenu::item:selected { background: %4; }"
+                          "QMenu::item:disabled { color: %5; background: transparent; }"
+                          "QMenu::icon { padding-left: 12px; }"
+                          "QMenu::separator { height: 1px; background: %6; margin: 5px 12px; }")
+        .arg(ui::css(theme.cardSurface()), ui::css(theme.cardBorder()), ui::css(theme.primaryText()),
+             ui::css(theme.hoverFill()), ui::css(theme.studioDisabledText()), ui::css(theme.separator()));
 }
 
 } // namespace
 
-TrayMenu::TrayMenu(std::function<const SettingsConfig &()> settings, ShowWarning showWarning, QObject *parent)
+TrayMenu::TrayMenu(Services services, QObject *parent)
     : QObject(parent),
-      m_settings(std::move(settings)),
-      m_showWarning(std::move(showWarning)),
+      m_services(std::move(services)),
       m_menu(std::make_unique<QMenu>())
 {
-    m_capture = m_menu->addAction(QString(), this, &TrayMenu::captureRequested);
-    m_capture->setShortcutVisibleInContextMenu(true);
-    m_menu->addSeparator();
-    m_quit = m_menu->addAction(QString(), this, &TrayMenu::quitRequested);
+    m_menu->setToolTipsVisible(true);
+    addEntries();
     connect(m_menu.get(), &QMenu::aboutToShow, this, &TrayMenu::refresh);
 
     m_icon.setIcon(ui::appIcon());
@@ -42,29 +97,63 @@ TrayMenu::TrayMenu(std::function<const SettingsConfig &()> settings, ShowWarning
 
 TrayMenu::~TrayMenu() = default;
 
-void TrayMenu::refresh()
+void TrayMenu::addEntries()
 {
-    const QColor color = ui::themeFor(QStringLiteral("system")).dark ? QColor(236, 236, 236) : QColor(43, 43, 43);
-    m_capture->setText(QCoreApplication::translate("AppController", "截图"));
-    m_capture->setIcon(ui::glyphIcon(QStringLiteral("capture"), color, kGlyphSize));
-    m_capture->setShortcut(shownShortcut(m_settings().captureHotkey));
-    m_quit->setText(QCoreApplication::translate("AppController", "退出 Tavrel"));
+    m_guides = new GuideMenus(m_services.guides, m_menu.get());
+    for (const Entry &entry : kEntries) {
+        if (entry.startsGroup) {
+            if (entry.command == Command::Settings)
+                m_menu->addMenu(m_guides->recentMenu());
+            m_menu->addSeparator();
+        }
+        const Command command = entry.command;
+        QAction *action = m_menu->addAction(QString(), this, [this, command] { m_services.commands.run(command); });
+        action->setShortcutVisibleInContextMenu(true);
+        m_actions.insert(command, action);
+        if (command == Command::Guide)
+            m_menu->addMenu(m_guides->scopeMenu());
+    }
 }
 
-void TrayMenu::show(const QString &title, const QString &text, Kind kind, std::chrono::milliseconds duration)
+void TrayMenu::refresh()
 {
-    const auto line = QStringLiteral("%1：%2").arg(title, text);
-    if (kind == Kind::Warning)
-        qWarning().noquote() << line;
-    else
-        qInfo().noquote() << line;
-    if (!QSystemTrayIcon::isSystemTrayAvailable()) {
-        if (kind == Kind::Warning)
-            m_showWarning(title, text);
-        return;
+    const ui::Theme theme = ui::themeFor(QStringLiteral("system"));
+    const QColor color = theme.dark ? kGlyphOnDark : kGlyphOnLight;
+    const SettingsConfig &settings = m_services.settings();
+    const TrayState state = m_services.state ? m_services.state() : TrayState();
+    m_menu->setStyleSheet(menuStyle(theme));
+    for (const Entry &entry : kEntries) {
+        QAction *action = m_actions.value(entry.command);
+        action->setText(textOf(entry, state));
+        if (*entry.glyph != '\0')
+            action->setIcon(ui::glyphIcon(QString::fromLatin1(entry.glyph), color, kGlyphSize));
+        if (entry.hotkey) {
+            const HotkeyBinding &binding = settings.*entry.hotkey;
+            action->setShortcut(binding.isActive() ? binding.combo.toKeySequence() : QKeySequence());
+        }
+        if (m_services.commands.has(entry.command)) {
+            action->setEnabled(true);
+            action->setToolTip(QString());
+        } else {
+            markAsUnavailable(action);
+        }
     }
-    m_icon.showMessage(title, text, kind == Kind::Warning ? QSystemTrayIcon::Warning : QSystemTrayIcon::Information,
+    m_actions.value(Command::Updates)->setVisible(state.hasUpdates);
+    m_guides->scopeMenu()->setTitle(text(QT_TRANSLATE_NOOP("AppController", "指南录制范围")));
+    m_guides->scopeMenu()->menuAction()->setVisible(!state.isRecordingGuide);
+    m_guides->recentMenu()->setTitle(text(QT_TRANSLATE_NOOP("AppController", "最近的指南")));
+    m_guides->recentMenu()->setIcon(ui::glyphIcon(QStringLiteral("ed_folder"), color, kGlyphSize));
+}
+
+bool TrayMenu::showBalloon(const QString &title, const QString &text, IUserNotices::Kind kind,
+                           std::chrono::milliseconds duration)
+{
+    if (!QSystemTrayIcon::isSystemTrayAvailable())
+        return false;
+    m_icon.showMessage(title, text,
+                       kind == IUserNotices::Kind::Warning ? QSystemTrayIcon::Warning : QSystemTrayIcon::Information,
                        static_cast<int>(duration.count()));
+    return true;
 }
 
 } // namespace tavrel

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "app/commands.h"
+#include "app/guide_menus.h"
 #include "app/user_notices.h"
 
-#include <QKeySequence>
 #include <QObject>
-#include <QPointer>
 #include <QSystemTrayIcon>
 
 #include <functional>
@@ -15,39 +15,55 @@ class QMenu;
 
 namespace tavrel {
 
+struct HotkeyBinding;
 struct SettingsConfig;
 
-/// The icon in the notification area with its menu, and the messages that appear beside it.
+/// What the tray shows of the state of the program.
+struct TrayState
+{
+    bool isRecording = false;
+    bool isRecordingGuide = false;
+    int guideSteps = 0;
+    bool hasUpdates = false; ///< whether there is a way to look for newer versions
+};
+
+/// The icon in the notification area with its menu; only the menu acts.
 ///
-/// Texts, shortcuts and glyph colours are set again whenever the menu opens, so that language, theme and hotkeys
-/// need no further signals. Without a notification area messages go to the log, and warnings to somebody else.
-class TrayMenu final : public QObject, public IUserNotices
+/// Texts, icons and shortcuts are set again whenever the menu opens, so that language, theme, hotkeys and running
+/// recordings need no further signals. An entry whose command has no operation stands disabled and tells why.
+class TrayMenu final : public QObject
 {
     Q_OBJECT
 
 public:
-    using ShowWarning = std::function<void(const QString &title, const QString &text)>;
+    struct Services
+    {
+        std::function<const SettingsConfig &()> settings;
+        const Commands &commands;
+        std::function<TrayState()> state = {}; ///< empty: nothing runs
+        GuideMenus::Services guides = {};
+    };
 
-    /// showWarning  shows a warning where there is no notification area
-    TrayMenu(std::function<const SettingsConfig &()> settings, ShowWarning showWarning, QObject *parent = nullptr);
+    explicit TrayMenu(Services services, QObject *parent = nullptr);
     ~TrayMenu() override;
 
     void refresh();
-    void show(const QString &title, const QString &text, Kind kind, std::chrono::milliseconds duration) override;
+    /// A message beside the icon. False when there is no notification area.
+    bool showBalloon(const QString &title, const QString &text, IUserNotices::Kind kind,
+                     std::chrono::milliseconds duration);
 
     [[nodiscard]] QMenu *menu() const { return m_menu.get(); }
-
-Q_SIGNALS:
-    void captureRequested();
-    void quitRequested();
+    /// The entry of a command; null when the menu has none.
+    [[nodiscard]] QAction *action(Command command) const { return m_actions.value(command); }
 
 private:
-    std::function<const SettingsConfig &()> m_settings;
-    ShowWarning m_showWarning;
+    void addEntries();
+
+    Services m_services;
     std::unique_ptr<QMenu> m_menu;
     QSystemTrayIcon m_icon;
-    QAction *m_capture = nullptr;
-    QAction *m_quit = nullptr;
+    QMap<Command, QAction *> m_actions;
+    GuideMenus *m_guides = nullptr; ///< owned by the menu
 };
 
 } // namespace tavrel

@@ -14,9 +14,17 @@ QString unsupportedKey()
     return QCoreApplication::translate("QObject", "不支持的按键");
 }
 
-QString takenElsewhere()
+QString takenElsewhere(const QStringList &suspects)
 {
-    return QCoreApplication::translate("QObject", "该组合键已被其他程序占用");
+    if (suspects.isEmpty())
+        return QCoreApplication::translate("QObject", "该组合键已被其他程序占用");
+    return QCoreApplication::translate("QObject", "该组合键已被其他程序占用（可能是 %1）")
+        .arg(suspects.join(QCoreApplication::translate("QObject", "、")));
+}
+
+QString windowManager(const QString &name)
+{
+    return QCoreApplication::translate("QObject", "窗口管理器 %1").arg(name);
 }
 
 QString listenerFailed(int code)

@@ -21,7 +21,7 @@ private Q_SLOTS:
             QTest::newRow(name) << QString::fromLatin1(arguments) << allowMulti << enforced;
         };
         row("bare", "", false, true);
-        row("all plain options", "--capture --settings --history --lang en", false, true);
+        row("all plain options", "--capture --settings --history --long --quit --lang en", false, true);
         row("a file", "a.png", false, true);
         row("fake capture", "--capture --fake-capture", false, false);
         row("timed end", "--quit-after-ms 5", false, false);
@@ -42,11 +42,12 @@ private Q_SLOTS:
 
     void theRequestCarriesWhatALaterStartHandsOver()
     {
-        const StartRequest request = read(QStringLiteral("--history a.tavrel --lang=ja --quit-after-ms 250 ../b.png"));
+        const StartRequest request = read(
+            QStringLiteral("--history a.tavrel --long --capture --history --lang=ja --quit-after-ms 250 ../b.png"));
         QCOMPARE(request.lang, QStringLiteral("ja"));
         QCOMPARE(request.quitAfterMs, std::optional<int>(250));
         const HandOver expected{.files = {QStringLiteral("a.tavrel"), QStringLiteral("../b.png")},
-                                .history = true,
+                                .commands = {Command::History, Command::LongCapture, Command::Capture},
                                 .cwd = QDir::currentPath()};
         QCOMPARE(request.handOver(), expected);
         QVERIFY(!read(QStringLiteral("--quit-after-ms soon")).quitAfterMs);

@@ -42,8 +42,9 @@ private Q_SLOTS:
     void onlyRowsWithAnOperationTakeTheirKey()
     {
         RecordingHotkey hotkeys;
-        HotkeyTable table(hotkeys);
-        table.setOperation(HotkeyTable::Capture, [] {});
+        Commands commands;
+        HotkeyTable table(hotkeys, commands);
+        commands.set(Command::Capture, [] {});
         table.apply(SettingsConfig());
         QCOMPARE(hotkeys.bound.keys(), QList<int>{HotkeyTable::Capture});
         QVERIFY(table.errors().isEmpty());
@@ -52,9 +53,10 @@ private Q_SLOTS:
     void theEarlierOfTwoEqualCombinationsWins()
     {
         RecordingHotkey hotkeys;
-        HotkeyTable table(hotkeys);
-        table.setOperation(HotkeyTable::Capture, [] {});
-        table.setOperation(HotkeyTable::History, [] {});
+        Commands commands;
+        HotkeyTable table(hotkeys, commands);
+        commands.set(Command::Capture, [] {});
+        commands.set(Command::History, [] {});
         SettingsConfig config;
         config.historyHotkey = {true, kCtrl1};
         table.apply(config);
@@ -72,9 +74,10 @@ private Q_SLOTS:
     {
         RecordingHotkey hotkeys;
         hotkeys.taken = {kCtrl1};
-        HotkeyTable table(hotkeys);
-        table.setOperation(HotkeyTable::Capture, [] {});
-        table.setOperation(HotkeyTable::PinClipboard, [] {});
+        Commands commands;
+        HotkeyTable table(hotkeys, commands);
+        commands.set(Command::Capture, [] {});
+        commands.set(Command::PinClipboard, [] {});
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("注册热键失败：capture .* taken")));
         table.apply(SettingsConfig());
         QCOMPARE(table.errors(), (QMap<QString, QString>{{QStringLiteral("capture"), QStringLiteral("taken")}}));
@@ -84,8 +87,9 @@ private Q_SLOTS:
     void aChangeElsewhereInTheSettingsRegistersNothingAnew()
     {
         RecordingHotkey hotkeys;
-        HotkeyTable table(hotkeys);
-        table.setOperation(HotkeyTable::Capture, [] {});
+        Commands commands;
+        HotkeyTable table(hotkeys, commands);
+        commands.set(Command::Capture, [] {});
         SettingsConfig config;
         table.apply(config);
         config.showMagnifier = false;
@@ -101,26 +105,63 @@ private Q_SLOTS:
     {
         RecordingHotkey hotkeys;
         hotkeys.taken = {kCtrl1};
-        HotkeyTable table(hotkeys);
-        table.setOperation(HotkeyTable::Capture, [] {});
-        table.setOperation(HotkeyTable::PinClipboard, [] {});
-        for (int i = 0; i < 2; ++i) {
-            QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("注册热键失败：capture .* taken")));
-            table.apply(SettingsConfig());
-        }
+        Commands commands;
+        HotkeyTable table(hotkeys, commands);
+        commands.set(Command::Capture, [] {});
+        commands.set(Command::PinClipboard, [] {});
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("注册热键失败：capture .* taken")));
+        table.apply(SettingsConfig());
+        QTest::failOnWarning(QRegularExpression(QStringLiteral("."))); // said once
+        table.apply(SettingsConfig());
+        QVERIFY(table.mayRecover());
         hotkeys.taken.clear();
         table.apply(SettingsConfig());
         QVERIFY(table.errors().isEmpty());
+        QVERIFY(!table.mayRecover());
         QCOMPARE(hotkeys.bound.size(), 2);
         QCOMPARE(hotkeys.registrations, 4); // the capture row three times, the other once
+    }
+
+    void theStopKeyIsThereWhileARecordingRuns()
+    {
+        RecordingHotkey hotkeys;
+        Commands commands;
+        HotkeyTable table(hotkeys, commands);
+        int stops = 0;
+        int records = 0;
+        commands.set(Command::StopRecording, [&stops] { ++stops; });
+        commands.set(Command::Record, [&records] { ++records; });
+        SettingsConfig config;
+        config.recordHotkey = {true, kCtrl1};
+        config.recordStopHotkey = {true, kCtrl2};
+        config.captureHotkey.enabled = false;
+        table.apply(config);
+        table.dispatch(HotkeyTable::RecordStop);
+        QCOMPARE(stops, 0);
+        table.setRecording(true, config);
+        QCOMPARE(hotkeys.bound,
+                 (QMap<int, KeyCombo>{{HotkeyTable::Record, kCtrl1}, {HotkeyTable::RecordStop, kCtrl2}}));
+        table.dispatch(HotkeyTable::RecordStop);
+        QCOMPARE(stops, 1);
+
+        config.recordStopHotkey.combo = kCtrl1; // one key begins and ends it
+        table.apply(config);
+        QCOMPARE(hotkeys.bound.keys(), QList<int>{HotkeyTable::Record});
+        config.recordHotkey.enabled = false;
+        table.apply(config);
+        QCOMPARE(hotkeys.bound, (QMap<int, KeyCombo>{{HotkeyTable::RecordStop, kCtrl1}}));
+        table.setRecording(false, config);
+        QVERIFY(hotkeys.bound.isEmpty());
+        QCOMPARE(records, 0);
     }
 
     void aPressRunsItsOperationAndAnUnknownIdNothing()
     {
         RecordingHotkey hotkeys;
-        HotkeyTable table(hotkeys);
+        Commands commands;
+        HotkeyTable table(hotkeys, commands);
         int captures = 0;
-        table.setOperation(HotkeyTable::Capture, [&captures] { ++captures; });
+        commands.set(Command::Capture, [&captures] { ++captures; });
         table.dispatch(HotkeyTable::Capture);
         table.dispatch(HotkeyTable::Edit);
         table.dispatch(-1);

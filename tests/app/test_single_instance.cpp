@@ -62,7 +62,7 @@ private Q_SLOTS:
         QSignalSpy spy(&first, &SingleInstance::requested);
 
         const HandOver request{.files = {QStringLiteral("a.TAVREL"), QStringLiteral("b.png")},
-                               .capture = true,
+                               .commands = {Command::Capture, Command::Quit},
                                .cwd = QStringLiteral("/data")};
         auto claim = elsewhere([&] { return SingleInstance(folder.path()).claim(request, {.connectWait = 5000ms}); });
         QTRY_COMPARE(spy.count(), 1);
@@ -108,7 +108,8 @@ private Q_SLOTS:
         QTest::newRow("half a line") << QByteArray("{\"capture\":tr") << 0;
         QTest::newRow("a megabyte without an end") << QByteArray(1 << 20, 'x') << 0;
         QTest::newRow("garbage is an empty request") << QByteArray("\xff\xfe garbage\n") << 1;
-        QTest::newRow("wrong types are an empty request") << QByteArray("{\"capture\":3,\"files\":{}}\n") << 1;
+        QTest::newRow("wrong types are an empty request")
+            << QByteArray("{\"capture\":3,\"files\":{},\"commands\":[3,\"fly\"]}\n") << 1;
     }
 
     void whatIsNoWholeLineDoesNothing()
@@ -126,11 +127,11 @@ private Q_SLOTS:
         const auto sent = elsewhere([path, bytes] { return sendRaw(path, bytes); });
         QTRY_VERIFY(isReady(sent));
         // A good request behind it arrives: the bad one neither blocked nor ended the server.
-        auto good = elsewhere([path] { return sendRaw(path, HandOver{.history = true}.toLine()); });
+        auto good = elsewhere([path] { return sendRaw(path, HandOver{.commands = {Command::History}}.toLine()); });
         QTRY_COMPARE(spy.count(), requests + 1);
         if (requests == 1)
             QCOMPARE(spy.first().first().value<HandOver>(), HandOver());
-        QVERIFY(spy.last().first().value<HandOver>().history);
+        QCOMPARE(spy.last().first().value<HandOver>().commands, QList{Command::History});
         QVERIFY(good.get());
     }
 
@@ -178,11 +179,11 @@ private Q_SLOTS:
         slow.write("{\"settings\"");
         QTRY_COMPARE(slow.bytesToWrite(), 0);
         const QString path = instance.socketPath();
-        auto good = elsewhere([path] { return sendRaw(path, HandOver{.capture = true}.toLine()); });
+        auto good = elsewhere([path] { return sendRaw(path, HandOver{.commands = {Command::Capture}}.toLine()); });
         QTRY_COMPARE(spy.count(), 1);
         slow.write(":true}\n");
         QTRY_COMPARE(spy.count(), 2);
-        QVERIFY(spy.last().first().value<HandOver>().settings);
+        QCOMPARE(spy.last().first().value<HandOver>().commands, QList{Command::Settings});
         QVERIFY(good.get());
     }
 
@@ -234,7 +235,7 @@ private Q_SLOTS:
         instance.listen();
         QSignalSpy spy(&instance, &SingleInstance::requested);
         const QString path = instance.socketPath();
-        auto good = elsewhere([path] { return sendRaw(path, HandOver{.capture = true}.toLine()); });
+        auto good = elsewhere([path] { return sendRaw(path, HandOver{.commands = {Command::Capture}}.toLine()); });
         QTRY_COMPARE(spy.count(), 1);
         QVERIFY(good.get());
     }

@@ -11,7 +11,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const HandOver request =
         HandOver::fromLine(QByteArray(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size)));
     const HandOver again = HandOver::fromLine(request.toLine());
-    if (again.files != request.files || again.cwd != request.cwd || again.capture != request.capture)
+    if (again.files != request.files || again.cwd != request.cwd || again.commands != request.commands)
         std::abort(); // what was understood is passed on unchanged
     return 0;
 }

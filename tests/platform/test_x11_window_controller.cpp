@@ -243,7 +243,7 @@ private Q_SLOTS:
         }
         const QPoint center = m_probe->geometry(idOf(above)).center();
         m_controller->setClickThrough(above.windowHandle(), true);
-        syncQtConnection(); // the probe clicks over a connection of its own
+        syncQtConnection();                                    // the probe clicks over a connection of its own
         QTRY_COMPARE(m_probe->topMostAt(center), idOf(above)); // it is still on top
         m_probe->click(center);
         QTRY_COMPARE(below.clicks, 1);

@@ -5,6 +5,8 @@
 //       title=TEXT (underscores stand for spaces)  old-title=TEXT  type=DOCK|TOOLTIP|...  shadow=PIXELS
 //       bypass=1  iconic=1  icons=SIDE,SIDE,...  pid=NUMBER (0: no such property)  map=0
 //   close ID                      ok
+//   grab KEYCODE MODIFIERS        reserves a key on the root; ok or taken
+//   ungrab KEYCODE MODIFIERS      ok
 //   churn COUNT                   opens and closes that many windows as fast as it can; ok when done
 #include <xcb/xcb.h>
 #include <xcb/xcb_icccm.h>
@@ -142,6 +144,15 @@ xcb_window_t open(std::istringstream &words)
     }
 }
 
+bool grab(xcb_keycode_t key, std::uint16_t modifiers, bool take)
+{
+    const xcb_void_cookie_t sent =
+        take ? xcb_grab_key_checked(c, 0, screen->root, modifiers, key, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC)
+             : xcb_ungrab_key_checked(c, key, screen->root, modifiers);
+    const Reply<xcb_generic_error_t> error{xcb_request_check(c, sent)};
+    return !error;
+}
+
 void churn(int count)
 {
     for (int i = 0; i < count; ++i) {
@@ -174,6 +185,14 @@ int main()
             xcb_destroy_window(c, window);
             syncServer();
             std::cout << "ok" << std::endl;
+        } else if (verb == "grab" || verb == "ungrab") {
+            unsigned key = 0;
+            unsigned modifiers = 0;
+            words >> key >> modifiers;
+            std::cout << (grab(static_cast<xcb_keycode_t>(key), static_cast<std::uint16_t>(modifiers), verb == "grab")
+                              ? "ok"
+                              : "taken")
+                      << std::endl;
         } else if (verb == "churn") {
             int count = 0;
             words >> count;

@@ -33,7 +33,7 @@ Xvfb -displayfd 3 -screen 0 "${screen}x24" -nolisten tcp -noreset +extension Com
     3>"$scratch/display" >"$scratch/xvfb.log" 2>&1 &
 pids+=($!)
 read -r -t 30 number <"$scratch/display" || { cat "$scratch/xvfb.log" >&2; exit 1; }
-export DISPLAY=:$number
+export DISPLAY=:$number TAVREL_TEST_WM=$wm
 unset WAYLAND_DISPLAY XAUTHORITY
 
 # The window manager runs this command when it is about to wait for events. Its mark on the root comes earlier, and a

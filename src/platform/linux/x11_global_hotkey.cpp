@@ -38,7 +38,7 @@ bool X11GlobalHotkey::registerHotkey(int id, const KeyCombo &combo, QString *err
     case Answer::UnsupportedKey:
         return refuse(error, hotkey_texts::unsupportedKey());
     case Answer::Taken:
-        return refuse(error, hotkey_texts::takenElsewhere());
+        return refuse(error, hotkey_texts::takenElsewhere(suspects()));
     case Answer::NoServer:
         break;
     }
@@ -48,6 +48,15 @@ bool X11GlobalHotkey::registerHotkey(int id, const KeyCombo &combo, QString *err
         m_listener.reset();
     }
     return refuse(error, hotkey_texts::listenerFailed(code != 0 ? code : ETIMEDOUT));
+}
+
+QStringList X11GlobalHotkey::suspects() const
+{
+    QStringList names;
+    for (const GrabHolder &holder : m_listener->otherGrabHolders())
+        names.append(holder.isWindowManager ? hotkey_texts::windowManager(holder.name) : holder.name);
+    names.removeDuplicates();
+    return names;
 }
 
 void X11GlobalHotkey::unregisterHotkey(int id)

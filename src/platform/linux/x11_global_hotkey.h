@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QSet>
+#include <QStringList>
 
 #include <memory>
 
@@ -36,6 +37,8 @@ public:
 private:
     void ensureListener();
     void deliverFired();
+    /// The programs that may have a refused combination, in words.
+    [[nodiscard]] QStringList suspects() const;
 
     const QByteArray m_display;
     std::unique_ptr<X11HotkeyListener> m_listener;

@@ -94,6 +94,16 @@ X11HotkeyListener::Answer X11HotkeyListener::bind(int id, const KeyCombo &combo)
     return ask([this, id, combo] { return bindHere(id, combo); }, [this, id] { return unbindHere(id); });
 }
 
+QList<GrabHolder> X11HotkeyListener::otherGrabHolders()
+{
+    const auto holders = std::make_shared<QList<GrabHolder>>(); // outlives a caller that has given up
+    const Answer answer = ask([this, holders] {
+        *holders = passiveGrabHolders(*m_x);
+        return Answer::Done;
+    });
+    return answer == Answer::Done ? *holders : QList<GrabHolder>();
+}
+
 void X11HotkeyListener::unbind(int id)
 {
     ask([this, id] { return unbindHere(id); });

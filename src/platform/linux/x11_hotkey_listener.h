@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/hotkey_matcher.h"
+#include "platform/linux/x11_grab_holders.h"
 #include "platform/linux/x11_keymap.h"
 #include "settings/key_combo.h"
 
@@ -49,6 +50,8 @@ public:
     [[nodiscard]] Answer bind(int id, const KeyCombo &combo);
     void unbind(int id);
     void unbindAll();
+    /// Who may have a combination that was refused; empty when the server does not answer in time.
+    [[nodiscard]] QList<GrabHolder> otherGrabHolders();
     /// While suspended nothing is grabbed and nothing fires. Bindings can change meanwhile.
     void setSuspended(bool suspended);
 
