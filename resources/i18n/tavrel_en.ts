@@ -143,6 +143,82 @@
         <source>此版本还不能编辑图片</source>
         <translation>This version cannot edit pictures yet</translation>
     </message>
+    <message>
+        <source>此版本还没有这项功能。</source>
+        <translation>This version does not have this yet.</translation>
+    </message>
+    <message>
+        <source>整个屏幕</source>
+        <translation>Entire screen</translation>
+    </message>
+    <message>
+        <source>选择区域…</source>
+        <translation>Choose a region…</translation>
+    </message>
+    <message>
+        <source>只记录某个应用：</source>
+        <translation>Record only one app:</translation>
+    </message>
+    <message>
+        <source>%1（%2 步）</source>
+        <translation>%1 (%2 steps)</translation>
+    </message>
+    <message>
+        <source>还没有操作指南</source>
+        <translation>No guides yet</translation>
+    </message>
+    <message>
+        <source>关闭所有贴图</source>
+        <translation>Close all pins</translation>
+    </message>
+    <message>
+        <source>取消贴图点击穿透</source>
+        <translation>Disable click-through on all pins</translation>
+    </message>
+    <message>
+        <source>截图历史…</source>
+        <translation>Screenshot History…</translation>
+    </message>
+    <message>
+        <source>图片编辑…</source>
+        <translation>Edit Image…</translation>
+    </message>
+    <message>
+        <source>打开录像…</source>
+        <translation>Open Recording…</translation>
+    </message>
+    <message>
+        <source>账号…</source>
+        <translation>Account…</translation>
+    </message>
+    <message>
+        <source>使用指南…</source>
+        <translation>Welcome guide…</translation>
+    </message>
+    <message>
+        <source>发送反馈…</source>
+        <translation>Send feedback…</translation>
+    </message>
+    <message>
+        <source>检查更新…</source>
+        <translation>Check for Updates…</translation>
+    </message>
+    <message>
+        <source>停止录屏</source>
+        <translation>Stop Recording</translation>
+    </message>
+    <message>
+        <source>停止录制指南（%1 步）</source>
+        <translation>Stop recording guide (%1)</translation>
+    </message>
+    <message>
+        <source>指南录制范围</source>
+        <translation>Guide Recording Scope</translation>
+    </message>
+    <message>
+        <source>最近的指南</source>
+        <translation>Recent guides</translation>
+    </message>
 </context>
 <context>
     <name>CaptureOverlay</name>
@@ -387,6 +463,18 @@
     <message>
         <source>无法安装键鼠监听</source>
         <translation>Couldn&apos;t install the keyboard/mouse listener</translation>
+    </message>
+    <message>
+        <source>该组合键已被其他程序占用（可能是 %1）</source>
+        <translation>This combination is taken by another program (possibly %1)</translation>
+    </message>
+    <message>
+        <source>、</source>
+        <translation>, </translation>
+    </message>
+    <message>
+        <source>窗口管理器 %1</source>
+        <translation>the window manager %1</translation>
     </message>
 </context>
 <context>
@@ -687,6 +775,34 @@
     <message>
         <source>要打开的 .tavrel 录制文件。</source>
         <translation>The .tavrel recording to open.</translation>
+    </message>
+    <message>
+        <source>启动后立即发起一次长截图。</source>
+        <translation>Starts a scrolling capture right after start-up.</translation>
+    </message>
+    <message>
+        <source>截图并识别文字。</source>
+        <translation>Captures and recognises text.</translation>
+    </message>
+    <message>
+        <source>开始或停止录屏。</source>
+        <translation>Starts or stops a screen recording.</translation>
+    </message>
+    <message>
+        <source>开始或结束录制指南。</source>
+        <translation>Starts or finishes recording a guide.</translation>
+    </message>
+    <message>
+        <source>把剪贴板内容贴到屏幕上。</source>
+        <translation>Pins what is on the clipboard to the screen.</translation>
+    </message>
+    <message>
+        <source>打开图片编辑。</source>
+        <translation>Opens the image editor.</translation>
+    </message>
+    <message>
+        <source>退出正在运行的 Tavrel。</source>
+        <translation>Quits the running Tavrel.</translation>
     </message>
 </context>
 <context>
