@@ -6,6 +6,7 @@
 
 #include <QAction>
 #include <QCoreApplication>
+#include <QIcon>
 #include <QMenu>
 
 #include <array>
@@ -64,6 +65,16 @@ QString textOf(const Entry &entry, const TrayState &state)
     return text(entry.sourceText);
 }
 
+/// A disabled entry has its glyph in the colour of its text.
+QIcon menuIcon(const char *glyph, const QColor &color, const ui::Theme &theme)
+{
+    QIcon icon = ui::glyphIcon(QString::fromLatin1(glyph), color, kGlyphSize);
+    const QIcon dimmed = ui::glyphIcon(QString::fromLatin1(glyph), theme.studioDisabledText(), kGlyphSize);
+    for (const qreal ratio : {1.0, 2.0})
+        icon.addPixmap(dimmed.pixmap(QSize(kGlyphSize, kGlyphSize), ratio), QIcon::Disabled);
+    return icon;
+}
+
 /// A menu that is drawn by the program itself looks like its other menus; where the desktop draws it, this is unused.
 QString menuStyle(const ui::Theme &theme)
 {
@@ -72,7 +83,8 @@ QString menuStyle(const ui::Theme &theme)
                           "QMenu::item:selected { background: %4; }"
                           "QMenu::item:disabled { color: %5; background: transparent; }"
                           "QMenu::icon { padding-left: 12px; }"
-                          "QMenu::separator { height: 1px; background: %6; margin: 5px 12px; }")
+                          "QMenu::separator { height: 1px; background: %6; margin: 5px 12px; }"
+                          "QToolTip { color: %3; background: %1; border: 1px solid %2; padding: 4px 6px; }")
         .arg(ui::css(theme.cardSurface()), ui::css(theme.cardBorder()), ui::css(theme.primaryText()),
              ui::css(theme.hoverFill()), ui::css(theme.studioDisabledText()), ui::css(theme.separator()));
 }
@@ -126,7 +138,7 @@ void TrayMenu::refresh()
         QAction *action = m_actions.value(entry.command);
         action->setText(textOf(entry, state));
         if (*entry.glyph != '\0')
-            action->setIcon(ui::glyphIcon(QString::fromLatin1(entry.glyph), color, kGlyphSize));
+            action->setIcon(menuIcon(entry.glyph, color, theme));
         if (entry.hotkey) {
             const HotkeyBinding &binding = settings.*entry.hotkey;
             action->setShortcut(binding.isActive() ? binding.combo.toKeySequence() : QKeySequence());
@@ -142,7 +154,7 @@ void TrayMenu::refresh()
     m_guides->scopeMenu()->setTitle(text(QT_TRANSLATE_NOOP("AppController", "指南录制范围")));
     m_guides->scopeMenu()->menuAction()->setVisible(!state.isRecordingGuide);
     m_guides->recentMenu()->setTitle(text(QT_TRANSLATE_NOOP("AppController", "最近的指南")));
-    m_guides->recentMenu()->setIcon(ui::glyphIcon(QStringLiteral("ed_folder"), color, kGlyphSize));
+    m_guides->recentMenu()->setIcon(menuIcon("ed_folder", color, theme));
 }
 
 bool TrayMenu::showBalloon(const QString &title, const QString &text, IUserNotices::Kind kind,

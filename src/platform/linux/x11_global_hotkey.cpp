@@ -11,6 +11,8 @@
 namespace tavrel::platform {
 namespace {
 
+constexpr int kMaxSuspects = 3;
+
 bool refuse(QString *error, const QString &text)
 {
     if (error)
@@ -56,7 +58,7 @@ QStringList X11GlobalHotkey::suspects() const
     for (const GrabHolder &holder : m_listener->otherGrabHolders())
         names.append(holder.isWindowManager ? hotkey_texts::windowManager(holder.name) : holder.name);
     names.removeDuplicates();
-    return names;
+    return names.mid(0, kMaxSuspects);
 }
 
 void X11GlobalHotkey::unregisterHotkey(int id)

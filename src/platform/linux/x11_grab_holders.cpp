@@ -3,13 +3,16 @@
 #include "platform/linux/x_connection.h"
 
 #include <QFile>
-#include <QSet>
+#include <QHash>
+#include <QMap>
 
 #include <xcb/res.h>
 
 #include <algorithm>
-#include <iterator>
+#include <functional>
 #include <string_view>
+#include <vector>
+
 #include <unistd.h>
 
 namespace tavrel::platform {
@@ -109,28 +112,26 @@ QList<GrabHolder> passiveGrabHolders(const XConnection &x)
         queries.push_back({xcb_res_query_client_resources(c, base), ProcessOfResource(c, base)});
     }
     TypeNames types(c);
-    QSet<qint64> processes;
+    QMap<qint64, quint32> grabs; // by process
     for (Query &query : queries) {
         const auto resources =
             xAnswer<xcb_res_query_client_resources_reply_t>(c, query.resources, xcb_res_query_client_resources_reply);
         const qint64 process = query.process.take();
         if (!resources || process <= 0 || process == getpid())
             continue;
-        const xcb_res_type_t *first = xcb_res_query_client_resources_types(resources.get());
-        const int count = xcb_res_query_client_resources_types_length(resources.get());
-        if (std::any_of(first, first + count, [&types](const xcb_res_type_t &type) {
-                return type.count > 0 && types.isPassiveGrab(type.resource_type);
-            }))
-            processes.insert(process);
+        const xcb_res_type_t *type = xcb_res_query_client_resources_types(resources.get());
+        for (int i = 0; i < xcb_res_query_client_resources_types_length(resources.get()); ++i) {
+            if (type[i].count > 0 && types.isPassiveGrab(type[i].resource_type))
+                grabs[process] += type[i].count;
+        }
     }
     const qint64 manager = windowManagerProcess(x);
     QList<GrabHolder> holders;
-    for (const qint64 process : std::as_const(processes)) {
-        if (const QString name = processName(process); !name.isEmpty())
-            holders.append({process, name, process == manager});
+    for (auto it = grabs.cbegin(); it != grabs.cend(); ++it) {
+        if (const QString name = processName(it.key()); !name.isEmpty())
+            holders.append({it.key(), name, it.value(), it.key() == manager});
     }
-    std::ranges::sort(holders, {},
-                      [](const GrabHolder &holder) { return std::pair(holder.isWindowManager, holder.processId); });
+    std::ranges::stable_sort(holders, std::greater(), &GrabHolder::grabs);
     return holders;
 }
 
