@@ -1,12 +1,18 @@
 #pragma once
 
 #include "app/app_controller.h"
+#include "platform/input_injector.h"
+
+#include <memory>
 
 namespace tavrel {
 
 /// Fills every service of `deps` that is still empty with the one of this system. The only place that names the
 /// concrete classes; one source file per system.
 [[nodiscard]] AppController::Deps withDefaultServices(AppController::Deps deps);
+
+/// Null on a system that takes no input from programs.
+[[nodiscard]] std::unique_ptr<platform::IInputInjector> makeInputInjector();
 
 /// Lets the system end the program in its usual order (end of the desktop session, Ctrl+C in a terminal).
 void followSystemTermination(QObject *owner);

@@ -2,6 +2,7 @@
 
 #include "platform/linux/quit_signals.h"
 #include "platform/linux/x11_global_hotkey.h"
+#include "platform/linux/x11_input_injector.h"
 #include "platform/linux/x11_services.h"
 #include "platform/linux/xdg_notifier.h"
 #include "platform/unsupported/unsupported_services.h"
@@ -55,6 +56,11 @@ AppController::Deps withDefaultServices(AppController::Deps deps)
     if (!deps.history)
         deps.history = std::make_shared<NoHistory>();
     return deps;
+}
+
+std::unique_ptr<platform::IInputInjector> makeInputInjector()
+{
+    return QGuiApplication::platformName() == u"xcb" ? platform::X11InputInjector::create() : nullptr;
 }
 
 void followSystemTermination(QObject *owner)

@@ -1,11 +1,13 @@
 #include "app/one_shot.h"
 
+#include "app/capture_probe.h"
 #include "app/color_board_preview.h"
 #include "app/control_gallery.h"
 #include "app/detect_probe.h"
 #include "app/dialog_gallery.h"
 #include "app/elements_probe.h"
 #include "app/erase_tools.h"
+#include "app/hotkey_probe.h"
 #include "app/long_selftest.h"
 #include "app/shape_sheet.h"
 #include "app/toolbar_preview.h"
@@ -75,6 +77,8 @@ constexpr std::array kOneShots{
     OneShot{"--render-icon-sheet", renderIconSheet},
     OneShot{"--elements-probe", runElementsProbe},
     OneShot{"--detect-probe", detectProbe},
+    OneShot{"--hotkey-probe", runHotkeyProbe},
+    OneShot{"--capture-probe", runCaptureProbe},
     OneShot{"--long-selftest", runLongSelftest},
     OneShot{"--render-glyph-sheet", renderGlyphSheet},
     OneShot{"--window-chrome-probe", runWindowChromeProbe},

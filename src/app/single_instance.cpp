@@ -177,6 +177,13 @@ void SingleInstance::listen(std::chrono::milliseconds lineWait)
     }
 }
 
+bool SingleInstance::isHeldElsewhere(const QString &folder)
+{
+    QLockFile lock(basePath(folder) + QStringLiteral(".lock"));
+    lock.setStaleLockTime(0);
+    return !lock.tryLock(0) && lock.error() == QLockFile::LockFailedError;
+}
+
 void SingleInstance::close()
 {
     m_server.reset();

@@ -72,6 +72,8 @@ public:
     [[nodiscard]] Claim claim(const HandOver &request, const Timing &timing);
     /// Starts to listen when the lock is held. A failure is logged; later starts then cannot hand over.
     void listen(std::chrono::milliseconds lineWait = kLineWait);
+    /// Whether another process is the instance now.
+    [[nodiscard]] static bool isHeldElsewhere(const QString &folder = {});
     /// Stops listening; the lock stays with this object.
     void close();
 
