@@ -439,6 +439,37 @@
     </message>
 </context>
 <context>
+    <name>HotkeyProbe</name>
+    <message>
+        <source>系统不接受模拟按键，无法验证按键是否送达。</source>
+        <translation>The system takes no injected keys, so it cannot be proved that a press arrives.</translation>
+    </message>
+    <message>
+        <source>未设置</source>
+        <translation>not set</translation>
+    </message>
+    <message>
+        <source>已注册，模拟按键 %1 ms 送达</source>
+        <translation>registered, an injected press arrived after %1 ms</translation>
+    </message>
+    <message>
+        <source>已注册，但模拟按键没有送达</source>
+        <translation>registered, but an injected press did not arrive</translation>
+    </message>
+    <message>
+        <source>已注册</source>
+        <translation>registered</translation>
+    </message>
+    <message>
+        <source>有一个 Tavrel 正在运行，它占着自己的快捷键；先用 tavrel --quit 退出它。</source>
+        <translation>A Tavrel is running and holds its own hotkeys; end it first with tavrel --quit.</translation>
+    </message>
+    <message>
+        <source>也可以在桌面自己的快捷键设置里调用每行末尾的命令；Tavrel 在运行时命令会转交给它。</source>
+        <translation>The desktop's own shortcut settings can call the command at the end of each line as well; it is handed to the Tavrel that runs.</translation>
+    </message>
+</context>
+<context>
     <name>QObject</name>
     <message>
         <source>按键组合无效</source>
