@@ -4,7 +4,9 @@
 #include "platform/linux/x11_global_hotkey.h"
 #include "platform/linux/x11_input_injector.h"
 #include "platform/linux/x11_services.h"
+#include "platform/linux/xdg_auto_start.h"
 #include "platform/linux/xdg_notifier.h"
+#include "platform/linux/xdg_permissions.h"
 #include "platform/unsupported/unsupported_services.h"
 
 #include <QCursor>
@@ -46,9 +48,9 @@ AppController::Deps withDefaultServices(AppController::Deps deps)
     if (!deps.elementDetector)
         deps.elementDetector = Unsupported::elementDetector();
     if (!deps.autoStart)
-        deps.autoStart = Unsupported::autoStart();
+        deps.autoStart = std::make_shared<platform::XdgAutoStart>();
     if (!deps.permissions)
-        deps.permissions = Unsupported::permissions();
+        deps.permissions = std::make_shared<platform::XdgPermissions>();
     if (!deps.updater)
         deps.updater = Unsupported::updater();
     if (!deps.notifier)

@@ -9,6 +9,7 @@
 #include "app/erase_tools.h"
 #include "app/hotkey_probe.h"
 #include "app/long_selftest.h"
+#include "app/service_probes.h"
 #include "app/shape_sheet.h"
 #include "app/toolbar_preview.h"
 #include "app/window_chrome_probe.h"
@@ -74,6 +75,8 @@ constexpr std::array kOneShots{
     OneShot{"--render-smart-erase-preview", renderSmartErasePreview},
     OneShot{"--erase-image", runEraseImage},
     OneShot{"--render-shape-sheet", renderShapeSheet},
+    OneShot{"--permissions-probe", runPermissionsProbe},
+    OneShot{"--autostart-probe", runAutoStartProbe},
     OneShot{"--render-icon-sheet", renderIconSheet},
     OneShot{"--elements-probe", runElementsProbe},
     OneShot{"--detect-probe", detectProbe},
