@@ -1,17 +1,11 @@
 #include "platform/linux/x11_hotkey_listener.h"
 
+#include "platform/linux/wake_event.h"
 #include "platform/linux/x_connection.h"
 
 #include <QLoggingCategory>
 
 #include <xcb/xinput.h>
-#include <xkbcommon/xkbcommon-x11.h>
-#include <xkbcommon/xkbcommon.h>
-
-// The header has a field of this name.
-#define explicit explicitComponents
-#include <xcb/xkb.h>
-#undef explicit
 
 #include <poll.h>
 #include <sys/eventfd.h>
@@ -35,32 +29,6 @@ constexpr int kRepairIntervalMs = 2000;
 constexpr quint32 kCoreModifiers = 0xff;
 constexpr xcb_input_device_id_t kAllMasters = XCB_INPUT_DEVICE_ALL_MASTER;
 constexpr quint32 kRawEvents = XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE;
-
-/// One mask of XInput events as it goes over the wire.
-struct InputEventMask
-{
-    xcb_input_event_mask_t head;
-    quint32 mask;
-};
-
-void signalEvent(int descriptor)
-{
-    const quint64 one = 1;
-    // Fails only when the counter is full, and then the descriptor is readable anyway.
-    [[maybe_unused]] const ssize_t written = ::write(descriptor, &one, sizeof one);
-}
-
-void clearEvent(int descriptor)
-{
-    quint64 count = 0;
-    [[maybe_unused]] const ssize_t got = ::read(descriptor, &count, sizeof count);
-}
-
-bool hasExtension(const XConnection &x, xcb_extension_t *extension)
-{
-    const xcb_query_extension_reply_t *data = xcb_get_extension_data(x.xcb(), extension);
-    return data && data->present;
-}
 
 } // namespace
 
@@ -204,44 +172,13 @@ bool X11HotkeyListener::connectToServer()
         const std::lock_guard lock(m_mutex);
         m_connectionDescriptor = xcb_get_file_descriptor(c);
     }
-    // Raw events reach everyone during a grab from XInput 2.1 on.
-    const XReply<xcb_input_xi_query_version_reply_t> version{
-        hasExtension(*m_x, &xcb_input_id)
-            ? xcb_input_xi_query_version_reply(c, xcb_input_xi_query_version(c, 2, 2), nullptr)
-            : nullptr};
-    const bool hasXkb =
-        xkb_x11_setup_xkb_extension(c, XKB_X11_MIN_MAJOR_XKB_VERSION, XKB_X11_MIN_MINOR_XKB_VERSION,
-                                    XKB_X11_SETUP_XKB_EXTENSION_NO_FLAGS, nullptr, nullptr, &m_xkbFirstEvent, nullptr);
-    if (!version || version->major_version < 2 || version->minor_version < 1 || hasXkb == 0) {
-        qCWarning(lcHotkey) << "X 服务器没有 XInput 2.1 或 XKB，无法使用全局热键";
+    m_keyboard = X11Keyboard::attach(*m_x);
+    if (!m_keyboard || !selectRootInput(*m_x, kRawEvents)) {
+        qCWarning(lcHotkey) << "X 服务器没有 XInput 2.1 或 XKB，或者无法读取键盘映射，无法使用全局热键";
         return false;
     }
     m_xinputOpcode = xcb_get_extension_data(c, &xcb_input_id)->major_opcode;
-    m_keyboardId = xkb_x11_get_core_keyboard_device_id(c);
-
-    constexpr quint16 kMapParts = XCB_XKB_MAP_PART_KEY_TYPES | XCB_XKB_MAP_PART_KEY_SYMS |
-                                  XCB_XKB_MAP_PART_MODIFIER_MAP | XCB_XKB_MAP_PART_KEY_ACTIONS |
-                                  XCB_XKB_MAP_PART_VIRTUAL_MODS | XCB_XKB_MAP_PART_VIRTUAL_MOD_MAP;
-    constexpr quint16 kStateParts = XCB_XKB_STATE_PART_MODIFIER_BASE | XCB_XKB_STATE_PART_MODIFIER_LATCH |
-                                    XCB_XKB_STATE_PART_MODIFIER_LOCK | XCB_XKB_STATE_PART_GROUP_STATE;
-    xcb_xkb_select_events_details_t details = {};
-    details.affectState = kStateParts;
-    details.stateDetails = kStateParts;
-    xcb_xkb_select_events_aux(c, XCB_XKB_ID_USE_CORE_KBD,
-                              XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY | XCB_XKB_EVENT_TYPE_MAP_NOTIFY |
-                                  XCB_XKB_EVENT_TYPE_STATE_NOTIFY,
-                              0, XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY, kMapParts, kMapParts, &details);
-    // The map is read after asking for its changes, so none is missed.
-    if (!readKeymap()) {
-        qCWarning(lcHotkey) << "无法读取键盘映射，无法使用全局热键";
-        return false;
-    }
-    m_lockVariants = m_keymap->lockVariants();
-    const InputEventMask mask{
-        {.deviceid = kAllMasters, .mask_len = 1},
-        kRawEvents,
-    };
-    xcb_input_xi_select_events(c, m_x->root(), 1, &mask.head);
+    m_lockVariants = m_keyboard->keymap().lockVariants();
     return true;
 }
 
@@ -302,7 +239,7 @@ void X11HotkeyListener::waitForInput()
     }
     pollfd waiting[] = {{.fd = xcb_get_file_descriptor(m_x->xcb()), .events = POLLIN, .revents = 0},
                         {.fd = m_wakeEvent, .events = POLLIN, .revents = 0}};
-    const bool isAnythingDown = m_matcher.hasPressed() || heldModifiers() != 0;
+    const bool isAnythingDown = m_matcher.hasPressed() || m_keyboard->heldModifiers() != 0;
     const int ready = ::poll(waiting, std::size(waiting), isAnythingDown ? kRepairIntervalMs : -1);
     if (ready == 0)
         repairKeyState();
@@ -317,19 +254,11 @@ void X11HotkeyListener::handleEvent(const xcb_generic_event_t *event)
         const auto *generic = reinterpret_cast<const xcb_ge_generic_event_t *>(event);
         if (generic->extension == m_xinputOpcode)
             handleInputEvent(generic);
-    } else if (type == XCB_MAPPING_NOTIFY) {
-        m_keymapChanged = true;
-    } else if (type == m_xkbFirstEvent) {
-        const auto *state = reinterpret_cast<const xcb_xkb_state_notify_event_t *>(event);
-        if (state->xkbType != XCB_XKB_STATE_NOTIFY) {
-            m_keymapChanged = true;
-            return;
-        }
-        xkb_state_update_mask(m_keyState.get(), state->baseMods, state->latchedMods, state->lockedMods,
-                              static_cast<quint32>(state->baseGroup), static_cast<quint32>(state->latchedGroup),
-                              state->lockedGroup);
-        m_groupChanged = std::exchange(m_group, state->group) != state->group || m_groupChanged;
+        return;
     }
+    const X11Keyboard::Change change = m_keyboard->handleEvent(*event);
+    m_keymapChanged = m_keymapChanged || change == X11Keyboard::Change::Keymap;
+    m_groupChanged = m_groupChanged || change == X11Keyboard::Change::Layout;
 }
 
 void X11HotkeyListener::handleInputEvent(const xcb_ge_generic_event_t *event)
@@ -338,17 +267,18 @@ void X11HotkeyListener::handleInputEvent(const xcb_ge_generic_event_t *event)
     case XCB_INPUT_RAW_KEY_PRESS:
     case XCB_INPUT_RAW_KEY_RELEASE: {
         const auto *raw = reinterpret_cast<const xcb_input_raw_key_press_event_t *>(event);
-        if (raw->deviceid != m_keyboardId) // m_keyState is that of the core keyboard
+        if (raw->deviceid != m_keyboard->deviceId()) // whose modifiers we know
             return;
         const bool down = event->event_type == XCB_INPUT_RAW_KEY_PRESS;
-        handleKey({.key = raw->detail, .modifiers = heldModifiers()}, down, raw->time, HotkeyPath::Listener);
-        xkb_state_update_key(m_keyState.get(), raw->detail, down ? XKB_KEY_DOWN : XKB_KEY_UP);
+        handleKey({.key = raw->detail, .modifiers = m_keyboard->heldModifiers()}, down, raw->time,
+                  HotkeyPath::Listener);
+        m_keyboard->moveKey(static_cast<xcb_keycode_t>(raw->detail), down);
         return;
     }
     case XCB_INPUT_KEY_PRESS:
     case XCB_INPUT_KEY_RELEASE: {
         const auto *key = reinterpret_cast<const xcb_input_key_press_event_t *>(event);
-        const quint32 modifiers = key->mods.effective & kCoreModifiers & ~m_keymap->lockModifiers();
+        const quint32 modifiers = key->mods.effective & kCoreModifiers & ~m_keyboard->keymap().lockModifiers();
         const KeyStroke stroke{.key = key->detail, .modifiers = modifiers};
         if ((key->flags & XCB_INPUT_KEY_EVENT_FLAGS_KEY_REPEAT) != 0)
             traceKey(stroke, true, HotkeyPath::Grab, {.fired = {}, .swallowed = true});
@@ -404,15 +334,7 @@ void X11HotkeyListener::repairKeyState()
     if (!keys || !state)
         return;
     m_matcher.keepPressed([&keys](quint32 key) { return key < 256 && (keys->keys[key / 8] & (1U << (key % 8))) != 0; });
-    xkb_state_update_mask(m_keyState.get(), state->baseMods, state->latchedMods, state->lockedMods,
-                          static_cast<quint32>(state->baseGroup), static_cast<quint32>(state->latchedGroup),
-                          state->lockedGroup);
-}
-
-quint32 X11HotkeyListener::heldModifiers() const
-{
-    return xkb_state_serialize_mods(m_keyState.get(), XKB_STATE_MODS_EFFECTIVE) & kCoreModifiers &
-           ~m_keymap->lockModifiers();
+    m_keyboard->setState(*state);
 }
 
 // On the listener's thread: bindings and grabs.
@@ -422,7 +344,7 @@ X11HotkeyListener::Answer X11HotkeyListener::bindHere(int id, const KeyCombo &co
     const auto known = m_bindings.find(id);
     if (known != m_bindings.end() && known->second.combo == combo && !known->second.lost)
         return Answer::Done;
-    const std::vector<KeyStroke> strokes = m_keymap->strokes(combo, m_group);
+    const std::vector<KeyStroke> strokes = m_keyboard->keymap().strokes(combo, m_keyboard->layout());
     if (strokes.empty())
         return Answer::UnsupportedKey;
     std::vector<KeyStroke> fresh;
@@ -452,25 +374,13 @@ X11HotkeyListener::Answer X11HotkeyListener::unbindHere(int id)
     return Answer::Done;
 }
 
-bool X11HotkeyListener::readKeymap()
-{
-    auto keymap = X11Keymap::fromServer(*m_x, m_keyboardId);
-    XkbStatePtr state(keymap ? xkb_x11_state_new_from_device(keymap->xkb(), m_x->xcb(), m_keyboardId) : nullptr);
-    if (!state)
-        return false;
-    m_keymap = std::move(keymap);
-    m_keyState = std::move(state);
-    m_group = xkb_state_serialize_layout(m_keyState.get(), XKB_STATE_LAYOUT_EFFECTIVE);
-    return true;
-}
-
 void X11HotkeyListener::followKeymap()
 {
-    if (!readKeymap()) {
+    if (!m_keyboard->reread()) {
         qCWarning(lcHotkey) << "键盘映射已改变但无法读取，热键沿用旧的映射";
         return;
     }
-    const std::vector<quint32> variants = m_keymap->lockVariants();
+    const std::vector<quint32> variants = m_keyboard->keymap().lockVariants();
     if (variants != m_lockVariants) {
         for (const KeyStroke &stroke : m_grabbed)
             ungrab(stroke);
@@ -483,7 +393,7 @@ void X11HotkeyListener::followKeymap()
 void X11HotkeyListener::followLayout()
 {
     for (auto &[id, binding] : m_bindings)
-        binding.strokes = m_keymap->strokes(binding.combo, m_group);
+        binding.strokes = m_keyboard->keymap().strokes(binding.combo, m_keyboard->layout());
     followBindings();
 }
 

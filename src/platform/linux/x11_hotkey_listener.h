@@ -2,7 +2,7 @@
 
 #include "platform/hotkey_matcher.h"
 #include "platform/linux/x11_grab_holders.h"
-#include "platform/linux/x11_keymap.h"
+#include "platform/linux/x11_keyboard.h"
 #include "settings/key_combo.h"
 
 #include <QByteArray>
@@ -93,11 +93,9 @@ private:
     void handleKey(KeyStroke stroke, bool down, quint32 timeMs, HotkeyPath path);
     void traceKey(KeyStroke stroke, bool down, HotkeyPath path, const HotkeyMatcher::Outcome &outcome) const;
     void repairKeyState();
-    [[nodiscard]] quint32 heldModifiers() const;
 
     Answer bindHere(int id, const KeyCombo &combo);
     Answer unbindHere(int id);
-    bool readKeymap();
     void followKeymap();
     void followLayout();
     void followBindings();
@@ -120,13 +118,9 @@ private:
 
     // Of the listener's thread alone.
     std::unique_ptr<XConnection> m_x;
-    std::unique_ptr<X11Keymap> m_keymap;
-    XkbStatePtr m_keyState; ///< follows the raw events, so it knows of modifiers while another program has the keys
+    std::unique_ptr<X11Keyboard> m_keyboard;
     std::vector<quint32> m_lockVariants; ///< those of the grabs that are held
-    quint32 m_group = 0;
-    int m_keyboardId = -1;
     quint8 m_xinputOpcode = 0;
-    quint8 m_xkbFirstEvent = 0;
     bool m_keymapChanged = false;
     bool m_groupChanged = false;
     bool m_suspended = false;

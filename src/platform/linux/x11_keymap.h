@@ -63,6 +63,7 @@ public:
     [[nodiscard]] quint32 lockModifiers() const noexcept { return m_lockModifiers; }
     /// Every combination of the lock modifiers, the empty one first.
     [[nodiscard]] std::vector<quint32> lockVariants() const;
+    [[nodiscard]] const XModifierRoles &roles() const noexcept { return m_roles; }
     [[nodiscard]] xkb_keymap *xkb() const noexcept { return m_keymap.get(); }
 
 private:
