@@ -1,4 +1,8 @@
 tavrel_bench(platform global_hotkey LIVE bare SCREEN 1920x1080 USES platform/linux QT Gui)
+tavrel_bench(platform input_monitor LIVE bare SCREEN 1920x1080 USES platform/linux QT Gui)
+pkg_check_modules(XCB_SOAK REQUIRED IMPORTED_TARGET xcb xcb-xtest)
+add_executable(input_soak input_soak.cpp)
+target_link_libraries(input_soak PRIVATE tavrel::flags tavrel::platform_linux PkgConfig::XCB_SOAK Qt6::Gui)
 tavrel_bench(platform capture USES platform/linux QT Gui LIVE bare SCREEN 3840x2160)
 
 # The application that is asked, and the bus between, are those of the tests.

@@ -11,6 +11,7 @@ namespace tavrel {
 /// concrete classes; one source file per system.
 [[nodiscard]] AppController::Deps withDefaultServices(AppController::Deps deps);
 
+[[nodiscard]] std::unique_ptr<platform::IInputMonitor> makeInputMonitor();
 /// Null on a system that takes no input from programs.
 [[nodiscard]] std::unique_ptr<platform::IInputInjector> makeInputInjector();
 

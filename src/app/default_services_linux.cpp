@@ -3,6 +3,7 @@
 #include "platform/linux/quit_signals.h"
 #include "platform/linux/x11_global_hotkey.h"
 #include "platform/linux/x11_input_injector.h"
+#include "platform/linux/x11_input_monitor.h"
 #include "platform/linux/x11_services.h"
 #include "platform/linux/xdg_auto_start.h"
 #include "platform/linux/xdg_notifier.h"
@@ -58,6 +59,13 @@ AppController::Deps withDefaultServices(AppController::Deps deps)
     if (!deps.history)
         deps.history = std::make_shared<NoHistory>();
     return deps;
+}
+
+std::unique_ptr<platform::IInputMonitor> makeInputMonitor()
+{
+    if (QGuiApplication::platformName() == u"xcb")
+        return std::make_unique<platform::X11InputMonitor>();
+    return Unsupported::inputMonitor();
 }
 
 std::unique_ptr<platform::IInputInjector> makeInputInjector()

@@ -8,6 +8,7 @@
 #include "app/elements_probe.h"
 #include "app/erase_tools.h"
 #include "app/hotkey_probe.h"
+#include "app/hw_probe.h"
 #include "app/long_selftest.h"
 #include "app/service_probes.h"
 #include "app/shape_sheet.h"
@@ -81,6 +82,7 @@ constexpr std::array kOneShots{
     OneShot{"--elements-probe", runElementsProbe},
     OneShot{"--detect-probe", detectProbe},
     OneShot{"--hotkey-probe", runHotkeyProbe},
+    OneShot{"--hw-probe", runHwProbe},
     OneShot{"--capture-probe", runCaptureProbe},
     OneShot{"--long-selftest", runLongSelftest},
     OneShot{"--render-glyph-sheet", renderGlyphSheet},

@@ -345,6 +345,10 @@ void X11InputMonitor::Listener::handleKey(const xcb_input_raw_key_press_event_t 
 xkb_keysym_t X11InputMonitor::Listener::symbolOf(xcb_keycode_t key) const
 {
     xkb_keymap *keymap = m_keyboard->keymap().xkb();
+    // Keymaps give the keys from F13 on to other things; the name of their place still tells.
+    const QByteArray place(xkb_keymap_key_get_name(keymap, key));
+    if (const int number = place.startsWith("FK") ? place.mid(2).toInt() : 0; number > 12 && number <= 24)
+        return static_cast<xkb_keysym_t>(XKB_KEY_F1 + number - 1);
     const xkb_layout_index_t layout = xkb_state_key_get_layout(m_keyboard->xkb(), key);
     const xkb_keysym_t *symbols = nullptr;
     if (layout == XKB_LAYOUT_INVALID || xkb_keymap_key_get_syms_by_level(keymap, key, layout, 0, &symbols) < 1)
