@@ -96,6 +96,13 @@ public:
     QStringList shown;
 };
 
+/// A desktop without anybody who shows messages.
+class NoNotifier final : public platform::INotifier
+{
+public:
+    void notify(const platform::Notification &, std::function<void(bool)> done) override { done(false); }
+};
+
 class Records final : public IHistoryKeeper
 {
 public:
@@ -398,6 +405,7 @@ private:
         deps.elementDetector = platform::Unsupported::elementDetector();
         deps.permissions = m_permissions;
         deps.notices = m_notices;
+        deps.notifier = std::make_shared<NoNotifier>();
         deps.history = m_records;
         deps.clipboard = std::make_shared<FakeClipboard>();
         deps.cursorPosition = [] { return QPoint(10, 10); };
