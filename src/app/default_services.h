@@ -2,6 +2,7 @@
 
 #include "app/app_controller.h"
 #include "platform/input_injector.h"
+#include "platform/secure_store.h"
 
 #include <memory>
 
@@ -14,6 +15,9 @@ namespace tavrel {
 [[nodiscard]] std::unique_ptr<platform::IInputMonitor> makeInputMonitor();
 /// Null on a system that takes no input from programs.
 [[nodiscard]] std::unique_ptr<platform::IInputInjector> makeInputInjector();
+
+/// Where the secrets of the user go; waits for the system, so not for the GUI thread.
+[[nodiscard]] std::unique_ptr<platform::ISecureStore> makeSecureStore();
 
 /// Lets the system end the program in its usual order (end of the desktop session, Ctrl+C in a terminal).
 void followSystemTermination(QObject *owner);

@@ -1,5 +1,6 @@
 #include "app/default_services.h"
 
+#include "platform/linux/libsecret_store.h"
 #include "platform/linux/quit_signals.h"
 #include "platform/linux/x11_global_hotkey.h"
 #include "platform/linux/x11_input_injector.h"
@@ -71,6 +72,11 @@ std::unique_ptr<platform::IInputMonitor> makeInputMonitor()
 std::unique_ptr<platform::IInputInjector> makeInputInjector()
 {
     return QGuiApplication::platformName() == u"xcb" ? platform::X11InputInjector::create() : nullptr;
+}
+
+std::unique_ptr<platform::ISecureStore> makeSecureStore()
+{
+    return std::make_unique<platform::LibsecretStore>();
 }
 
 void followSystemTermination(QObject *owner)
