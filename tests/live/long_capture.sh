@@ -11,7 +11,8 @@ read -r width height < <(xdpyinfo | sed -n 's/.*dimensions: *\([0-9]*\)x\([0-9]*
 
 write_settings '{"configSchemaVersion":9,"language":"en","theme":"light","showToolbarText":false,"toolGuideShown":true,"autoDetectWindow":false,"longCaptureHotkey":{"enabled":true,"combo":"ctrl+51"}}'
 dress_desktop "$width" "$height"
-start "$page" "$out/page.png"
+# Its pixels are those of the screen at every scale of ours.
+QT_SCALE_FACTOR=1 start "$page" "$out/page.png"
 until_true 20 xdotool search --name '^scroll page$' || fail "the page did not come up"
 window=$(xdotool search --name '^scroll page$' | tail -1)
 read -r X Y < <(xwininfo -id "$window" | awk '/Absolute upper-left X/ { x = $4 } /Absolute upper-left Y/ { print x, $4 }')
