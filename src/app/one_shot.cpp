@@ -1,5 +1,6 @@
 #include "app/one_shot.h"
 
+#include "app/app_icon.h"
 #include "app/capture_probe.h"
 #include "app/color_board_preview.h"
 #include "app/control_gallery.h"
@@ -79,6 +80,7 @@ constexpr std::array kOneShots{
     OneShot{"--permissions-probe", runPermissionsProbe},
     OneShot{"--autostart-probe", runAutoStartProbe},
     OneShot{"--render-icon-sheet", renderIconSheet},
+    OneShot{"--render-app-icon", renderAppIcon},
     OneShot{"--elements-probe", runElementsProbe},
     OneShot{"--detect-probe", detectProbe},
     OneShot{"--hotkey-probe", runHotkeyProbe},
