@@ -52,16 +52,18 @@ const char *word(PermissionState state)
 
 int runAutoStartProbe(const QStringList &values)
 {
-    if (!values.isEmpty()) {
-        std::fprintf(stderr, "用法: tavrel --autostart-probe\n");
+    const QString word = values.value(0);
+    if (values.size() > 1 || (!word.isEmpty() && word != u"on" && word != u"off")) {
+        std::fprintf(stderr, "用法: tavrel --autostart-probe [on|off]\n");
         return 2;
     }
     const AppController::Deps services = smallServices();
     platform::IAutoStart &autoStart = *services.autoStart;
     const bool before = autoStart.isEnabled();
     std::printf("自动启动：%s\n", before ? "已启用" : "未启用");
+    const QList<bool> states = word.isEmpty() ? QList<bool>{!before, before} : QList<bool>{word == u"on"};
     bool allWell = true;
-    for (const bool wanted : {!before, before}) {
+    for (const bool wanted : states) {
         QString error;
         const bool done = autoStart.setEnabled(wanted, &error);
         const bool now = autoStart.isEnabled();

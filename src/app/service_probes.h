@@ -4,7 +4,8 @@
 
 namespace tavrel {
 
-/// `--autostart-probe`: switches the start at login over and back, and prints the state each time.
+/// `--autostart-probe [on|off]`: switches the start at login over and back, or to what is said, and prints the state
+/// each time.
 ///
 /// returns  0 when every switch took, 1 when not, 2 for wrong arguments
 [[nodiscard]] int runAutoStartProbe(const QStringList &values);
