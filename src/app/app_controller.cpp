@@ -1,12 +1,14 @@
 #include "app/app_controller.h"
 
 #include "app/default_services.h"
+#include "app/update_messages.h"
 #include "overlay/capture_overlay.h"
 #include "settings/settings_store.h"
 #include "ui/color_library.h"
 
 #include <QApplication>
 #include <QDeadlineTimer>
+#include <QDesktopServices>
 #include <QDir>
 #include <QLoggingCategory>
 #include <QWindow>
@@ -27,7 +29,7 @@ constexpr auto kHotkeyRetry = 10s;
 AppController::AppController(SettingsStore &settings, Deps deps, QObject *parent)
     : QObject(parent),
       m_settings(settings),
-      m_deps(withDefaultServices(std::move(deps))),
+      m_deps(withDefaultServices(withMessages(std::move(deps)))),
       m_probe(m_deps.elementDetector),
       m_flow({*m_deps.screenCapturer, m_deps.windowController, m_deps.elementDetector, settings, *m_deps.history,
               m_notices, m_deps.cursorPosition, &m_probe}),
@@ -99,6 +101,28 @@ void AppController::start()
         startTray();
     registerHotkeys();
     qInfo().noquote() << QStringLiteral("就绪，等待快捷键");
+}
+
+/// The services are made before the board is; they do not speak before the loop runs.
+AppController::Deps AppController::withMessages(Deps deps)
+{
+    if (!deps.showUpdate)
+        deps.showUpdate = [this](const platform::UpdateReport &report) {
+            m_messages.show(updateMessage(report, [this](const QUrl &page) { openPage(page); }));
+        };
+    return deps;
+}
+
+void AppController::openPage(const QUrl &page)
+{
+    if (m_deps.openUrl)
+        m_deps.openUrl(page);
+    else if (!QDesktopServices::openUrl(page))
+        m_messages.show({.topic = QStringLiteral("browser"),
+                         .icon = ui::dialogs::Icon::Warning,
+                         .title = QCoreApplication::translate("AppController", "无法打开浏览器"),
+                         .text = QCoreApplication::translate("AppController", "请自行打开这个地址：%1")
+                                     .arg(page.toString(QUrl::FullyEncoded))});
 }
 
 void AppController::setCommands()

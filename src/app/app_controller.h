@@ -14,13 +14,13 @@
 #include "overlay/element_probe.h"
 #include "platform/auto_start.h"
 #include "platform/element_detector.h"
+#include "platform/feed_updater.h"
 #include "platform/frame_source.h"
 #include "platform/global_hotkey.h"
 #include "platform/input_monitor.h"
 #include "platform/permissions.h"
 #include "platform/screen_capturer.h"
 #include "platform/screen_recorder.h"
-#include "platform/updater.h"
 #include "platform/window_controller.h"
 #include "ui/dialogs.h"
 
@@ -54,6 +54,7 @@ public:
         std::shared_ptr<platform::IElementDetector> elementDetector;
         std::shared_ptr<platform::IPermissions> permissions;
         std::unique_ptr<platform::IUpdater> updater;
+        std::function<void(const platform::UpdateReport &)> showUpdate; ///< empty means a message of the program
         std::unique_ptr<account::IAccountService> accountService;
         std::unique_ptr<cloud::ICloudService> cloudService;
         std::shared_ptr<feedback::IFeedbackService> feedbackApi;
@@ -115,6 +116,8 @@ Q_SIGNALS:
 private:
     void applySettings();
     void storePalette();
+    [[nodiscard]] Deps withMessages(Deps deps);
+    void openPage(const QUrl &page);
     void setCommands();
     void startTray();
     void registerHotkeys();

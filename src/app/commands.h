@@ -51,7 +51,7 @@ struct CommandWord
 class Commands final
 {
 public:
-    void set(Command command, std::function<void()> operation) { m_operations.insert(command, std::move(operation)); }
+    void set(Command command, const std::function<void()> &operation) { m_operations.insert(command, operation); }
     [[nodiscard]] bool has(Command command) const { return m_operations.contains(command); }
     /// Does nothing for a command without an operation.
     void run(Command command) const

@@ -1,5 +1,6 @@
 #include "app/default_services.h"
 
+#include "platform/feed_updater.h"
 #include "platform/linux/libsecret_store.h"
 #include "platform/linux/quit_signals.h"
 #include "platform/linux/x11_global_hotkey.h"
@@ -18,6 +19,24 @@
 namespace tavrel {
 
 using platform::Unsupported;
+
+namespace {
+
+std::unique_ptr<platform::IUpdater> feedUpdater(const AppController::Deps &deps)
+{
+    const platform::UpdateValues builtIn{QStringLiteral(TAVREL_UPDATE_FEED_URL),
+                                         QStringLiteral(TAVREL_UPDATE_PUBLIC_KEY)};
+    const platform::UpdateValues environment{qEnvironmentVariable("TAVREL_UPDATE_FEED"),
+                                             qEnvironmentVariable("TAVREL_UPDATE_PUBKEY")};
+    platform::FeedUpdater::Options options;
+    options.config = platform::readUpdateConfig(builtIn, environment);
+    options.buildNumber = TAVREL_BUILD_NUMBER;
+    options.present = deps.showUpdate;
+    options.mayCheckByItself = deps.enableBackground;
+    return std::make_unique<platform::FeedUpdater>(std::move(options));
+}
+
+} // namespace
 
 AppController::Deps withDefaultServices(AppController::Deps deps)
 {
@@ -54,7 +73,7 @@ AppController::Deps withDefaultServices(AppController::Deps deps)
     if (!deps.permissions)
         deps.permissions = std::make_shared<platform::XdgPermissions>();
     if (!deps.updater)
-        deps.updater = Unsupported::updater();
+        deps.updater = feedUpdater(deps);
     if (!deps.notifier)
         deps.notifier = std::make_shared<platform::XdgNotifier>();
     if (!deps.history)

@@ -49,8 +49,10 @@ void MessageBoard::show(const Message &message)
     } else {
         *same = message;
         if (same == m_messages.begin()) {
+            m_card->setIcon(message.icon);
             m_card->setTitle(message.title);
             m_card->setText(message.text);
+            m_card->setButtons(buttonsOf(message)); // they mean what the new words say
         }
     }
     m_window->raise();

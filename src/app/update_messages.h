@@ -1,0 +1,16 @@
+#pragma once
+
+#include "app/message_board.h"
+#include "platform/feed_updater.h"
+
+#include <QUrl>
+
+#include <functional>
+
+namespace tavrel {
+
+/// What a check for updates has found, as a message; a new version offers its download page.
+[[nodiscard]] MessageBoard::Message updateMessage(const platform::UpdateReport &report,
+                                                  std::function<void(const QUrl &)> openPage);
+
+} // namespace tavrel

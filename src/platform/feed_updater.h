@@ -1,0 +1,98 @@
+#pragma once
+
+#include "platform/update_feed.h"
+#include "platform/updater.h"
+
+#include <QPointer>
+#include <QTimer>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+
+class QNetworkAccessManager;
+class QNetworkReply;
+
+namespace tavrel::platform {
+
+/// What a check has to tell the user.
+struct UpdateReport
+{
+    enum class Outcome { NewVersion, UpToDate, Failed };
+    Outcome outcome = Outcome::Failed;
+    UpdateEntry entry; ///< the new version
+    QString problem;   ///< a sentence for the user
+};
+
+/// Looks for new versions in a signed feed, and leaves it to the user to install them.
+///
+/// The feed is read as a whole, then its signature; only a feed with the right signature is parsed. Each automatic
+/// check that reached the server is remembered, so that there is one a day; one that did not is tried again within the
+/// hour. Nothing is presented while the program is busy (setCanShutdown(false)), and no automatic check begins then.
+/// Never asks for a shutdown. GUI thread only; nothing here blocks.
+class FeedUpdater final : public IUpdater
+{
+    Q_OBJECT
+
+public:
+    struct Options
+    {
+        UpdateConfig config;
+        qint64 buildNumber = 0; ///< of this program
+        /// Shows a report. An automatic check reports new versions only.
+        std::function<void(const UpdateReport &)> present;
+        bool mayCheckByItself = true;
+        std::chrono::milliseconds deadline{15'000};     ///< of a whole check
+        std::chrono::milliseconds firstLook{30'000};    ///< after the start
+        std::chrono::milliseconds lookEvery{3'600'000}; ///< whether a check is due
+        std::function<qint64()> now;                    ///< seconds since 1970; empty means the system's clock
+    };
+
+    static constexpr qint64 kCheckInterval = 86400; ///< seconds
+    static constexpr qint64 kMaxFeedBytes = qint64(1) << 20;
+
+    explicit FeedUpdater(Options options, QObject *parent = nullptr);
+    ~FeedUpdater() override;
+
+    [[nodiscard]] bool isAvailable() const override { return m_options.config.isUsable(); }
+    void checkNow() override;
+    [[nodiscard]] bool automaticChecks() const override;
+    void setAutomaticChecks(bool automatic) override;
+    void setCanShutdown(bool can) override;
+
+private:
+    /// What becomes of a body that is being read.
+    struct Step
+    {
+        void (FeedUpdater::*received)(const QByteArray &body);
+        qint64 maxBytes;
+        int redirects; ///< that may still follow
+    };
+
+    void look();
+    void start(bool isInteractive);
+    void fetch(const QUrl &url, const Step &step);
+    void onFinished(const Step &step);
+    void follow(const QUrl &from, const QUrl &to, Step step);
+    void refuse(int status, const Step &step);
+    void takeFeed(const QByteArray &body);
+    void takeSignature(const QByteArray &body);
+    void fail(const QString &problem);
+    void finish(const UpdateReport &report);
+    void deliver();
+
+    Options m_options;
+    std::unique_ptr<QNetworkAccessManager> m_network; ///< made by the first check
+    QPointer<QNetworkReply> m_reply;
+    QByteArray m_feed; ///< while its signature is on the way
+    std::optional<UpdateReport> m_held;
+    QTimer m_deadline;
+    QTimer m_looks;
+    bool m_isRunning = false;
+    bool m_isInteractive = false;
+    bool m_isReached = false; ///< the server has answered in this check
+    bool m_canShutdown = true;
+};
+
+} // namespace tavrel::platform

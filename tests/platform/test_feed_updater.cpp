@@ -1,0 +1,425 @@
+#include "platform/feed_updater.h"
+#include "support/test_main.h"
+
+#include <QSettings>
+#include <QSignalSpy>
+#include <QTcpServer>
+#include <QTcpSocket>
+
+#include <sodium.h>
+
+using namespace tavrel::platform;
+using Outcome = UpdateReport::Outcome;
+
+namespace {
+
+constexpr qint64 kOurs = 105;
+
+/// Answers each request for a path with the same bytes, headers included.
+class Server final : public QObject
+{
+public:
+    Server()
+    {
+        m_server.listen(QHostAddress::LocalHost);
+        connect(&m_server, &QTcpServer::newConnection, this, [this] {
+            while (QTcpSocket *socket = m_server.nextPendingConnection())
+                connect(socket, &QTcpSocket::readyRead, this, [this, socket] { answer(socket); });
+        });
+    }
+
+    [[nodiscard]] QUrl url(const QString &path) const
+    {
+        return QUrl(u"http://127.0.0.1:%1%2"_qs.arg(m_server.serverPort()).arg(path));
+    }
+    void put(const QByteArray &path, const QByteArray &answer) { m_answers.insert(path, answer); }
+    void putFile(const QByteArray &path, const QByteArray &body)
+    {
+        put(path, "HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\n\r\n" + body);
+    }
+    /// Goes on for ever behind the answer.
+    void setEndless(const QByteArray &path) { m_endless = path; }
+    void close() { m_server.close(); }
+
+    std::function<void()> onRequest;
+    QList<QByteArray> requests; ///< their paths
+    QByteArray lastRequest;
+
+private:
+    void answer(QTcpSocket *socket)
+    {
+        lastRequest = socket->readAll();
+        const QByteArray path = lastRequest.mid(4, lastRequest.indexOf(' ', 4) - 4);
+        requests.append(path);
+        if (onRequest)
+            onRequest();
+        const QByteArray bytes = m_answers.value(path, "HTTP/1.1 404 Not Found\r\nContent-Length: 0\r\n\r\n");
+        socket->write(bytes);
+        if (bytes.contains("Connection: close"))
+            socket->disconnectFromHost();
+        if (path != m_endless)
+            return;
+        const auto more = [socket] { socket->write(QByteArray(65536, ' ')); };
+        connect(socket, &QTcpSocket::bytesWritten, this, more);
+        more();
+    }
+
+    QTcpServer m_server;
+    QHash<QByteArray, QByteArray> m_answers;
+    QByteArray m_endless;
+};
+
+QByteArray feedOf(qint64 build)
+{
+    return "<rss xmlns:a=\"urn:x\"><channel><item><a:version>" + QByteArray::number(build) +
+           "</a:version><a:shortVersionString>9.9</a:shortVersionString><link>https://example.org/get</link>"
+           "<description>notes</description></item></channel></rss>";
+}
+
+} // namespace
+
+class FeedUpdaterTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QVERIFY(sodium_init() >= 0);
+        m_publicKey.resize(crypto_sign_PUBLICKEYBYTES);
+        m_secretKey.resize(crypto_sign_SECRETKEYBYTES);
+        crypto_sign_keypair(reinterpret_cast<uchar *>(m_publicKey.data()),
+                            reinterpret_cast<uchar *>(m_secretKey.data()));
+    }
+
+    void init()
+    {
+        QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
+        QSettings().clear();
+        m_reports.clear();
+        m_now = 1'800'000'000;
+    }
+
+    void tellsWhatTheFeedSays_data()
+    {
+        QTest::addColumn<qint64>("build");
+        QTest::addColumn<Outcome>("outcome");
+        QTest::newRow("newer") << kOurs + 1 << Outcome::NewVersion;
+        QTest::newRow("the same") << kOurs << Outcome::UpToDate;
+        QTest::newRow("older") << kOurs - 1 << Outcome::UpToDate;
+    }
+
+    void tellsWhatTheFeedSays()
+    {
+        QFETCH(qint64, build);
+        Server server;
+        publish(server, feedOf(build));
+        FeedUpdater updater(options(server));
+        QSignalSpy shutdowns(&updater, &IUpdater::shutdownRequested);
+        updater.checkNow();
+        updater.checkNow(); // the same check
+        QTRY_COMPARE(m_reports.size(), 1);
+        QTEST(m_reports.first().outcome, "outcome");
+        if (build > kOurs) {
+            QCOMPARE(m_reports.first().entry.version, u"9.9"_qs);
+            QCOMPARE(m_reports.first().entry.notes, u"notes"_qs);
+            QCOMPARE(m_reports.first().entry.page, QUrl(u"https://example.org/get"_qs));
+        }
+        QCOMPARE(server.requests, (QList<QByteArray>{"/feed.xml", "/feed.xml.sig"}));
+        QVERIFY(server.lastRequest.toLower().contains("\r\nuser-agent: tavrel/0.1.5\r\n"));
+        QVERIFY(!server.lastRequest.toLower().contains("gzip"));
+        updater.checkNow();
+        QTRY_COMPARE(m_reports.size(), 2);
+        QCOMPARE(shutdowns.count(), 0);
+    }
+
+    void tellsWhatWentWrong_data()
+    {
+        QTest::addColumn<QByteArray>("feedAnswer"); // empty: a signed feed
+        QTest::addColumn<QByteArray>("signatureAnswer");
+        QTest::addColumn<QString>("problem");
+        const QByteArray ok = "HTTP/1.1 200 OK\r\n";
+        const QByteArray none;
+        QTest::newRow("no such file") << QByteArray("HTTP/1.1 404 Not Found\r\nContent-Length: 0\r\n\r\n") << none
+                                      << u"HTTP 404"_qs;
+        QTest::newRow("an endless error page")
+            << QByteArray("HTTP/1.1 500 Sorry\r\n\r\n<html>") << none << u"HTTP 500"_qs;
+        QTest::newRow("announced too large")
+            << ok + "Content-Length: " + QByteArray::number(FeedUpdater::kMaxFeedBytes + 1) + "\r\n\r\nx" << none
+            << u"过大"_qs;
+        QTest::newRow("endless") << ok + "\r\n" << none << u"过大"_qs;
+        QTest::newRow("cut short") << ok + "Content-Length: 100\r\nConnection: close\r\n\r\n<rss>" << none
+                                   << u"无法连接"_qs;
+        QTest::newRow("never answers") << QByteArray("\r\n") << none << u"及时"_qs;
+        QTest::newRow("no HTTP") << QByteArray("SSH-2.0-server\r\n\r\n") << none << u"无法连接"_qs;
+        QTest::newRow("to http elsewhere")
+            << QByteArray("HTTP/1.1 302 Found\r\nLocation: http://example.org/\r\nContent-Length: 0\r\n\r\n") << none
+            << u"不安全"_qs;
+        QTest::newRow("to a file")
+            << QByteArray("HTTP/1.1 302 Found\r\nLocation: file:///etc/passwd\r\nContent-Length: 0\r\n\r\n") << none
+            << u"不安全"_qs;
+        QTest::newRow("round and round")
+            << QByteArray("HTTP/1.1 302 Found\r\nLocation: /feed.xml\r\nContent-Length: 0\r\n\r\n") << none
+            << u"转向次数过多"_qs;
+        QTest::newRow("not signed") << none
+                                    << QByteArray("HTTP/1.1 404 Not Found\r\nContent-Length: 9\r\n\r\nNot Found")
+                                    << u"没有签名"_qs;
+        QTest::newRow("wrongly signed") << none << ok + "Content-Length: 88\r\n\r\n" + QByteArray(64, 's').toBase64()
+                                        << u"签名不正确"_qs;
+        QTest::newRow("signature too large") << none << ok + "Content-Length: 2000\r\n\r\nx" << u"过大"_qs;
+        QTest::newRow("signature not available")
+            << none << QByteArray("HTTP/1.1 503 Later\r\nContent-Length: 0\r\n\r\n") << u"HTTP 503"_qs;
+    }
+
+    void tellsWhatWentWrong()
+    {
+        QFETCH(QByteArray, feedAnswer);
+        QFETCH(QByteArray, signatureAnswer);
+        QFETCH(QString, problem);
+        Server server;
+        publish(server, feedOf(kOurs + 1));
+        if (!feedAnswer.isEmpty())
+            server.put("/feed.xml", feedAnswer);
+        if (!signatureAnswer.isEmpty())
+            server.put("/feed.xml.sig", signatureAnswer);
+        if (problem == u"过大" && feedAnswer.endsWith("\r\n\r\n"))
+            server.setEndless("/feed.xml");
+        FeedUpdater::Options options = this->options(server);
+        if (problem == u"及时")
+            options.deadline = std::chrono::milliseconds(200);
+        FeedUpdater updater(options);
+        updater.checkNow();
+        QTRY_COMPARE_WITH_TIMEOUT(m_reports.size(), 1, 20000);
+        QCOMPARE(m_reports.first().outcome, Outcome::Failed);
+        QVERIFY2(m_reports.first().problem.contains(problem), qPrintable(m_reports.first().problem));
+
+        // It was this check and no more: with the fault mended the next one is well.
+        publish(server, feedOf(kOurs + 1));
+        server.setEndless({});
+        updater.checkNow();
+        QTRY_COMPARE(m_reports.size(), 2);
+        if (problem != u"及时")
+            QCOMPARE(m_reports.last().outcome, Outcome::NewVersion);
+    }
+
+    void anUnreachableServerIsTold()
+    {
+        Server server;
+        server.close();
+        FeedUpdater updater(options(server));
+        updater.checkNow();
+        QTRY_COMPARE(m_reports.size(), 1);
+        QVERIFY(m_reports.first().problem.contains(u"无法连接"));
+    }
+
+    void signedNonsenseIsTold()
+    {
+        Server server;
+        publish(server, "this is no feed");
+        FeedUpdater updater(options(server));
+        updater.checkNow();
+        QTRY_COMPARE(m_reports.size(), 1);
+        QVERIFY(m_reports.first().problem.contains(u"无法读取"));
+    }
+
+    void nothingIsReadBeforeTheSignature()
+    {
+        Server server;
+        publish(server, feedOf(kOurs + 1));
+        server.putFile("/feed.xml", feedOf(kOurs + 2)); // put in its place by somebody else
+        FeedUpdater updater(options(server));
+        updater.checkNow();
+        QTRY_COMPARE(m_reports.size(), 1);
+        QVERIFY(m_reports.first().problem.contains(u"签名不正确"));
+    }
+
+    void followsToAcceptablePlaces()
+    {
+        Server server;
+        publish(server, feedOf(kOurs + 1));
+        server.putFile("/moved.xml", feedOf(kOurs + 1));
+        server.put("/feed.xml", "HTTP/1.1 302 Found\r\nLocation: /moved.xml\r\nContent-Length: 0\r\n\r\n");
+        FeedUpdater updater(options(server));
+        updater.checkNow();
+        QTRY_COMPARE(m_reports.size(), 1);
+        QCOMPARE(m_reports.first().outcome, Outcome::NewVersion);
+        QCOMPARE(server.requests, (QList<QByteArray>{"/feed.xml", "/moved.xml", "/feed.xml.sig"}));
+    }
+
+    void checksByItselfOnceADay()
+    {
+        Server server;
+        publish(server, feedOf(kOurs));
+        FeedUpdater::Options options = this->options(server);
+        options.mayCheckByItself = true;
+        options.firstLook = std::chrono::milliseconds(0);
+        options.lookEvery = std::chrono::milliseconds(1);
+        FeedUpdater updater(options);
+        QVERIFY(updater.automaticChecks());
+        QTRY_COMPARE(server.requests.size(), 2);
+        waitForLooks(20);
+        QCOMPARE(server.requests.size(), 2);
+        m_now += FeedUpdater::kCheckInterval - 1;
+        waitForLooks(20);
+        QCOMPARE(server.requests.size(), 2);
+        QVERIFY(m_reports.isEmpty()); // nothing new, nothing said
+
+        publish(server, feedOf(kOurs + 1));
+        m_now += 1;
+        QTRY_COMPARE(m_reports.size(), 1);
+        QCOMPARE(m_reports.first().outcome, Outcome::NewVersion);
+
+        updater.setAutomaticChecks(false);
+        QVERIFY(!updater.automaticChecks());
+        m_now += 2 * FeedUpdater::kCheckInterval;
+        waitForLooks(20);
+        QCOMPARE(server.requests.size(), 4);
+        updater.setAutomaticChecks(true);
+        QTRY_COMPARE(m_reports.size(), 2);
+        m_now -= 100 * FeedUpdater::kCheckInterval; // the clock is put right
+        QTRY_COMPARE(m_reports.size(), 3);
+    }
+
+    void automaticFailuresAreSilent()
+    {
+        Server server;
+        FeedUpdater::Options options = this->options(server);
+        options.mayCheckByItself = true;
+        options.firstLook = std::chrono::milliseconds(0);
+        options.lookEvery = std::chrono::milliseconds(1);
+        {
+            FeedUpdater updater(options);
+            QTRY_COMPARE(server.requests.size(), 1);
+            waitForLooks(20);
+            QCOMPARE(server.requests.size(), 1); // there was an answer: that was today's check
+        }
+        QVERIFY(QSettings().contains(u"update/lastCheck"_qs));
+        QSettings().clear();
+        server.close();
+        {
+            FeedUpdater updater(options);
+            waitForLooks(50);
+            QVERIFY(!QSettings().contains(u"update/lastCheck"_qs));
+        }
+        QVERIFY(m_reports.isEmpty());
+    }
+
+    void staysQuietWhileTheProgramIsBusy()
+    {
+        Server server;
+        publish(server, feedOf(kOurs + 1));
+        FeedUpdater::Options options = this->options(server);
+        options.mayCheckByItself = true;
+        options.firstLook = std::chrono::milliseconds(0);
+        options.lookEvery = std::chrono::milliseconds(1);
+        FeedUpdater updater(options);
+        updater.setCanShutdown(false);
+        waitForLooks(20);
+        QVERIFY(server.requests.isEmpty());
+        updater.checkNow();
+        QTRY_VERIFY(QSettings().contains(u"update/lastCheck"_qs));
+        QVERIFY(m_reports.isEmpty());
+        updater.setCanShutdown(true);
+        QVERIFY(m_reports.isEmpty()); // not within the call
+        updater.setCanShutdown(false);
+        waitForLooks(20);
+        QVERIFY(m_reports.isEmpty());
+        updater.setCanShutdown(true);
+        QTRY_COMPARE(m_reports.size(), 1);
+        waitForLooks(20);
+        QCOMPARE(m_reports.size(), 1);
+    }
+
+    void anAutomaticCheckBecomesTheUsers()
+    {
+        Server server;
+        publish(server, feedOf(kOurs));
+        FeedUpdater::Options options = this->options(server);
+        options.mayCheckByItself = true;
+        options.firstLook = std::chrono::milliseconds(0);
+        FeedUpdater updater(options);
+        server.onRequest = [&updater] { updater.checkNow(); };
+        QTRY_COMPARE(m_reports.size(), 1);
+        QCOMPARE(m_reports.first().outcome, Outcome::UpToDate);
+        QCOMPARE(server.requests.size(), 2);
+    }
+
+    void mayGoInTheMiddle()
+    {
+        Server server;
+        server.put("/feed.xml", "HTTP/1.1 200 OK\r\n\r\n<rss>");
+        auto updater = std::make_unique<FeedUpdater>(options(server));
+        updater->checkNow();
+        QTRY_COMPARE(server.requests.size(), 1);
+        updater.reset();
+        QVERIFY(m_reports.isEmpty());
+    }
+
+    void withoutConfigurationThereIsNone_data()
+    {
+        QTest::addColumn<QString>("source");
+        QTest::newRow("none") << u""_qs;
+        QTest::newRow("a bad one") << u"env"_qs;
+    }
+
+    void withoutConfigurationThereIsNone()
+    {
+        QFETCH(QString, source);
+        if (!source.isEmpty())
+            QTest::ignoreMessage(QtWarningMsg, "自动更新：配置无效（来源 env）——更新源须为 HTTPS、公钥须为 32 字节 "
+                                               "base64；本次不启用");
+        FeedUpdater::Options options;
+        options.config.source = source;
+        options.present = [this](const UpdateReport &report) { m_reports.append(report); };
+        FeedUpdater updater(options);
+        QVERIFY(!updater.isAvailable());
+        QVERIFY(!updater.automaticChecks());
+        updater.setAutomaticChecks(true);
+        QVERIFY(!QSettings().contains(u"update/automaticChecks"_qs));
+        updater.checkNow();
+        updater.setCanShutdown(true);
+        QCoreApplication::processEvents();
+        QVERIFY(m_reports.isEmpty());
+    }
+
+private:
+    FeedUpdater::Options options(const Server &server)
+    {
+        FeedUpdater::Options options;
+        options.config = {server.url(u"/feed.xml"_qs), m_publicKey, u"env"_qs};
+        options.buildNumber = kOurs;
+        options.present = [this](const UpdateReport &report) { m_reports.append(report); };
+        options.mayCheckByItself = false;
+        options.now = [this] {
+            ++m_looks;
+            return m_now;
+        };
+        return options;
+    }
+
+    void publish(Server &server, const QByteArray &feed)
+    {
+        QByteArray signature(crypto_sign_BYTES, '\0');
+        crypto_sign_detached(
+            reinterpret_cast<uchar *>(signature.data()), nullptr, reinterpret_cast<const uchar *>(feed.constData()),
+            static_cast<unsigned long long>(feed.size()), reinterpret_cast<const uchar *>(m_secretKey.constData()));
+        server.putFile("/feed.xml", feed);
+        server.putFile("/feed.xml.sig", signature.toBase64() + '\n');
+    }
+
+    /// Until the updater has looked at the clock so many times more.
+    void waitForLooks(int count)
+    {
+        const int enough = m_looks + count;
+        QTRY_VERIFY(m_looks >= enough);
+    }
+
+    QByteArray m_publicKey;
+    QByteArray m_secretKey;
+    QList<UpdateReport> m_reports;
+    qint64 m_now = 0;
+    int m_looks = 0;
+};
+
+TAVREL_TEST_MAIN(QCoreApplication, FeedUpdaterTest)
+#include "test_feed_updater.moc"
