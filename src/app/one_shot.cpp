@@ -81,6 +81,7 @@ constexpr std::array kOneShots{
     OneShot{"--autostart-probe", runAutoStartProbe},
     OneShot{"--render-icon-sheet", renderIconSheet},
     OneShot{"--render-app-icon", renderAppIcon},
+    OneShot{"--render-document-icon", renderDocumentIcon},
     OneShot{"--elements-probe", runElementsProbe},
     OneShot{"--detect-probe", detectProbe},
     OneShot{"--hotkey-probe", runHotkeyProbe},
