@@ -17,6 +17,7 @@ struct ExactVote
     Kind kind = Unknown;
     int offset = 0;        ///< the place that has most of them
     bool anywhere = false; ///< there is such a place; Unknown is then only a part of what the page has there
+    bool isProof = false;  ///< Certain, and hardly a row of a good part of the frame is another than the page's
 
     /// What other evidence says does not contradict the rows.
     [[nodiscard]] bool allows(int other) const noexcept
@@ -25,7 +26,7 @@ struct ExactVote
     }
 };
 
-/// Asks the offsets within `radius` rows of `lastOffset`.
-[[nodiscard]] ExactVote voteExactly(const ScrollSearch &search, int lastOffset, int radius);
+/// Asks the offsets within `radius` rows of `lastOffset`. Only the frame rows [first, end) have a say.
+[[nodiscard]] ExactVote voteExactly(const ScrollSearch &search, int lastOffset, int radius, int first, int end);
 
 } // namespace tavrel::ui

@@ -1,6 +1,5 @@
 #include "overlay/scroll_tracker.h"
 
-#include "overlay/scroll_exact_vote.h"
 #include "overlay/scroll_page.h"
 #include "overlay/scroll_sub_pixel.h"
 
@@ -27,15 +26,16 @@ ScrollMatch certainMatch(int offset)
 }
 
 /// Most of what the bands know has to speak for the frame's place. Blank rows fit everywhere, and a strip of a page
-/// with few lines finds something like it on every other. `likeness` is what a band may differ, in parts of its
-/// texture.
-bool isBelievable(const ScrollBands &bands, double likeness)
+/// with few lines finds something like it on every other. Nor do bands count outside the rows [first, end), in bars.
+/// `likeness` is what a band may differ, in parts of its texture.
+bool isBelievable(const ScrollBands &bands, int first, int end, double likeness)
 {
     constexpr int kMinRows = 48;
     int known = 0;
     int agreeing = 0;
     for (const ScrollBand &band : bands.bands) {
-        if (band.unseen || band.kind == ScrollBand::Kind::Flat)
+        const int middle = (band.first + band.end) / 2;
+        if (band.unseen || band.kind == ScrollBand::Kind::Flat || middle < first || middle >= end)
             continue;
         known += band.end - band.first;
         agreeing +=
@@ -57,21 +57,71 @@ void appendRow(std::vector<ScrollRun> &runs, bool open, int frameRow, int pageRo
     runs.push_back({frameRow, pageRow, 1});
 }
 
-/// Frame rows that count as standing still although the page moved, from an edge inwards: up to the last one with
-/// something on it, since an empty row looks the same everywhere.
-int standingRows(const GreyFrame &now, const GreyFrame &before, bool fromTop)
+/// Whether a row looks like none of the rows [from, to).
+bool isUnique(const GreyFrame &frame, int y, int from, int to)
 {
-    constexpr int kLowestBar = 12; // less is chance: the end of a line, a rule
-    const int height = now.height();
-    int bar = 0;
-    for (int i = 0; i < height; ++i) {
-        const int y = fromTop ? i : height - 1 - i;
-        if (now.signature(y) != before.signature(y))
-            break;
-        if (now.isLively(fromTop ? y : std::min(y + 1, height - 1)))
-            bar = i + 1;
+    for (int other = from; other < to; ++other) {
+        if (frame.signature(other) == frame.signature(y))
+            return false;
     }
-    return bar >= kLowestBar && bar < height ? bar : 0;
+    return true;
+}
+
+/// Rows from an edge on that are as they were.
+int sameRows(const GreyFrame &now, const GreyFrame &before, bool fromTop)
+{
+    const int height = now.height();
+    int rows = 0;
+    for (int y = fromTop ? 0 : height - 1; rows < height && now.signature(y) == before.signature(y);
+         y += fromTop ? 1 : -1)
+        ++rows;
+    return rows;
+}
+
+/// Rows at an edge of a frame that stood still although the page moved.
+struct Standing
+{
+    int bar = 0;  ///< a header, a footer
+    int rows = 0; ///< with the empty rows beside it, which may be the page's or hide some of it
+};
+
+/// What stood still while the page moved by `step`. Rows that are also found where the page's have gone are the page's.
+Standing standingRows(const GreyFrame &now, const GreyFrame &before, int step, bool fromTop)
+{
+    constexpr int kMoved = 8;      // rows; less may be a part of the bar that repeats itself
+    constexpr int kLowestBar = 12; // of nothing but such rows; less is chance: the end of a line, a rule
+    const int height = now.height();
+    const auto at = [&](int i) { return fromTop ? i : height - 1 - i; };
+    const int run = sameRows(now, before, fromTop);
+    if (run == 0 || run == height)
+        return {};
+    const int otherRun = sameRows(now, before, !fromTop);
+    int bar = 0;
+    int moved = 0;
+    int firstMoved = 0;
+    int lastLively = 0;
+    for (int i = 0; i < run; ++i) {
+        const int y = at(i);
+        if (!now.isLively(fromTop ? y + 1 : y))
+            continue;
+        // Empty rows end where the page's next line begins, the bar's where the bar does.
+        if (i + 1 == run && !isUnique(now, y, fromTop ? run : otherRun, height - (fromTop ? otherRun : run)))
+            continue;
+        lastLively = i + 1;
+        const int to = y - step;
+        if (step != 0 && to >= 0 && to < height && now.signature(to) == before.signature(y)) {
+            firstMoved = moved == 0 ? i : firstMoved;
+            ++moved;
+        } else {
+            bar = i + 1;
+            moved = 0;
+        }
+    }
+    if (moved >= kMoved)
+        return bar > 0 ? Standing{bar, firstMoved} : Standing();
+    if (bar > 0)
+        return {lastLively, run};
+    return lastLively >= kLowestBar ? Standing{lastLively, lastLively} : Standing();
 }
 
 } // namespace
@@ -80,6 +130,8 @@ void ScrollTracker::begin()
 {
     m_canvas = std::make_unique<ScrollCanvas>(m_frame);
     m_last = m_frame;
+    m_placed = m_frame;
+    m_sureEnd = m_frame.height();
     m_runs.clear();
 }
 
@@ -116,25 +168,41 @@ bool ScrollTracker::isJump(int offset) const
 }
 
 /// A page that stands still says nothing about its bars: they are where they were.
-ScrollTracker::Bars ScrollTracker::findBars(int offset) const
+void ScrollTracker::findBars(int offset)
 {
     if (offset == m_lastOffset)
-        return m_bars;
-    return {standingRows(m_frame, m_last, true), standingRows(m_frame, m_last, false)};
+        return;
+    const Standing top = standingRows(m_frame, m_last, offset - m_lastOffset, true);
+    const Standing bottom = standingRows(m_frame, m_last, offset - m_lastOffset, false);
+    m_bars = {top.bar, bottom.bar};
+    m_besideBars = {top.rows, bottom.rows};
 }
 
-/// The page may not keep a bar in its middle: what the first frame showed of it goes when the page grows past it.
-void ScrollTracker::dropFirstBars(int offset)
+/// The page may not keep a bar in its middle, nor what a bar may have hidden: it goes when the page grows past it.
+void ScrollTracker::dropBars(int offset)
 {
     const int height = m_frame.height();
-    if (m_footerKept && m_bars.bottom > 0 && offset > 0 && m_canvas->end() == height) {
-        m_canvas->cut(m_canvas->top(), height - m_bars.bottom);
+    if (m_footerKept && m_besideBars.bottom > 0 && offset > 0 && m_canvas->end() == height) {
+        m_canvas->cut(m_canvas->top(), height - m_besideBars.bottom);
         m_footerKept = false;
+    } else if (offset > m_lastOffset && m_canvas->end() > m_sureEnd) {
+        m_canvas->cut(m_canvas->top(), m_sureEnd);
     }
-    if (m_headerKept && m_bars.top > 0 && offset < 0 && m_canvas->top() == 0) {
-        m_canvas->cut(m_bars.top, m_canvas->end());
+    if (m_headerKept && m_besideBars.top > 0 && offset < 0 && m_canvas->top() == 0) {
+        m_canvas->cut(m_besideBars.top, m_canvas->end());
         m_headerKept = false;
+    } else if (offset < m_lastOffset && m_canvas->top() < m_sureFirst) {
+        m_canvas->cut(m_sureFirst, m_canvas->end());
     }
+}
+
+/// The rows that the frame added beside its bars are only kept as long as they are the page's last ones.
+void ScrollTracker::noteSureRows(int offset, bool grewAtTop, bool grewAtEnd)
+{
+    const int first = m_canvas->top();
+    const int end = m_canvas->end();
+    m_sureFirst = grewAtTop ? std::max(first, offset + m_besideBars.top) : std::max(first, m_sureFirst);
+    m_sureEnd = grewAtEnd ? std::min(end, offset + m_frame.height() - m_besideBars.bottom) : std::min(end, m_sureEnd);
 }
 
 std::vector<ScrollRun> ScrollTracker::newRuns(const ScrollBands &bands) const
@@ -190,21 +258,54 @@ int ScrollTracker::cutTail(int offset, bool grewAtTop)
     return cut;
 }
 
+/// What stands at the edges has no say in how far the page between has moved, if that is the larger part: on a page
+/// with few lines a footer would outvote them.
+ExactVote ScrollTracker::vote(const ScrollSearch &search, const Bars &standing, int radius) const
+{
+    const int height = m_frame.height();
+    if (standing.top + standing.bottom > 0) {
+        const ExactVote between = voteExactly(search, m_lastOffset, radius, standing.top, height - standing.bottom);
+        if (between.kind == ExactVote::Certain)
+            return between;
+    }
+    return voteExactly(search, m_lastOffset, radius, 0, height);
+}
+
+/// Bars stand wherever the page is, so they are no sign of a page at rest when the rest of the frame has changed.
+bool ScrollTracker::restsByItsBars(const Bars &standing) const
+{
+    constexpr int kMinRows = 8; // less between the bars says nothing
+    int lively = 0;
+    int same = 0;
+    for (int y = standing.top; y < m_frame.height() - standing.bottom; ++y) {
+        if (!m_frame.isLively(y) && !m_placed.isLively(y))
+            continue;
+        ++lively;
+        same += m_frame.signature(y) == m_placed.signature(y) ? 1 : 0;
+    }
+    return standing.top + standing.bottom > 0 && lively >= kMinRows && same * 4 < lively;
+}
+
 /// Where the frame lies, judged by all there is to see. Nothing for what cannot be told for certain.
-std::optional<ScrollBands> ScrollTracker::findPlace(ScrollSearch &search, int radius)
+std::optional<ScrollTracker::Place> ScrollTracker::findPlace(ScrollSearch &search, int radius)
 {
     const bool resting = isAtRest();
-    const ExactVote vote = resting ? ExactVote() : voteExactly(search, m_lastOffset, radius);
+    Bars standing{standingRows(m_frame, m_last, 0, true).bar, standingRows(m_frame, m_last, 0, false).bar};
+    if ((standing.top + standing.bottom) * 2 > m_frame.height())
+        standing = {}; // a page at rest on which something moves
+    const ExactVote vote = resting ? ExactVote() : this->vote(search, standing, radius);
     m_subPixel = 0.0F;
+    if (!resting && vote.kind == ExactVote::Certain && vote.offset == m_lastOffset && restsByItsBars(standing))
+        return std::nullopt;
     if (resting || vote.kind == ExactVote::Certain) {
         const int offset = steady(resting ? m_lastOffset : vote.offset);
         // Bars of the first frame would be taken for bands that do not fit.
-        if (!isJump(offset)) {
-            m_bars = findBars(offset);
-            dropFirstBars(offset);
+        if (vote.isProof || !isJump(offset)) {
+            findBars(offset);
+            dropBars(offset);
             search.shrinkToCanvas();
         }
-        return readBands(search, certainMatch(offset), true);
+        return Place{readBands(search, certainMatch(offset), true), vote.isProof};
     }
     if (vote.kind == ExactVote::Ambiguous)
         return std::nullopt;
@@ -219,7 +320,9 @@ std::optional<ScrollBands> ScrollTracker::findPlace(ScrollSearch &search, int ra
     // Half a row beside the page's rows comes to half the texture or a little more. A whole row beside nothing should
     // have been found exactly, but for a little noise.
     const bool whole = std::abs(*shift) < ScrollPage::kWholeRows && !vote.anywhere;
-    if (!isBelievable(bands, whole ? 0.2 : 1.0))
+    const int last = m_frame.height() - standing.bottom;
+    if (!isBelievable(bands, standing.top, last, whole ? 0.2 : 1.0) ||
+        (bands.offset == m_lastOffset && restsByItsBars(standing)))
         return std::nullopt;
     m_subPixel = *shift;
     bands.offset = steady(bands.offset);
@@ -228,10 +331,10 @@ std::optional<ScrollBands> ScrollTracker::findPlace(ScrollSearch &search, int ra
             band.offset = steady(band.offset);
     }
     if (!isJump(bands.offset)) {
-        m_bars = findBars(bands.offset);
-        dropFirstBars(bands.offset);
+        findBars(bands.offset);
+        dropBars(bands.offset);
     }
-    return bands;
+    return Place{std::move(bands), false};
 }
 
 StitchDecision ScrollTracker::place()
@@ -246,10 +349,11 @@ StitchDecision ScrollTracker::place()
     ScrollSearch search(m_frame, *m_canvas, m_lastOffset - *radius - kSearchMargin,
                         m_lastOffset + *radius + height + kSearchMargin + 1);
     const int top = m_canvas->top();
-    const auto bands = findPlace(search, *radius);
-    if (!bands)
+    const auto found = findPlace(search, *radius);
+    if (!found)
         return dropped(StitchOutcome::NoMatch, m_lastOffset);
-    if (isJump(bands->offset)) {
+    const ScrollBands *bands = &found->bands;
+    if (!found->isProven && isJump(bands->offset)) {
         m_lastStep.reset(); // if the next frame lies there too, the page really went there
         return dropped(StitchOutcome::Jumped, bands->offset);
     }
@@ -273,9 +377,12 @@ StitchDecision ScrollTracker::place()
         decision.subPixel = m_subPixel;
         m_canvas->take(m_frame, m_runs);
     }
+    noteSureRows(bands->offset, m_canvas->top() < m_keptFirst, m_canvas->end() > m_keptEnd);
     m_misses = 0;
-    if (bands->offset != m_lastOffset)
+    if (bands->offset != m_lastOffset) {
         m_lastStep = bands->offset - m_lastOffset;
+        m_placed = m_frame;
+    }
     m_lastOffset = bands->offset;
     decision.rowsCut = cutTail(bands->offset, m_canvas->top() < top);
     std::swap(m_last, m_frame);

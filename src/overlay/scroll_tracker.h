@@ -1,6 +1,7 @@
 #pragma once
 
 #include "overlay/scroll_bands.h"
+#include "overlay/scroll_exact_vote.h"
 #include "overlay/scroll_stitcher.h"
 
 #include <memory>
@@ -37,19 +38,29 @@ private:
         int bottom = 0;
     };
 
+    struct Place
+    {
+        ScrollBands bands;
+        bool isProven = false; ///< row by row; no step is too far then
+    };
+
     StitchDecision dropped(StitchOutcome outcome, int offset);
     [[nodiscard]] bool isAtRest() const;
     [[nodiscard]] int steady(int offset) const;
     [[nodiscard]] bool isJump(int offset) const;
-    [[nodiscard]] std::optional<ScrollBands> findPlace(ScrollSearch &search, int radius);
-    [[nodiscard]] Bars findBars(int offset) const;
-    void dropFirstBars(int offset);
+    [[nodiscard]] ExactVote vote(const ScrollSearch &search, const Bars &standing, int radius) const;
+    [[nodiscard]] bool restsByItsBars(const Bars &standing) const;
+    [[nodiscard]] std::optional<Place> findPlace(ScrollSearch &search, int radius);
+    void findBars(int offset);
+    void dropBars(int offset);
+    void noteSureRows(int offset, bool grewAtTop, bool grewAtEnd);
     [[nodiscard]] std::vector<ScrollRun> newRuns(const ScrollBands &bands) const;
     [[nodiscard]] int cutTail(int offset, bool grewAtTop);
 
     int m_maxRows = 0;
     GreyFrame m_frame;
-    GreyFrame m_last; ///< the last accepted frame
+    GreyFrame m_last;   ///< the last accepted frame
+    GreyFrame m_placed; ///< the one with which the page came to where it is; it may creep away from that unnoticed
     std::unique_ptr<ScrollCanvas> m_canvas;
     std::vector<ScrollRun> m_runs;
     int m_keptFirst = 0;
@@ -59,6 +70,9 @@ private:
     int m_misses = 0;
     std::optional<int> m_tailCandidate; ///< where the page would end, seen once
     Bars m_bars;
+    Bars m_besideBars;   ///< with the empty rows beside them
+    int m_sureFirst = 0; ///< the rows [first, end) of the page that no bar can have hidden a part of
+    int m_sureEnd = 0;
     float m_subPixel = 0.0F; ///< of the last frame
     bool m_tailTrimmed = false;
     bool m_tailHeld = false;

@@ -102,6 +102,14 @@ void drawBar(QPainter &painter, const QRect &rect, quint32 seed)
     painter.fillRect(rect.left(), rect.top(), rect.width(), 1, QColor(150, 150, 160));
 }
 
+void drawPlainBar(QPainter &painter, const QRect &rect)
+{
+    Random random(93);
+    painter.fillRect(rect, QColor(48, 63, 159));
+    if (rect.height() >= 40)
+        drawLine(painter, random, 20, rect.width() / 2, rect.top() + rect.height() / 2 - 6);
+}
+
 } // namespace
 
 QImage ScrollScene::frame(int offset, int moment) const
@@ -118,10 +126,17 @@ QImage ScrollScene::frame(int offset, int moment) const
     if (moment % 2 == 0 && !caret.isEmpty())
         painter.fillRect(caret, Qt::black);
     painter.resetTransform();
+    const QRect top(0, 0, view.width(), header);
+    const QRect bottom(0, view.height() - footer, view.width(), footer);
+    if (hasPlainBars) {
+        drawPlainBar(painter, top);
+        drawPlainBar(painter, bottom);
+        return image;
+    }
     if (header > 0)
-        drawBar(painter, QRect(0, 0, view.width(), header), 91);
+        drawBar(painter, top, 91);
     if (footer > 0)
-        drawBar(painter, QRect(0, view.height() - footer, view.width(), footer), 92);
+        drawBar(painter, bottom, 92);
     return image;
 }
 

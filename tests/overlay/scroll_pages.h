@@ -12,10 +12,11 @@ struct ScrollScene
 {
     QImage page; ///< as wide as the view
     QSize view;
-    int header = 0;    ///< rows that stay at the top of the view
-    int footer = 0;    ///< rows that stay at its bottom
-    QRect animation{}; ///< of the page; shows something else at each moment
-    QRect caret{};     ///< of the page; there at every other moment
+    int header = 0;            ///< rows that stay at the top of the view
+    int footer = 0;            ///< rows that stay at its bottom
+    bool hasPlainBars = false; ///< of one colour up to their edge, with a line of text where there is room
+    QRect animation{};         ///< of the page; shows something else at each moment
+    QRect caret{};             ///< of the page; there at every other moment
 
     /// The view with its top at a row of the page.
     [[nodiscard]] QImage frame(int offset, int moment) const;
