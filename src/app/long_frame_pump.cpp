@@ -6,6 +6,7 @@
 
 #include <QCoreApplication>
 
+#include <algorithm>
 #include <utility>
 
 namespace tavrel {
@@ -63,13 +64,15 @@ bool LongFramePump::take(const platform::CaptureResult &result)
 {
     if (!std::exchange(m_isBusy, false))
         return false;
-    if (!m_overlay || !result.isGood())
-        return true; // the next tick tries again
-    const QPointer<ui::CaptureOverlay> overlay = m_overlay;
-    for (const platform::CapturedDisplay &display : result.displays) {
-        if (overlay)
-            overlay->addLongFrame(display);
-    }
+    if (!m_overlay)
+        return true;
+    // The next tick tries again.
+    const bool hasCome = result.isGood() && std::any_of(result.displays.begin(), result.displays.end(),
+                                                        [this](const platform::CapturedDisplay &display) {
+                                                            return m_overlay && m_overlay->addLongFrame(display);
+                                                        });
+    if (!hasCome && m_overlay)
+        m_overlay->missLongFrame();
     return true;
 }
 

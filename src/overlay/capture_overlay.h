@@ -87,8 +87,10 @@ public:
     /// longCaptureStarted() to longCaptureFinished(). False, with a message shown, when it cannot begin.
     bool startLongMode();
     [[nodiscard]] bool isLongActive() const;
-    /// A picture of the display taken meanwhile; those of other displays are left alone.
-    void addLongFrame(const platform::CapturedDisplay &display);
+    /// A picture of the display taken meanwhile. False for one of another display, which is left alone.
+    bool addLongFrame(const platform::CapturedDisplay &display);
+    /// A frame that was due has not come.
+    void missLongFrame();
     /// With commit the stitched page becomes the result that is copied, saved and pinned.
     void finishLongMode(bool commit);
 

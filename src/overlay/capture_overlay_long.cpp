@@ -40,10 +40,17 @@ bool CaptureOverlay::startLongMode()
     return true;
 }
 
-void CaptureOverlay::addLongFrame(const platform::CapturedDisplay &display)
+bool CaptureOverlay::addLongFrame(const platform::CapturedDisplay &display)
 {
-    if (m_long->isActive() && display.id == m_display.id)
-        m_long->addFrame(display.image);
+    if (display.id != m_display.id)
+        return false;
+    m_long->addFrame(display.image);
+    return true;
+}
+
+void CaptureOverlay::missLongFrame()
+{
+    m_long->missFrame();
 }
 
 void CaptureOverlay::finishLongMode(bool commit)

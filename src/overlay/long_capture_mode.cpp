@@ -5,6 +5,7 @@
 #include "platform/window_controller.h"
 #include "ui/theme.h"
 
+#include <QDebug>
 #include <QPainter>
 #include <QWidget>
 #include <QWindow>
@@ -22,8 +23,15 @@ constexpr double kFrameRadius = 2;
 constexpr double kFramePen = 2;
 constexpr int kToolbarGap = 8;
 constexpr int kToolbarRoom = 12;
-constexpr int kRefusedToTell = 8; ///< about a quarter of a second
-constexpr double kMarkRoom = 8;   ///< around the panel that a repaint covers
+constexpr int kRefusedToTell = 8;     ///< about a quarter of a second
+constexpr int kRefusedToRepeat = 100; ///< longer than a message stays
+constexpr double kMarkRoom = 8;       ///< around the panel that a repaint covers
+
+/// Whether it is time to say that so many frames in a row have come to nothing.
+bool isToTell(int frames)
+{
+    return frames % kRefusedToRepeat == kRefusedToTell;
+}
 
 } // namespace
 
@@ -59,6 +67,7 @@ bool LongCaptureMode::begin(const QImage &image, const QRectF &selection, const 
     m_isActive = true;
     m_isToolbarMoved = false;
     m_refused = 0;
+    m_missed = 0;
     m_hasToldFull = false;
 
     QWindow *handle = m_overlay->windowHandle();
@@ -70,7 +79,13 @@ bool LongCaptureMode::begin(const QImage &image, const QRectF &selection, const 
         m_toolbar = new LongCaptureToolbar(m_overlay);
         connect(m_toolbar, &LongCaptureToolbar::actionTriggered, this, &LongCaptureMode::actionTriggered);
         connect(m_toolbar, &LongCaptureToolbar::moved, this, [this] { m_isToolbarMoved = true; });
+        // A click into the page takes the keyboard there; one on the toolbar brings it back.
+        connect(m_toolbar, &LongCaptureToolbar::pressed, this, [this] {
+            if (m_windows)
+                m_windows->activate(m_toolbar->windowHandle());
+        });
     }
+    m_toolbar->setMixed(isMixed());
     m_toolbar->setTheme(look.theme);
     m_toolbar->setShowLabels(look.showLabels);
     m_toolbar->setBounds(m_overlay->geometry());
@@ -120,8 +135,22 @@ void LongCaptureMode::addFrame(const QImage &image)
 {
     if (!m_isActive)
         return;
-    judge(m_stitcher.addFrame(image));
+    const StitchDecision decision = m_stitcher.addFrame(image);
+    if (decision.outcome == StitchOutcome::Ignored) {
+        missFrame();
+        return;
+    }
+    m_missed = 0;
+    judge(decision);
     m_ground = image;
+}
+
+void LongCaptureMode::missFrame()
+{
+    if (!m_isActive || !isToTell(++m_missed))
+        return;
+    qInfo().noquote() << QStringLiteral("长截图：连续 %1 帧没有画面或尺寸不同").arg(m_missed);
+    Q_EMIT troubled(tr("屏幕变了或抓不到画面：请先保存或复制已拼好的部分"));
 }
 
 void LongCaptureMode::judge(const StitchDecision &decision)
@@ -129,8 +158,10 @@ void LongCaptureMode::judge(const StitchDecision &decision)
     switch (decision.outcome) {
     case StitchOutcome::NoMatch:
     case StitchOutcome::Jumped:
-        if (++m_refused == kRefusedToTell)
-            Q_EMIT troubled(tr("接不上了：请往回滚一点，再慢慢滚动"));
+        if (!isToTell(++m_refused))
+            break;
+        qInfo().noquote() << QStringLiteral("长截图：连续 %1 帧接不上").arg(m_refused);
+        Q_EMIT troubled(tr("接不上了：请往回滚一点，再慢慢滚动"));
         break;
     case StitchOutcome::Full:
         if (!std::exchange(m_hasToldFull, true))

@@ -52,6 +52,8 @@ public:
     [[nodiscard]] const QRectF &selection() const { return m_selection; }
     /// A frame that comes when it is over is dropped.
     void addFrame(const QImage &image);
+    /// A frame has failed, or was not of this display.
+    void missFrame();
 
     struct Result
     {
@@ -92,6 +94,7 @@ private:
     bool m_isActive = false;
     bool m_isToolbarMoved = false;
     int m_refused = 0; ///< frames in a row that could not be placed
+    int m_missed = 0;  ///< frames in a row that did not come, or came in another size
     bool m_hasToldFull = false;
 };
 

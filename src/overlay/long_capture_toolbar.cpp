@@ -65,12 +65,20 @@ void LongCaptureToolbar::setShowLabels(bool show)
     adjustSize();
 }
 
+void LongCaptureToolbar::setMixed(bool isMixed)
+{
+    m_isMixed = isMixed;
+    cutCorners();
+    update();
+}
+
 void LongCaptureToolbar::press(const QPoint &global)
 {
     m_isPressed = true;
     m_isDragged = false;
     m_pressPoint = global;
     m_pressPosition = pos();
+    Q_EMIT pressed();
 }
 
 bool LongCaptureToolbar::drag(const QPoint &global)
@@ -142,7 +150,15 @@ void LongCaptureToolbar::keyPressEvent(QKeyEvent *event)
 void LongCaptureToolbar::resizeEvent(QResizeEvent *event)
 {
     QFrame::resizeEvent(event);
-    // Where nothing mixes windows its corners would be black.
+    cutCorners();
+}
+
+void LongCaptureToolbar::cutCorners()
+{
+    if (m_isMixed) {
+        clearMask();
+        return;
+    }
     QPainterPath shape;
     shape.addRoundedRect(QRectF(rect()), kRadius, kRadius);
     setMask(QRegion(shape.toFillPolygon().toPolygon()));
@@ -158,14 +174,18 @@ void LongCaptureToolbar::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setCompositionMode(QPainter::CompositionMode_Source);
-    painter.fillRect(rect(), Qt::transparent);
-    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
     QColor surface = m_theme.panelSurface();
     surface.setAlpha(255); // the page moves below it
-    painter.setPen(QPen(m_theme.panelBorder(), 1));
+    // Where nothing mixes windows, whatever is not opaque comes out black.
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    painter.fillRect(rect(), m_isMixed ? QColor(Qt::transparent) : surface);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    painter.setPen(Qt::NoPen);
     painter.setBrush(surface);
-    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), kRadius, kRadius);
+    painter.drawRoundedRect(QRectF(rect()), kRadius, kRadius);
+    painter.setPen(QPen(m_theme.panelBorder(), 1));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), kRadius - 0.5, kRadius - 0.5);
 }
 
 } // namespace tavrel::ui

@@ -24,12 +24,15 @@ public:
 
     void setTheme(const Theme &theme);
     void setShowLabels(bool show);
+    /// Whether what is below shows through its corners; they are cut off otherwise.
+    void setMixed(bool isMixed);
     /// Where it may be dragged to, in global coordinates.
     void setBounds(const QRect &bounds) { m_bounds = bounds; }
 
 Q_SIGNALS:
     void actionTriggered(int action);
     void moved();
+    void pressed(); ///< anywhere on it
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -43,6 +46,7 @@ protected:
 
 private:
     void press(const QPoint &global);
+    void cutCorners();
     /// Whether the press has become a drag.
     bool drag(const QPoint &global);
 
@@ -51,6 +55,7 @@ private:
     QRect m_bounds;
     QPoint m_pressPoint;
     QPoint m_pressPosition;
+    bool m_isMixed = false;
     bool m_isPressed = false;
     bool m_isDragged = false;
 };

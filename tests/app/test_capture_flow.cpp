@@ -2,6 +2,7 @@
 #include "app/history_keeper.h"
 #include "app/user_notices.h"
 #include "overlay/capture_overlay.h"
+#include "overlay/long_capture_mode.h"
 #include "platform/unsupported/unsupported_services.h"
 #include "settings/settings_store.h"
 #include "support/test_main.h"
@@ -334,6 +335,29 @@ private Q_SLOTS:
         QTRY_VERIFY(m_flow->overlay());
         QVERIFY(!m_flow->overlay()->isLongActive());
         QCOMPARE(m_capturer->grabs, after + 2);
+    }
+
+    /// A grab that fails may be chance; when no picture of the display comes any more, it is told.
+    void aScrollingCaptureWithoutFramesSaysSo()
+    {
+        m_capturer->result.displays = {display(1, {0, 0, 400, 300})};
+        m_flow->startCapture();
+        QTRY_VERIFY(m_flow->overlay());
+        drag(m_flow->overlay(), {20, 20}, {320, 260});
+        QSignalSpy troubled(m_flow->overlay()->findChild<ui::LongCaptureMode *>(), &ui::LongCaptureMode::troubled);
+        platform::CaptureResult failed;
+        failed.error = QStringLiteral("no picture");
+        platform::CaptureResult other;
+        other.displays = {display(2, {0, 0, 400, 300})};
+        platform::CaptureResult larger;
+        larger.displays = {display(1, {0, 0, 640, 480})};
+        for (const platform::CaptureResult &result : {failed, other, larger}) {
+            troubled.clear();
+            m_capturer->result = result;
+            QVERIFY(m_flow->overlay()->startLongMode());
+            QTRY_COMPARE(troubled.count(), 1);
+            m_flow->overlay()->finishLongMode(false);
+        }
     }
 
     void aRefusedScrollingCaptureLeavesNothingBehind()

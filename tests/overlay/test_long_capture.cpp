@@ -94,6 +94,7 @@ private Q_SLOTS:
         toolbar.show();
         QSignalSpy actions(&toolbar, &LongCaptureToolbar::actionTriggered);
         QSignalSpy moved(&toolbar, &LongCaptureToolbar::moved);
+        QSignalSpy pressed(&toolbar, &LongCaptureToolbar::pressed);
         auto *copy = toolbar.findChildren<QToolButton *>().at(2);
         const auto send = [copy](QEvent::Type type, const QPoint &global) {
             const QPointF local = copy->mapFromGlobal(QPointF(global));
@@ -115,11 +116,35 @@ private Q_SLOTS:
         send(QEvent::MouseButtonRelease, start + QPoint(3000, -3000));
         QCOMPARE(actions.count(), 1);
         QVERIFY(!copy->isDown());
+        QCOMPARE(pressed.count(), 2);
         for (const auto &[key, action] : {std::pair(Qt::Key_Return, LongCaptureToolbar::Edit),
                                           std::pair(Qt::Key_Escape, LongCaptureToolbar::Cancel)}) {
             QTest::keyClick(&toolbar, key);
             QCOMPARE(actions.last().first().toInt(), int(action));
         }
+    }
+
+    /// Without a compositor a window is opaque: what it shows has to be all its own.
+    void theToolbarHasNoBlackCorners()
+    {
+        QWidget owner;
+        LongCaptureToolbar toolbar(&owner);
+        toolbar.setTheme(ui::lightTheme());
+        toolbar.setMixed(false);
+        toolbar.show();
+        QImage image(toolbar.size(), QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::transparent);
+        toolbar.render(&image, {}, {}, QWidget::DrawChildren);
+        const QRegion shown = toolbar.mask();
+        QVERIFY(!shown.contains(QPoint(0, 0)) && shown.contains(image.rect().center()));
+        for (const QRect &part : shown) {
+            for (int y = part.top(); y <= part.bottom(); ++y) {
+                for (int x = part.left(); x <= part.right(); ++x)
+                    QCOMPARE(qAlpha(image.pixel(x, y)), 255);
+            }
+        }
+        toolbar.setMixed(true);
+        QVERIFY(toolbar.mask().isEmpty());
     }
 
     void theStitchedPageIsTheResult()
@@ -179,10 +204,17 @@ private Q_SLOTS:
         QVERIFY(overlay.startLongMode());
         auto *mode = overlay.findChild<ui::LongCaptureMode *>();
         QSignalSpy troubled(mode, &ui::LongCaptureMode::troubled);
+        const auto far = shot(whole, 2000); // beyond the view
         for (int i = 0; i < 20; ++i)
-            overlay.addLongFrame(shot(whole, 2000)); // far beyond the view
+            overlay.addLongFrame(far);
         QCOMPARE(troubled.count(), 1);
+        for (int i = 20; i < 108; ++i)
+            overlay.addLongFrame(far);
+        QCOMPARE(troubled.count(), 2); // the first message has gone by then
         overlay.addLongFrame(shot(whole, 30));
+        for (int i = 0; i < 7; ++i)
+            overlay.addLongFrame(far);
+        QCOMPARE(troubled.count(), 2);
         QSignalSpy closed(&overlay, &CaptureOverlay::closeRequested);
         QTest::keyClick(&overlay, Qt::Key_Escape);
         QCOMPARE(closed.count(), 1);
