@@ -219,6 +219,14 @@
         <source>最近的指南</source>
         <translation>Recent guides</translation>
     </message>
+    <message>
+        <source>无法打开浏览器</source>
+        <translation>Could not open the browser</translation>
+    </message>
+    <message>
+        <source>请自行打开这个地址：%1</source>
+        <translation>Please open this address yourself: %1</translation>
+    </message>
 </context>
 <context>
     <name>CaptureOverlay</name>
@@ -439,6 +447,45 @@
     </message>
 </context>
 <context>
+    <name>FeedUpdater</name>
+    <message>
+        <source>更新服务器没有及时答复。</source>
+        <translation>The update server did not answer in time.</translation>
+    </message>
+    <message>
+        <source>更新源过大，已放弃读取。</source>
+        <translation>The update feed is too large and was not read.</translation>
+    </message>
+    <message>
+        <source>无法连接更新服务器：%1</source>
+        <translation>Could not reach the update server: %1</translation>
+    </message>
+    <message>
+        <source>更新源转向了不安全的地址，已放弃。</source>
+        <translation>The update feed redirects to an address that is not secure; given up.</translation>
+    </message>
+    <message>
+        <source>更新源转向次数过多，已放弃。</source>
+        <translation>The update feed redirects too often; given up.</translation>
+    </message>
+    <message>
+        <source>更新源没有签名，已忽略其内容。</source>
+        <translation>The update feed is not signed; its contents were ignored.</translation>
+    </message>
+    <message>
+        <source>更新服务器答复了错误（HTTP %1）。</source>
+        <translation>The update server answered with an error (HTTP %1).</translation>
+    </message>
+    <message>
+        <source>更新源的签名不正确，已忽略其内容。</source>
+        <translation>The signature of the update feed is wrong; its contents were ignored.</translation>
+    </message>
+    <message>
+        <source>更新源的内容无法读取。</source>
+        <translation>The update feed could not be read.</translation>
+    </message>
+</context>
+<context>
     <name>HotkeyProbe</name>
     <message>
         <source>系统不接受模拟按键，无法验证按键是否送达。</source>
@@ -466,7 +513,7 @@
     </message>
     <message>
         <source>也可以在桌面自己的快捷键设置里调用每行末尾的命令；Tavrel 在运行时命令会转交给它。</source>
-        <translation>The desktop's own shortcut settings can call the command at the end of each line as well; it is handed to the Tavrel that runs.</translation>
+        <translation>The desktop&apos;s own shortcut settings can call the command at the end of each line as well; it is handed to the Tavrel that runs.</translation>
     </message>
 </context>
 <context>
@@ -676,6 +723,41 @@
     </message>
 </context>
 <context>
+    <name>UpdateMessages</name>
+    <message>
+        <source>当前版本是 %1。</source>
+        <translation>This is version %1.</translation>
+    </message>
+    <message>
+        <source>发布日期：%1</source>
+        <translation>Released: %1</translation>
+    </message>
+    <message>
+        <source>有新版本 %1</source>
+        <translation>Version %1 is available</translation>
+    </message>
+    <message>
+        <source>打开下载页</source>
+        <translation>Open Download Page</translation>
+    </message>
+    <message>
+        <source>以后再说</source>
+        <translation>Later</translation>
+    </message>
+    <message>
+        <source>已是最新版本</source>
+        <translation>Up to date</translation>
+    </message>
+    <message>
+        <source>Tavrel %1 是目前的最新版本。</source>
+        <translation>Tavrel %1 is the latest version.</translation>
+    </message>
+    <message>
+        <source>检查更新失败</source>
+        <translation>The check for updates failed</translation>
+    </message>
+</context>
+<context>
     <name>WatermarkShape</name>
     <message>
         <source>平铺</source>
@@ -767,6 +849,17 @@
     <message>
         <source>关闭</source>
         <translation>Close</translation>
+    </message>
+</context>
+<context>
+    <name>XdgAutoStart</name>
+    <message>
+        <source>无法删除自动启动项：%1</source>
+        <translation>Could not delete the start-up entry: %1</translation>
+    </message>
+    <message>
+        <source>无法写入自动启动项：%1</source>
+        <translation>Could not write the start-up entry: %1</translation>
     </message>
 </context>
 <context>
@@ -1130,6 +1223,10 @@
     <message>
         <source>长图已到长度上限，请保存或复制</source>
         <translation>The long screenshot has reached its limit — save or copy it</translation>
+    </message>
+    <message>
+        <source>屏幕变了或抓不到画面：请先保存或复制已拼好的部分</source>
+        <translation>The screen has changed or cannot be captured: save or copy what has been stitched</translation>
     </message>
 </context>
 <context>
