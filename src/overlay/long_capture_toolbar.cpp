@@ -2,12 +2,12 @@
 
 #include "overlay/toolbar_button.h"
 
+#include <QBitmap>
 #include <QCloseEvent>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QPainterPath>
 
 #include <algorithm>
 #include <utility>
@@ -159,9 +159,14 @@ void LongCaptureToolbar::cutCorners()
         clearMask();
         return;
     }
-    QPainterPath shape;
-    shape.addRoundedRect(QRectF(rect()), kRadius, kRadius);
-    setMask(QRegion(shape.toFillPolygon().toPolygon()));
+    QBitmap shape(size()); // a polygon of the outline has few corners
+    shape.clear();
+    QPainter painter(&shape);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Qt::color1);
+    painter.drawRoundedRect(rect(), kRadius, kRadius);
+    painter.end();
+    setMask(QRegion(shape));
 }
 
 void LongCaptureToolbar::closeEvent(QCloseEvent *event)
