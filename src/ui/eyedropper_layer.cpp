@@ -3,6 +3,7 @@
 #include "ui/color_value.h"
 #include "ui/eyedropper_sample.h"
 
+#include <QCoreApplication>
 #include <QCursor>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -156,11 +157,23 @@ bool EyedropperLayer::event(QEvent *event)
 
 bool EyedropperLayer::eventFilter(QObject *, QEvent *event)
 {
-    if (event->type() == QEvent::Resize && parentWidget()) {
-        hideLoupe();
-        setGeometry(parentWidget()->rect());
+    switch (event->type()) {
+    case QEvent::Resize:
+        if (parentWidget()) {
+            hideLoupe();
+            setGeometry(parentWidget()->rect());
+        }
+        return false;
+    // At a ratio above 1 the outermost row and column of pixels are rounded to where no child reaches.
+    case QEvent::MouseMove:
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseButtonRelease:
+    case QEvent::Wheel:
+        return !m_done && QCoreApplication::sendEvent(this, event);
+    default:
+        return false;
     }
-    return false;
 }
 
 bool EyedropperLayer::focusNextPrevChild(bool)
@@ -168,10 +181,16 @@ bool EyedropperLayer::focusNextPrevChild(bool)
     return true; // Tab leads nowhere
 }
 
+QPointF EyedropperLayer::pointOf(const QMouseEvent &event) const
+{
+    // The position of the event itself is rounded to whole units, at a fractional ratio a pixel beside the pointer's.
+    return mapFrom(window(), event.scenePosition());
+}
+
 void EyedropperLayer::mouseMoveEvent(QMouseEvent *event)
 {
     if (!m_done)
-        lookAt(event->position());
+        lookAt(pointOf(*event));
 }
 
 void EyedropperLayer::mousePressEvent(QMouseEvent *event)
@@ -181,7 +200,7 @@ void EyedropperLayer::mousePressEvent(QMouseEvent *event)
             Q_EMIT cancelled();
         return;
     }
-    lookAt(event->position());
+    lookAt(pointOf(*event));
     if (!m_valid)
         return;
     const QColor color = m_color;

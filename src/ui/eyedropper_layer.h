@@ -60,6 +60,7 @@ protected:
     void leaveEvent(QEvent *event) override;
 
 private:
+    [[nodiscard]] QPointF pointOf(const QMouseEvent &event) const;
     void lookAt(const QPointF &point);
     void hideLoupe();
     void updateLoupe();

@@ -6,7 +6,9 @@ namespace tavrel::ui {
 
 QImage eyedropperSample(const QImage &picture, const QPointF &point)
 {
-    const QPointF scaled = point * picture.devicePixelRatio();
+    // A point that came from a whole pixel must lead back to it: 9 / 1.3 * 1.3 is a hair less than 9.
+    constexpr double kHair = 1e-6;
+    const QPointF scaled = point * picture.devicePixelRatio() + QPointF(kHair, kHair);
     const QPoint centre(static_cast<int>(std::floor(scaled.x())), static_cast<int>(std::floor(scaled.y())));
     if (!picture.rect().contains(centre))
         return {};

@@ -8,6 +8,7 @@
 #include <QShortcut>
 #include <QSignalSpy>
 #include <QWheelEvent>
+#include <QWindow>
 
 using namespace tavrel::ui;
 
@@ -20,6 +21,7 @@ public:
     explicit Host(double ratio) : picture(QSize(400, 300) * ratio, QImage::Format_RGB32)
     {
         resize(400, 300);
+        setMouseTracking(true);
         picture.setDevicePixelRatio(ratio);
         for (int y = 0; y < picture.height(); ++y) {
             for (int x = 0; x < picture.width(); ++x)
@@ -65,6 +67,15 @@ void moveTo(const QWidget &layer, const QPoint &point)
     QTest::mouseMove(layer.window()->windowHandle(), point);
 }
 
+/// As the window system says it, also between whole units.
+void sendAt(const QWidget &layer, QEvent::Type type, const QPointF &point)
+{
+    QWindow *window = layer.window()->windowHandle();
+    const auto button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+    QMouseEvent event(type, point, point, window->mapToGlobal(point), button, button, Qt::NoModifier);
+    QCoreApplication::sendEvent(window, &event);
+}
+
 } // namespace
 
 class TestEyedropperLayer : public QObject
@@ -74,6 +85,7 @@ private Q_SLOTS:
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
     void picksThePixelUnderThePointer_data();
     void picksThePixelUnderThePointer();
+    void everyPixelIsFoundAgain();
     void cancels_data();
     void cancels();
     void nothingComesThrough();
@@ -89,35 +101,49 @@ private Q_SLOTS:
 void TestEyedropperLayer::picksThePixelUnderThePointer_data()
 {
     QTest::addColumn<double>("ratio");
-    QTest::addColumn<QPoint>("point");
+    QTest::addColumn<QPoint>("pixel");
     QTest::newRow("1") << 1.0 << QPoint(120, 80);
-    QTest::newRow("1.5") << 1.5 << QPoint(121, 81);
-    QTest::newRow("2") << 2.0 << QPoint(399, 299);
-    QTest::newRow("near the corner") << 2.0 << QPoint(1, 1);
+    QTest::newRow("1.5") << 1.5 << QPoint(181, 121);
+    QTest::newRow("1.5, between two units") << 1.5 << QPoint(182, 122);
+    QTest::newRow("1.25, nearer to the next unit") << 1.25 << QPoint(11, 302);
+    QTest::newRow("2") << 2.0 << QPoint(798, 598);
+    QTest::newRow("2, the last") << 2.0 << QPoint(799, 599);
+    QTest::newRow("near the corner") << 2.0 << QPoint(2, 2);
 }
 
 void TestEyedropperLayer::picksThePixelUnderThePointer()
 {
     QFETCH(double, ratio);
-    QFETCH(QPoint, point);
+    QFETCH(QPoint, pixel);
     Host host(ratio);
     host.show();
     QPointer<EyedropperLayer> layer = host.pick();
     QSignalSpy picked(layer, &EyedropperLayer::picked);
     QSignalSpy cancelled(layer, &EyedropperLayer::cancelled);
     moveTo(*layer, QPoint(50, 50));
-    moveTo(*layer, point);
-    const QPoint pixel(static_cast<int>(point.x() * ratio), static_cast<int>(point.y() * ratio));
     const QColor expected = host.picture.pixelColor(pixel);
+    sendAt(*layer, QEvent::MouseMove, QPointF(pixel) / ratio);
     QCOMPARE(layer->currentColor(), expected);
-    QTest::mousePress(layer, Qt::LeftButton, {}, point);
+    moveTo(*layer, QPoint(50, 50));
+    sendAt(*layer, QEvent::MouseButtonPress, QPointF(pixel) / ratio);
     QCOMPARE(picked.count(), 1);
     QCOMPARE(picked.first().value(0).value<QColor>(), expected);
     QVERIFY(layer->isHidden());
-    QTest::mousePress(layer, Qt::LeftButton, {}, point); // once
+    QTest::mousePress(layer, Qt::LeftButton, {}, {}); // once
     QTest::keyClick(layer, Qt::Key_Escape);
     QCOMPARE(picked.count() + cancelled.count(), 1);
     QTRY_VERIFY(!layer);
+}
+
+void TestEyedropperLayer::everyPixelIsFoundAgain()
+{
+    for (const double ratio : {1.1, 1.15, 1.25, 1.3, 1.4, 1.75, 1.8}) {
+        const Host host(ratio);
+        for (int x = 0; x < host.picture.width(); ++x) {
+            const QImage sample = eyedropperSample(host.picture, QPointF(x, 3) / ratio);
+            QCOMPARE(sample.pixelColor(kEyedropperSide / 2, kEyedropperSide / 2), host.picture.pixelColor(x, 3));
+        }
+    }
 }
 
 void TestEyedropperLayer::cancels_data()
