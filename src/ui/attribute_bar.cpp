@@ -419,10 +419,16 @@ bool AttributeBar::eventFilter(QObject *watched, QEvent *event)
             return true;
         }
     }
-    if (event->type() == QEvent::MouseButtonPress && m_popup && watched->isWidgetType()) {
+    if (event->type() == QEvent::MouseButtonPress && m_popup && !m_eyedropper && watched->isWidgetType()) {
         const auto *widget = static_cast<QWidget *>(watched);
-        const bool isInside = widget == m_popup || m_popup->isAncestorOf(widget) || widget == this ||
-                              isAncestorOf(widget) || widget == m_eyedropper;
+        // A menu of one of its fields is a window of its own, and still a part of it.
+        const auto isPartOf = [widget](const QWidget *owner) {
+            const QWidget *part = widget;
+            while (part && part != owner)
+                part = part->parentWidget();
+            return part != nullptr;
+        };
+        const bool isInside = isPartOf(m_popup) || isPartOf(this);
         if (!isInside)
             closePopup();
     }

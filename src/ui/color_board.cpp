@@ -44,7 +44,7 @@ QString boardStyle(const Theme &theme)
                "QFrame#hexBox { background: %3; border: 1px solid %4; border-radius: 10px; }"
                "QFrame#hexBox[editing=\"true\"] { border: 1px solid %5; }"
                "QLabel#hexHash { font-size: 14px; }"
-               "QLineEdit#hexEdit { color: %1; background: transparent; border: none; font-size: 14px; "
+               "QLineEdit#hexEdit { color: %1; background: transparent; border: none; padding: 0; font-size: 14px; "
                "selection-background-color: %5; }"
                "QPushButton#resetPalette { color: %2; background: transparent; border: 1px solid transparent; "
                "border-radius: 6px; padding: 2px 7px; font-size: 12px; }"

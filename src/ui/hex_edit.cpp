@@ -89,7 +89,8 @@ void HexEdit::focusInEvent(QFocusEvent *event)
 void HexEdit::focusOutEvent(QFocusEvent *event)
 {
     QLineEdit::focusOutEvent(event);
-    leave();
+    if (event->reason() != Qt::PopupFocusReason) // its own menu: what is typed and marked is what that is for
+        leave();
 }
 
 void HexEdit::hideEvent(QHideEvent *event)

@@ -3,6 +3,7 @@
 #include "annotate/tool_memory.h"
 #include "support/test_main.h"
 #include "ui/attribute_bar.h"
+#include "ui/color_board.h"
 #include "ui/color_library.h"
 #include "ui/modern_slider.h"
 #include "ui/segment_track.h"
@@ -13,6 +14,9 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPointer>
 #include <QSignalSpy>
 #include <QToolButton>
 #include <QWheelEvent>
@@ -349,6 +353,24 @@ private Q_SLOTS:
         QCOMPARE(access->valueInterface()->currentValue().toInt(), 4);
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
         QVERIFY(m_window->hasFocus());
+    }
+
+    /// A press outside closes the board; the menu of its field is a window of its own and not outside.
+    void theBoardOutlivesTheMenuOfItsField()
+    {
+        m_bar->setTool(ToolType::Rect);
+        m_bar->findChild<QToolButton *>(QStringLiteral("moreColors"))->click();
+        QPointer<ui::ColorBoard> board = m_window->findChild<ui::ColorBoard *>();
+        QVERIFY(board && board->isVisible());
+        auto *field = board->findChild<QLineEdit *>(QStringLiteral("hexEdit"));
+        QPointer<QMenu> menu = field->createStandardContextMenu();
+        menu->popup(field->mapToGlobal(QPoint()));
+        QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(menu->actions().constLast()).center());
+        QTRY_VERIFY(!menu || !menu->isVisible());
+        delete menu;
+        QVERIFY(board && board->isVisible());
+        QTest::mouseClick(m_window.get(), Qt::LeftButton, {}, QPoint(2, 2));
+        QTRY_VERIFY(!board);
     }
 
     void closingTheWindowInsideAChangeIsSurvived()

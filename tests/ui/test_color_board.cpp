@@ -396,6 +396,7 @@ void TestColorBoard::typingSuspendsHotkeysInPairs_data()
     QTest::newRow("window hidden") << 4;
     QTest::newRow("return") << 5;
     QTest::newRow("a dialog over it") << 6;
+    QTest::newRow("its own menu first") << 7;
 }
 
 void TestColorBoard::typingSuspendsHotkeysInPairs()
@@ -426,6 +427,17 @@ void TestColorBoard::typingSuspendsHotkeysInPairs()
     case 5:
         QTest::keyClick(edit, Qt::Key_Return);
         break;
+    case 7: {
+        edit->selectAll();
+        QTest::keyClicks(edit, QStringLiteral("12"));
+        edit->selectAll();
+        QFocusEvent away(QEvent::FocusOut, Qt::PopupFocusReason);
+        QCoreApplication::sendEvent(edit, &away);
+        QCOMPARE(edit->selectedText(), QStringLiteral("12")); // to be copied from there
+        QCOMPARE(calls, QList<bool>{true});
+        chip(0)->setFocus();
+        break;
+    }
     default:
         dialog.emplace();
         chip(0)->setFocus();
