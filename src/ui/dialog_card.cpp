@@ -210,7 +210,8 @@ void DialogCard::fitText()
     const QSize text = m_text->sizeHint();
     m_text->resize(text);
     const bool scrolls = text.height() > kTextHeight;
-    m_textArea->setFixedSize(text.width() + (scrolls ? kScrollRoom : 0), std::min(text.height(), kTextHeight));
+    m_textArea->setFixedSize(text.width() + (scrolls ? kScrollRoom : 0),
+                             scrolls ? m_text->heightOfWholeLines(kTextHeight) : text.height());
 }
 
 void DialogCard::setContent(QWidget *content)
@@ -237,6 +238,7 @@ void DialogCard::setButtons(const QList<ButtonSpec> &buttons)
         button->setAutoDefault(false);
         button->setStyleSheet(buttonStyle(m_theme, spec.role));
         button->setAccessibleName(spec.text);
+        button->installEventFilter(this);
         connect(button, &QPushButton::clicked, this, [this, id = spec.id] { finish(id); });
         m_buttonRow->addWidget(button);
         m_buttonWidgets.append(button);
@@ -321,6 +323,15 @@ const ButtonSpec *DialogCard::escapeButton() const
     return m_buttons.size() == 1 ? &m_buttons.first() : nullptr;
 }
 
+bool DialogCard::eventFilter(QObject *watched, QEvent *event)
+{
+    // The second press of a double click whose first one ended the dialog before this one.
+    if (event->type() == QEvent::MouseButtonDblClick && !m_pressed)
+        return true;
+    m_pressed = m_pressed || event->type() == QEvent::MouseButtonPress;
+    return QWidget::eventFilter(watched, event);
+}
+
 bool DialogCard::event(QEvent *event)
 {
     // Accepted, a key is a key press and not a shortcut of the window below the sheet.
@@ -335,6 +346,9 @@ void DialogCard::keyPressEvent(QKeyEvent *event)
 {
     event->accept();
     const ButtonSpec *button = nullptr;
+    const bool ends = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter || event->key() == Qt::Key_Escape;
+    if (ends && event->isAutoRepeat())
+        return; // held since before: nobody has seen this dialog yet
     switch (event->key()) {
     case Qt::Key_Return:
     case Qt::Key_Enter:

@@ -80,6 +80,7 @@ Q_SIGNALS:
 
 protected:
     bool event(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void keyReleaseEvent(QKeyEvent *event) override;
     bool focusNextPrevChild(bool next) override;
@@ -104,6 +105,7 @@ private:
     QHBoxLayout *m_buttonRow;
     QList<ButtonSpec> m_buttons;
     QList<QPushButton *> m_buttonWidgets;
+    bool m_pressed = false; ///< a press has come to one of the buttons
     bool m_finished = false;
 };
 

@@ -1,8 +1,7 @@
 #pragma once
 
 #include <QLabel>
-
-class QTextLayout;
+#include <QTextLayout>
 
 namespace tavrel::ui {
 
@@ -18,13 +17,19 @@ public:
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
     [[nodiscard]] int heightForWidth(int width) const override;
+    /// The height of the lines, from the first one, that are whole within `most`.
+    [[nodiscard]] int heightOfWholeLines(int most) const;
 
 protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    /// Breaks the text into lines; returns their height.
-    qreal layOut(QTextLayout &layout, qreal width) const;
+    /// The text in lines. Kept until text, font, width or direction change: a long text takes milliseconds, and layouts
+    /// ask for its size many times.
+    const QTextLayout &lines(qreal width) const;
+
+    mutable QTextLayout m_lines;
+    mutable qreal m_width = -1;
 };
 
 } // namespace tavrel::ui

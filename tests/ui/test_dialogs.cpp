@@ -1,8 +1,10 @@
 #include "support/test_main.h"
 
 #include "platform/window_controller.h"
+#include "ui/color_board.h"
 #include "ui/dialog_hosts.h"
 #include "ui/dialogs.h"
+#include "ui/wrapped_label.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -86,6 +88,7 @@ private Q_SLOTS:
     void keysEndACard_data();
     void keysEndACard();
     void focusedButtonWinsOverTheDefault();
+    void whatBeganBeforeADialogDoesNotEndIt();
     void askTextAnswersTextOrNothing_data();
     void askTextAnswersTextOrNothing();
     void pickColorAnswersTheColorOrNot_data();
@@ -226,6 +229,33 @@ void TestDialogs::focusedButtonWinsOverTheDefault()
     QCOMPARE(m_answers, (QStringList{QStringLiteral("a no"), QStringLiteral("b yes"), QStringLiteral("c yes")}));
 }
 
+void TestDialogs::whatBeganBeforeADialogDoesNotEndIt()
+{
+    confirm(m_window.get(), QStringLiteral("a"));
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape}) {
+        QKeyEvent held(QEvent::KeyPress, key, Qt::NoModifier, QString(), true);
+        QCoreApplication::sendEvent(m_window->focusWidget(), &held);
+    }
+    const auto secondClick = [this] {
+        auto *button = shownCard(*m_window)->findChild<QPushButton *>();
+        const QPointF middle = QRectF(button->rect()).center();
+        for (const QEvent::Type type : {QEvent::MouseButtonDblClick, QEvent::MouseButtonRelease}) {
+            const bool isDown = type == QEvent::MouseButtonDblClick;
+            QMouseEvent event(type, middle, button->mapToGlobal(middle), Qt::LeftButton,
+                              isDown ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
+            QCoreApplication::sendEvent(button, &event);
+        }
+    };
+    secondClick();
+    QVERIFY(m_answers.isEmpty());
+    // After a press that was meant for this dialog it is a click like any other.
+    auto *button = shownCard(*m_window)->findChild<QPushButton *>();
+    QTest::mousePress(button, Qt::LeftButton);
+    QTest::mouseRelease(button, Qt::LeftButton, {}, QPoint(-50, -50));
+    secondClick();
+    QCOMPARE(m_answers, QStringList{QStringLiteral("a no")});
+}
+
 void TestDialogs::askTextAnswersTextOrNothing_data()
 {
     QTest::addColumn<QString>("typed");
@@ -278,6 +308,13 @@ void TestDialogs::pickColorAnswersTheColorOrNot()
     QVERIFY(card && !card->accessibleName().isEmpty());
     QVERIFY(card->isAncestorOf(m_window->focusWidget()));
     auto *field = card->findChild<QLineEdit *>(QStringLiteral("hexEdit"));
+    // The card's look for fields is not for this one.
+    ColorBoard alone(m_window.get());
+    auto *other = alone.findChild<QLineEdit *>(QStringLiteral("hexEdit"));
+    field->home(false);
+    other->home(false);
+    QCOMPARE(field->inputMethodQuery(Qt::ImCursorRectangle).toRect().x(),
+             other->inputMethodQuery(Qt::ImCursorRectangle).toRect().x());
     if (!typed.isEmpty()) {
         field->setFocus();
         field->selectAll();
@@ -571,6 +608,9 @@ void TestDialogs::longTextsStayInBounds()
     QVERIFY2(huge.width() <= 420 && huge.height() <= 480, qPrintable(QDebug::toString(huge)));
     auto *bar = card.findChild<QScrollArea *>()->verticalScrollBar();
     QTRY_VERIFY(bar->maximum() > 0);
+    // No line is cut in two.
+    const int shown = card.findChild<QScrollArea *>()->viewport()->height();
+    QCOMPARE(card.findChild<WrappedLabel *>(QStringLiteral("dlgText"))->heightOfWholeLines(shown), shown);
     press(&card, Qt::Key_PageDown);
     QVERIFY(bar->value() > 0);
 }
