@@ -175,7 +175,6 @@ void MenuPanel::openSubmenu(bool byKey)
         return;
     m_submenu = new MenuPanel(row->entry().submenu, m_theme, this);
     m_submenu->m_above = this;
-    connect(m_submenu, &MenuPanel::chosen, this, &MenuPanel::chosen);
     const QRect beside(mapToGlobal(QPoint(0, row->y())), QSize(width(), row->height()));
     m_submenu->place(QRect(beside.left() + width() - kSubmenuOverlap, beside.top() - kMargin, m_submenu->width(),
                            m_submenu->height()),
@@ -313,11 +312,6 @@ void MenuPanel::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    if (m_isTranslucent) {
-        painter.setCompositionMode(QPainter::CompositionMode_Source);
-        painter.fillRect(rect(), Qt::transparent);
-        painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-    }
     panelSurface(painter, QRectF(rect()), m_theme);
     painter.setRenderHint(QPainter::Antialiasing, false);
     for (const int y : m_lines)
