@@ -1,6 +1,7 @@
 #include "app/default_services.h"
 
 #include "platform/feed_updater.h"
+#include "platform/linux/host_lookup.h"
 #include "platform/linux/libsecret_store.h"
 #include "platform/linux/quit_signals.h"
 #include "platform/linux/x11_global_hotkey.h"
@@ -33,6 +34,9 @@ std::unique_ptr<platform::IUpdater> feedUpdater(const AppController::Deps &deps)
     options.buildNumber = TAVREL_BUILD_NUMBER;
     options.present = deps.showUpdate;
     options.mayCheckByItself = deps.enableBackground;
+    options.lookUp = [lookup = std::make_shared<platform::HostLookup>()](const QString &host, const auto &done) {
+        lookup->find(host, done);
+    };
     return std::make_unique<platform::FeedUpdater>(std::move(options));
 }
 

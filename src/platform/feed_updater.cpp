@@ -117,6 +117,8 @@ void FeedUpdater::start(bool isInteractive)
         return;
     m_isRunning = true;
     m_isReached = false;
+    ++m_checks;
+    m_knownHost.clear();
     if (!m_network)
         m_network = std::make_unique<QNetworkAccessManager>();
     m_deadline.start(m_options.deadline);
@@ -124,6 +126,25 @@ void FeedUpdater::start(bool isInteractive)
 }
 
 void FeedUpdater::fetch(const QUrl &url, const Step &step)
+{
+    const QString host = url.host();
+    if (!m_options.lookUp || host == m_knownHost) {
+        send(url, step);
+        return;
+    }
+    m_options.lookUp(host, [this, check = m_checks, host, url, step](bool found) {
+        if (!m_isRunning || check != m_checks)
+            return; // given up meanwhile
+        if (!found) {
+            fail(QCoreApplication::translate("FeedUpdater", "找不到更新服务器 %1。").arg(host));
+            return;
+        }
+        m_knownHost = host;
+        send(url, step);
+    });
+}
+
+void FeedUpdater::send(const QUrl &url, const Step &step)
 {
     QNetworkReply *reply = m_network->get(requestFor(url));
     m_reply = reply;

@@ -46,7 +46,9 @@ public:
         std::chrono::milliseconds deadline{15'000};     ///< of a whole check
         std::chrono::milliseconds firstLook{30'000};    ///< after the start
         std::chrono::milliseconds lookEvery{3'600'000}; ///< whether a check is due
-        std::function<qint64()> now;                    ///< seconds since 1970; empty means the system's clock
+        /// Says later, on this thread, whether a host is known; asked before each host is talked to. Empty asks nobody.
+        std::function<void(const QString &host, std::function<void(bool found)> done)> lookUp;
+        std::function<qint64()> now; ///< seconds since 1970; empty means the system's clock
     };
 
     static constexpr qint64 kCheckInterval = 86400; ///< seconds
@@ -73,6 +75,7 @@ private:
     void look();
     void start(bool isInteractive);
     void fetch(const QUrl &url, const Step &step);
+    void send(const QUrl &url, const Step &step);
     void onFinished(const Step &step);
     void follow(const QUrl &from, const QUrl &to, Step step);
     void refuse(int status, const Step &step);
@@ -86,9 +89,11 @@ private:
     std::unique_ptr<QNetworkAccessManager> m_network; ///< made by the first check
     QPointer<QNetworkReply> m_reply;
     QByteArray m_feed; ///< while its signature is on the way
+    QString m_knownHost;
     std::optional<UpdateReport> m_held;
     QTimer m_deadline;
     QTimer m_looks;
+    int m_checks = 0; ///< begun so far
     bool m_isRunning = false;
     bool m_isInteractive = false;
     bool m_isReached = false; ///< the server has answered in this check

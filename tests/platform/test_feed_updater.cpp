@@ -344,6 +344,38 @@ private Q_SLOTS:
         QCOMPARE(server.requests.size(), 2);
     }
 
+    void hostsAreLookedUpFirst()
+    {
+        Server server;
+        publish(server, feedOf(kOurs + 1));
+        QList<std::function<void(bool)>> lookups;
+        FeedUpdater::Options options = this->options(server);
+        options.deadline = std::chrono::milliseconds(200);
+        options.lookUp = [&lookups](const QString &host, std::function<void(bool)> done) {
+            QCOMPARE(host, u"127.0.0.1"_qs);
+            lookups.append(std::move(done));
+        };
+        FeedUpdater updater(options);
+        updater.checkNow();
+        QTRY_COMPARE(m_reports.size(), 1); // without an answer
+        QVERIFY(m_reports.last().problem.contains(u"及时"));
+        lookups.takeFirst()(true); // too late
+        updater.checkNow();
+        lookups.takeFirst()(false);
+        QCOMPARE(m_reports.size(), 2);
+        QVERIFY(m_reports.last().problem.contains(u"找不到"));
+        QVERIFY(server.requests.isEmpty());
+        QVERIFY(!QSettings().contains(u"update/lastCheck"_qs));
+
+        options.deadline = std::chrono::seconds(15);
+        FeedUpdater patient(options);
+        patient.checkNow();
+        lookups.takeFirst()(true);
+        QTRY_COMPARE(m_reports.size(), 3);
+        QCOMPARE(m_reports.last().outcome, Outcome::NewVersion);
+        QVERIFY(lookups.isEmpty()); // the signature lies on the same host
+    }
+
     void mayGoInTheMiddle()
     {
         Server server;

@@ -1,3 +1,4 @@
+#include "platform/linux/host_lookup.h"
 #include "platform/linux/xdg_auto_start.h"
 #include "platform/linux/xdg_permissions.h"
 #include "support/test_main.h"
@@ -163,6 +164,31 @@ private Q_SLOTS:
         QVERIFY(!dangling.isEnabled());
         QVERIFY(dangling.setEnabled(false, nullptr));
         QVERIFY(!QFileInfo(link).isSymLink());
+    }
+
+    void hostsAreLookedUp_data()
+    {
+        QTest::addColumn<QString>("host");
+        QTest::addColumn<bool>("found");
+        QTest::newRow("this machine") << u"localhost"_qs << true;
+        QTest::newRow("address") << u"127.0.0.1"_qs << true;
+        QTest::newRow("address of the other kind") << u"::1"_qs << true;
+        QTest::newRow("too long to be asked for") << QString(300, u'a') << false;
+    }
+
+    void hostsAreLookedUp()
+    {
+        QFETCH(QString, host);
+        QFETCH(bool, found);
+        QList<bool> answers;
+        {
+            HostLookup gone;
+            gone.find(host, [&answers](bool isFound) { answers.append(isFound); });
+        }
+        HostLookup lookup;
+        lookup.find(host, [&answers](bool isFound) { answers.append(isFound); });
+        QVERIFY(answers.isEmpty());
+        QTRY_COMPARE(answers, QList{found}); // and nothing from the one that has gone
     }
 
     void permissionsHaveNoGate()
