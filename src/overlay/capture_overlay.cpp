@@ -381,6 +381,7 @@ void CaptureOverlay::setSelectionRect(const QRectF &rect)
     if (m_mode == OverlayMode::Drawing)
         endDrawing();
     m_hover.clear();
+    m_longResult = {};
     m_selection = rect.intersected(area());
     changeMode(OverlayMode::Idle);
     layoutPanels();
@@ -529,6 +530,7 @@ void CaptureOverlay::loadSnapshot(const OverlaySnapshot &snapshot)
         return;
     endTextEdit();
     m_hover.clear();
+    m_longResult = {};
     const double ratio = snapshot.image.devicePixelRatio();
     const QSizeF logical = QSizeF(snapshot.image.size()) / ratio;
     const bool covers = std::abs(logical.width() - width()) < 1 && std::abs(logical.height() - height()) < 1;

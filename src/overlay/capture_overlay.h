@@ -221,6 +221,7 @@ private:
     [[nodiscard]] PaintedRegions regionsNow() const;
     [[nodiscard]] QString sizeText() const;
     [[nodiscard]] QRectF sizeLabel() const;
+    [[nodiscard]] bool picksColor() const; ///< the pointer is on a pixel of the picture
     [[nodiscard]] bool showsMagnifier() const;
     [[nodiscard]] MagnifierLook magnifierLook() const;
     [[nodiscard]] QRectF hintBox() const;

@@ -97,7 +97,7 @@ bool CaptureOverlay::handlePlainKey(const KeyCombo &combo, int key)
         scheduleUpdate();
         return true;
     }
-    if (combo == KeyCombo{.key = Qt::Key_C} && m_pointerInside && !hasTool() && m_picture.hasPixelAt(m_pointer)) {
+    if (combo == KeyCombo{.key = Qt::Key_C} && picksColor()) {
         copyColor();
         return true;
     }

@@ -138,10 +138,16 @@ QRectF CaptureOverlay::sizeLabel() const
     return m_panels->cover(inside) ? box : inside;
 }
 
+bool CaptureOverlay::picksColor() const
+{
+    // A stitched page hides the picture below it.
+    const bool onPage = !m_longResult.isNull() && m_selection.contains(m_pointer);
+    return m_pointerInside && !hasTool() && !onPage && m_picture.hasPixelAt(m_pointer);
+}
+
 bool CaptureOverlay::showsMagnifier() const
 {
-    return magnifierLook().isShown() && m_mode != OverlayMode::Drawing && !hasTool() && m_pointerInside &&
-           m_picture.hasPixelAt(m_pointer);
+    return magnifierLook().isShown() && m_mode != OverlayMode::Drawing && picksColor();
 }
 
 MagnifierLook CaptureOverlay::magnifierLook() const

@@ -258,8 +258,8 @@ int ScrollTracker::cutTail(int offset, bool grewAtTop)
     return cut;
 }
 
-/// What stands at the edges has no say in how far the page between has moved, if that is the larger part: on a page
-/// with few lines a footer would outvote them.
+/// What stands at the edges has no say in how far the page between has moved: on a page with few lines a footer
+/// would outvote them.
 ExactVote ScrollTracker::vote(const ScrollSearch &search, const Bars &standing, int radius) const
 {
     const int height = m_frame.height();
@@ -291,8 +291,8 @@ std::optional<ScrollTracker::Place> ScrollTracker::findPlace(ScrollSearch &searc
 {
     const bool resting = isAtRest();
     Bars standing{standingRows(m_frame, m_last, 0, true).bar, standingRows(m_frame, m_last, 0, false).bar};
-    if ((standing.top + standing.bottom) * 2 > m_frame.height())
-        standing = {}; // a page at rest on which something moves
+    if ((standing.top + standing.bottom) * 3 > m_frame.height())
+        standing = {}; // too much for bars: a page at rest on which something moves
     const ExactVote vote = resting ? ExactVote() : this->vote(search, standing, radius);
     m_subPixel = 0.0F;
     if (!resting && vote.kind == ExactVote::Certain && vote.offset == m_lastOffset && restsByItsBars(standing))

@@ -12,6 +12,10 @@
 #include <QSignalSpy>
 #include <QToolButton>
 
+#include <functional>
+#include <utility>
+#include <vector>
+
 using namespace tavrel;
 using ui::CaptureOverlay;
 using ui::LongCaptureToolbar;
@@ -188,11 +192,48 @@ private Q_SLOTS:
         QCOMPARE(copied.count(), 1);
         QCOMPARE(copied.first().first().value<QImage>().convertToFormat(QImage::Format_RGB32),
                  whole.copy(0, 0, 400, 700).convertToFormat(QImage::Format_RGB32));
-        // Another selection is a picture of the screen again.
-        overlay.clearSelection();
-        overlay.setSelectionRect(kView);
-        QTest::keyClick(&overlay, Qt::Key_Return);
-        QCOMPARE(copied.last().first().value<QImage>().size(), kView.size());
+        // No colour can be read from what the page hides.
+        QSignalSpy colors(&overlay, &CaptureOverlay::colorCopied);
+        QTest::mouseMove(&overlay, kView.center());
+        QTest::keyClick(&overlay, Qt::Key_C);
+        QCOMPARE(colors.count(), 0);
+        QTest::mouseMove(&overlay, {20, 20});
+        QTest::keyClick(&overlay, Qt::Key_C);
+        QCOMPARE(colors.count(), 1);
+    }
+
+    /// Another selection and another picture are what they show, not the page.
+    void theResultGoesWithItsSelection()
+    {
+        const QImage whole = page();
+        const platform::CapturedDisplay display = shot(whole, 0);
+        CaptureOverlay overlay(display, SettingsConfig());
+        overlay.show();
+        QSignalSpy copied(&overlay, &CaptureOverlay::copyRequested);
+        OverlaySnapshot older;
+        older.image = display.image;
+        older.selection = QRectF(10, 10, 50, 40);
+        const std::vector<std::pair<std::function<void()>, QSize>> ways{
+            {[&] {
+                 overlay.clearSelection();
+                 overlay.setSelectionRect(kView);
+             },
+             kView.size()},
+            {[&] {
+                 overlay.setSelectionRect({0, 0, 200, 100});
+             },
+             {200, 100}},
+            {[&] { overlay.loadSnapshot(older); }, {50, 40}}};
+        for (const auto &[change, size] : ways) {
+            overlay.setSelectionRect(kView);
+            QVERIFY(overlay.startLongMode());
+            overlay.addLongFrame(shot(whole, 40));
+            overlay.finishLongMode(true);
+            QCOMPARE(overlay.snapshot().image.height(), kView.height() + 40);
+            change();
+            QTest::keyClick(&overlay, Qt::Key_Return);
+            QCOMPARE(copied.last().first().value<QImage>().size(), size);
+        }
     }
 
     void framesThatCannotBePlacedAreTold()
