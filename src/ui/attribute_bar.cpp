@@ -412,6 +412,8 @@ bool AttributeBar::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::KeyPress) {
         auto *edit = qobject_cast<QLineEdit *>(watched);
+        if (edit && !isAncestorOf(edit)) // while the board is open all events come by
+            edit = nullptr;
         const int key = static_cast<QKeyEvent *>(event)->key();
         if (edit && (key == Qt::Key_Escape || key == Qt::Key_Return || key == Qt::Key_Enter)) {
             edit->clearFocus();

@@ -266,6 +266,26 @@ private Q_SLOTS:
         QCOMPARE(m_document->shapes().size(), 0); // one state for all that was typed
     }
 
+    /// The board has keys of its own, though the bar watches the whole program while it is open.
+    void theBoardKeepsItsKeys()
+    {
+        m_document->setTool(ToolType::Pen);
+        m_bar->setTool(ToolType::Pen);
+        m_bar->findChild<QAbstractButton *>(QStringLiteral("moreColors"))->click();
+        const QPointer<ui::ColorBoard> board = m_window->findChild<ui::ColorBoard *>();
+        QVERIFY(board);
+        auto *hex = board->findChild<QLineEdit *>(QStringLiteral("hexEdit"));
+        hex->setFocus();
+        hex->selectAll();
+        QTest::keyClicks(hex, QStringLiteral("12"));
+        QTest::keyClick(hex, Qt::Key_Return);
+        QVERIFY(board->isVisible());
+        QCOMPARE(hex->text().size(), 6); // half a colour is put right
+        QTest::keyClick(hex, Qt::Key_Escape);
+        QVERIFY(!board || !board->isVisible());
+        QVERIFY(m_window->hasFocus());
+    }
+
     void timeBlocksGoAsAWhole_data()
     {
         QTest::addColumn<QString>("text");
