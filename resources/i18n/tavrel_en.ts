@@ -227,6 +227,10 @@
         <source>请自行打开这个地址：%1</source>
         <translation>Please open this address yourself: %1</translation>
     </message>
+    <message>
+        <source>在托盘菜单里选择“检查更新…”查看内容。</source>
+        <translation>Choose "Check for Updates…" in the tray menu to read about it.</translation>
+    </message>
 </context>
 <context>
     <name>CaptureOverlay</name>
@@ -483,6 +487,10 @@
     <message>
         <source>更新源的内容无法读取。</source>
         <translation>The update feed could not be read.</translation>
+    </message>
+    <message>
+        <source>找不到更新服务器 %1。</source>
+        <translation>Could not find the update server %1.</translation>
     </message>
 </context>
 <context>

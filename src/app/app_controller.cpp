@@ -108,7 +108,12 @@ AppController::Deps AppController::withMessages(Deps deps)
 {
     if (!deps.showUpdate)
         deps.showUpdate = [this](const platform::UpdateReport &report) {
-            m_messages.show(updateMessage(report, [this](const QUrl &page) { openPage(page); }));
+            if (report.isAsked)
+                m_messages.show(updateMessage(report, [this](const QUrl &page) { openPage(page); }));
+            else // a window would take the keyboard from whoever is typing
+                m_notices.show(updateMessage(report, {}).title,
+                               QCoreApplication::translate("AppController", "在托盘菜单里选择“检查更新…”查看内容。"),
+                               IUserNotices::Kind::Information, 8000ms);
         };
     return deps;
 }

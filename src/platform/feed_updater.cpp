@@ -253,6 +253,7 @@ void FeedUpdater::finish(const UpdateReport &report)
     if (!isInteractive && report.outcome != UpdateReport::Outcome::NewVersion)
         return;
     m_held = report;
+    m_held->isAsked = isInteractive;
     deliver();
 }
 

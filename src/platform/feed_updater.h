@@ -21,8 +21,9 @@ struct UpdateReport
 {
     enum class Outcome { NewVersion, UpToDate, Failed };
     Outcome outcome = Outcome::Failed;
-    UpdateEntry entry; ///< the new version
-    QString problem;   ///< a sentence for the user
+    UpdateEntry entry;   ///< the new version
+    QString problem;     ///< a sentence for the user
+    bool isAsked = true; ///< false when the program looked by itself: nobody waits for the answer
 };
 
 /// Looks for new versions in a signed feed, and leaves it to the user to install them.

@@ -268,6 +268,7 @@ private Q_SLOTS:
         m_now += 1;
         QTRY_COMPARE(m_reports.size(), 1);
         QCOMPARE(m_reports.first().outcome, Outcome::NewVersion);
+        QVERIFY(!m_reports.first().isAsked);
 
         updater.setAutomaticChecks(false);
         QVERIFY(!updater.automaticChecks());
@@ -328,6 +329,7 @@ private Q_SLOTS:
         QTRY_COMPARE(m_reports.size(), 1);
         waitForLooks(20);
         QCOMPARE(m_reports.size(), 1);
+        QVERIFY(m_reports.first().isAsked);
     }
 
     void anAutomaticCheckBecomesTheUsers()
