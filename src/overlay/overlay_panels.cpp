@@ -65,6 +65,7 @@ void OverlayPanels::prepareAttributeBar()
     connect(m_attributeBar, &AttributeBar::toolVariantChanged, this, &OverlayPanels::toolChosen);
     connect(m_attributeBar, &AttributeBar::attributesChanged, this, &OverlayPanels::attributesChanged);
     connect(m_attributeBar, &AttributeBar::previewChanged, this, &OverlayPanels::attributesChanged);
+    connect(m_attributeBar, &AttributeBar::boardOpened, m_barTips, &OverlayTips::watchAll);
     connect(m_attributeBar, &AttributeBar::rebuilt, this, [this] {
         m_barTips->leave();
         const QList<QWidget *> controls = m_attributeBar->findChildren<QWidget *>();

@@ -107,6 +107,16 @@ void OverlayTips::watch(QWidget *target)
     target->installEventFilter(this);
 }
 
+void OverlayTips::watchAll(QWidget *root)
+{
+    watch(root);
+    const QObjectList &children = root->children();
+    for (QObject *child : children) {
+        if (auto *widget = qobject_cast<QWidget *>(child))
+            watchAll(widget);
+    }
+}
+
 void OverlayTips::enter(QWidget *target, const QRect &part, const QString &text)
 {
     if (target == m_target && part == m_part && text == m_text)
@@ -167,7 +177,12 @@ bool OverlayTips::eventFilter(QObject *watched, QEvent *event)
     auto *target = qobject_cast<QWidget *>(watched);
     switch (event->type()) {
     case QEvent::Enter:
-        enter(target, target->rect(), target->toolTip());
+        if (!target->toolTip().isEmpty()) // else it is a part of something that may have one
+            enter(target, target->rect(), target->toolTip());
+        break;
+    case QEvent::ChildPolished:
+        if (auto *child = qobject_cast<QWidget *>(static_cast<QChildEvent *>(event)->child()))
+            watchAll(child);
         break;
     case QEvent::Leave:
     case QEvent::Hide:

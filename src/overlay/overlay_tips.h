@@ -31,6 +31,8 @@ public:
     void setTheme(const Theme &theme);
     /// Shows the widget's own `toolTip` while the pointer rests on it, in place of the usual window.
     void watch(QWidget *target);
+    /// The same for everything in it, also for what it gets later.
+    void watchAll(QWidget *root);
     /// For parts of a widget: the pointer has come to this part. An empty text is the same as `leave`.
     void enter(QWidget *target, const QRect &part, const QString &text);
     void leave();

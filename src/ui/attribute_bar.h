@@ -57,8 +57,9 @@ public:
 Q_SIGNALS:
     void toolVariantChanged(tavrel::ToolType tool);
     void attributesChanged();
-    void previewChanged(); ///< a value while it is dragged; nothing is committed yet
-    void rebuilt();        ///< all controls are new; the size may be another one
+    void previewChanged();            ///< a value while it is dragged; nothing is committed yet
+    void rebuilt();                   ///< all controls are new; the size may be another one
+    void boardOpened(QWidget *board); ///< a child of the window, with colours to choose; about to be shown
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;

@@ -130,6 +130,7 @@ void AttributeBar::togglePopup()
         returnFocus();
     });
     connect(m_popup, &ColorBoard::eyedropperRequested, this, &AttributeBar::startEyedropper);
+    Q_EMIT boardOpened(m_popup);
     m_popup->popupAt(popupAnchor());
     qApp->installEventFilter(this);
 }

@@ -7,6 +7,10 @@
 #include "overlay/toolbar_config_dialog.h"
 #include "overlay/toolbar_widget.h"
 #include "support/test_main.h"
+#include "ui/color_board.h"
+#include "ui/color_chip.h"
+#include "ui/color_chip_row.h"
+#include "ui/color_library.h"
 #include "ui/outlined_text_edit.h"
 #include "ui/tool_steps.h"
 
@@ -14,6 +18,7 @@
 #include <QMouseEvent>
 #include <QNativeGestureEvent>
 #include <QSignalSpy>
+#include <QToolButton>
 #include <QWheelEvent>
 
 using namespace tavrel;
@@ -112,6 +117,32 @@ private Q_SLOTS:
         m_overlay->setTool(ToolType::Eraser);
         drag({{350, 90}, {350, 150}});
         QCOMPARE(document().shapes().size(), 0);
+    }
+
+    void theBoardTellsInTheOverlayToo()
+    {
+        ui::ColorLibrary::instance().reset();
+        m_overlay->setTool(ToolType::Rect);
+        m_overlay->findChild<QToolButton *>(QStringLiteral("moreColors"))->click();
+        auto *board = m_overlay->findChild<ui::ColorBoard *>();
+        QVERIFY(board);
+        const auto showsTipOf = [this](QWidget *part) {
+            QEnterEvent event(QPointF(2, 2), part->mapTo(m_overlay.get(), QPointF(2, 2)),
+                              part->mapToGlobal(QPointF(2, 2)));
+            QCoreApplication::sendEvent(part, &event);
+            return QTest::qWaitFor([this] { return m_overlay->findChild<QWidget *>(QStringLiteral("overlayTip")); });
+        };
+        QVERIFY(showsTipOf(board->findChild<QWidget *>(QStringLiteral("eyedropperButton"))));
+        QTest::keyClick(m_overlay->focusWidget(), Qt::Key_Escape);
+        QTRY_VERIFY(!m_overlay->findChild<QWidget *>(QStringLiteral("overlayTip")));
+
+        // A chip that came later.
+        m_overlay->findChild<QToolButton *>(QStringLiteral("moreColors"))->click();
+        ui::ColorLibrary::instance().add(QStringLiteral("#123456"));
+        board = m_overlay->findChild<ui::ColorBoard *>();
+        QCoreApplication::processEvents();
+        QVERIFY(showsTipOf(board->findChild<ui::ColorChipRow *>()->chips().constLast()));
+        ui::ColorLibrary::instance().reset();
     }
 
     void keysWhileDrawingStrandNothing()
