@@ -30,7 +30,7 @@ constexpr int kToastMs = 2000;
 
 CaptureOverlay::CaptureOverlay(const platform::CapturedDisplay &display, const SettingsConfig &config, QWidget *parent)
     : QWidget(parent, Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint),
-      m_display(display),
+      m_display(static_cast<const platform::DisplayInfo &>(display)),
       m_config(config),
       m_picture(display.image),
       m_toolMemory(std::make_shared<ToolMemory>()),

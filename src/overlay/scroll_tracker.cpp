@@ -223,6 +223,7 @@ std::vector<ScrollRun> ScrollTracker::newRuns(const ScrollBands &bands) const
     }
     if (runs.size() > kMaxRuns) {
         std::vector<int> sizes;
+        sizes.reserve(runs.size());
         for (const ScrollRun &run : runs)
             sizes.push_back(run.rows);
         std::nth_element(sizes.begin(), sizes.begin() + kMaxRuns, sizes.end(), std::greater<>());
