@@ -97,6 +97,10 @@ private Q_SLOTS:
             << Motions{{-80, 0}, {-80, 0}, {10, 0}} << QPointF(10, 100) << Path{{20, 100}, {0, 100}, {10, 100}};
         QTest::newRow("stopped by a barrier")
             << Motions{{10, 0}, {10, 0}} << QPointF(104, 100) << Path{{102, 100}, {104, 100}};
+        QTest::newRow("a tablet between steps") << Motions{{5, 0}, {50, 60, true}, {{}, 70, true}, {5, 5}}
+                                                << QPointF(55, 75) << Path{{105, 100}, {50, 60}, {50, 70}, {55, 75}};
+        QTest::newRow("a tablet mapped to a part of the desktop")
+            << Motions{{90, 100, true}, {80, 100, true}} << QPointF(60, 100) << Path{{80, 100}, {60, 100}};
         QTest::newRow("nothing") << Motions{} << QPointF(7, 7) << Path{};
     }
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace tavrel::platform {
 namespace {
@@ -17,24 +18,35 @@ bool isNear(const QPointF &a, const QPointF &b)
 
 } // namespace
 
+std::vector<QPointF> MotionResolver::follow(const QPointF &begin, const std::vector<Motion> &motions,
+                                            bool placesOnly) const
+{
+    std::vector<QPointF> path;
+    path.reserve(motions.size());
+    QPointF at = begin;
+    for (const Motion &motion : motions) {
+        if (placesOnly || motion.isPlace)
+            at = {motion.x.value_or(at.x()), motion.y.value_or(at.y())};
+        else
+            at += QPointF(motion.x.value_or(0), motion.y.value_or(0));
+        at.setX(std::clamp(at.x(), m_bounds.left(), std::max(m_bounds.left(), m_bounds.right() - 1)));
+        at.setY(std::clamp(at.y(), m_bounds.top(), std::max(m_bounds.top(), m_bounds.bottom() - 1)));
+        path.push_back(at);
+    }
+    return path;
+}
+
 std::vector<QPointF> MotionResolver::resolve(const QPointF &begin, const std::vector<Motion> &motions,
                                              const QPointF &end) const
 {
-    std::vector<QPointF> steps;
-    std::vector<QPointF> places;
-    QPointF step = begin;
-    QPointF place = begin;
-    for (const Motion &motion : motions) {
-        step += QPointF(motion.x.value_or(0), motion.y.value_or(0));
-        step.setX(std::clamp(step.x(), m_bounds.left(), std::max(m_bounds.left(), m_bounds.right() - 1)));
-        step.setY(std::clamp(step.y(), m_bounds.top(), std::max(m_bounds.top(), m_bounds.bottom() - 1)));
-        place = {motion.x.value_or(place.x()), motion.y.value_or(place.y())};
-        steps.push_back(step);
-        places.push_back(place);
+    std::vector<QPointF> path = follow(begin, motions, false);
+    if (path.empty())
+        return path;
+    if (!isNear(path.back(), end)) {
+        std::vector<QPointF> places = follow(begin, motions, true);
+        if (isNear(places.back(), end))
+            path = std::move(places);
     }
-    if (motions.empty())
-        return {};
-    std::vector<QPointF> &path = !isNear(step, end) && isNear(place, end) ? places : steps;
     // What is left over, mostly a fraction of a pixel, is spread over the row.
     const QPointF rest = end - path.back();
     for (std::size_t i = 0; i < path.size(); ++i)

@@ -13,10 +13,14 @@
 #include <sys/eventfd.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <functional>
 #include <iterator>
+#include <limits>
+#include <map>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -27,8 +31,7 @@ constexpr quint32 kButtonEvents = XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS | XCB
 constexpr quint32 kKeyEvents = XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE;
 constexpr quint32 kMoveEvents = XCB_INPUT_XI_EVENT_MASK_RAW_MOTION;
 
-/// The server's times come in whole milliseconds; when they are further off than this its clock has been set anew.
-constexpr double kClockJumpMs = 2000;
+constexpr int kClockSamples = 3;
 
 /// For the thread to take in what the server has already told.
 constexpr std::chrono::milliseconds kGoodbye{2000};
@@ -43,8 +46,32 @@ double fromFixed(const xcb_input_fp3232_t &value)
     return value.integral + value.frac / 4294967296.0;
 }
 
-/// Values of the first two axes, where the event has them.
-MotionResolver::Motion motionOf(const xcb_input_raw_motion_event_t &event)
+/// What the first two axes of a device can say when it sends places: a tablet's own units. Null for a device that sends
+/// steps or pixels.
+using Ranges = std::array<std::optional<std::pair<double, double>>, 2>;
+
+Ranges rangesOf(const XConnection &x, xcb_input_device_id_t device)
+{
+    Ranges ranges;
+    const auto reply = xAnswer<xcb_input_xi_query_device_reply_t>(x.xcb(), xcb_input_xi_query_device(x.xcb(), device),
+                                                                  xcb_input_xi_query_device_reply);
+    if (!reply || reply->num_infos == 0)
+        return ranges;
+    const auto info = xcb_input_xi_query_device_infos_iterator(reply.get());
+    for (auto it = xcb_input_xi_device_info_classes_iterator(info.data); it.rem > 0; xcb_input_device_class_next(&it)) {
+        if (it.data->type != XCB_INPUT_DEVICE_CLASS_TYPE_VALUATOR)
+            continue;
+        const auto *axis = reinterpret_cast<const xcb_input_valuator_class_t *>(it.data);
+        const std::pair range(fromFixed(axis->min), fromFixed(axis->max));
+        if (axis->number < ranges.size() && axis->mode == XCB_INPUT_VALUATOR_MODE_ABSOLUTE &&
+            range.first < range.second)
+            ranges[axis->number] = range;
+    }
+    return ranges;
+}
+
+/// Values of the first two axes, where the event has them, in device pixels.
+MotionResolver::Motion motionOf(const xcb_input_raw_motion_event_t &event, const Ranges &ranges, const QRectF &bounds)
 {
     const quint32 *mask = xcb_input_raw_button_press_valuator_mask(&event);
     const xcb_input_fp3232_t *values = xcb_input_raw_button_press_axisvalues(&event);
@@ -55,6 +82,17 @@ MotionResolver::Motion motionOf(const xcb_input_raw_motion_event_t &event)
         motion.x = fromFixed(*values++);
     if (mask[0] & 2U)
         motion.y = fromFixed(*values);
+    if (!ranges[0] || !ranges[1])
+        return motion;
+    // The server spreads the whole range over the whole desktop.
+    const auto scaled = [](double value, const std::pair<double, double> &range, double start, double length) {
+        return start + (value - range.first) * length / (range.second + 1 - range.first);
+    };
+    if (motion.x)
+        motion.x = scaled(*motion.x, *ranges[0], bounds.left(), bounds.width());
+    if (motion.y)
+        motion.y = scaled(*motion.y, *ranges[1], bounds.top(), bounds.height());
+    motion.isPlace = true;
     return motion;
 }
 
@@ -92,7 +130,8 @@ public:
 private:
     using Event = XReply<xcb_generic_event_t>;
 
-    Listener(std::unique_ptr<XConnection> x, std::unique_ptr<X11Keyboard> keyboard);
+    Listener(std::unique_ptr<XConnection> x, std::unique_ptr<X11Keyboard> keyboard, xcb_timestamp_t serverTime,
+             double clockOffset);
 
     void takeIncoming();
     void process();
@@ -101,6 +140,7 @@ private:
     /// Asks where the pointer is; splits off the events that came after the answer.
     QPointF pointerAfter(std::vector<Event> *later);
     [[nodiscard]] const xcb_ge_generic_event_t *inputEvent(const Event &event) const;
+    [[nodiscard]] std::vector<MotionResolver::Motion> incomingMotions();
     void handle(const xcb_ge_generic_event_t &event, const QPointF &position);
     void handleKey(const xcb_input_raw_key_press_event_t &raw, bool down, InputEventRecord record);
     void handleButton(const xcb_input_raw_button_press_event_t &raw, bool down, InputEventRecord record);
@@ -121,8 +161,11 @@ private:
     QList<DisplayInfo> m_displays;
     ScreenMapping m_mapping;
     QRectF m_bounds;
-    std::optional<double> m_clockOffset; ///< host clock minus server time, milliseconds
-    double m_readAt = 0;                 ///< host clock when the events at hand were read
+    std::map<xcb_input_device_id_t, Ranges> m_ranges; ///< of the devices that have moved
+    qint64 m_serverTime = 0;  ///< of the last event; the server's own count starts again after 50 days
+    double m_clockOffset = 0; ///< host clock minus server time, milliseconds
+    double m_lastTime = 0;    ///< host clock of the last event
+    double m_readAt = 0;      ///< host clock when the events at hand had been read
     InputCollector *m_collector = nullptr;
     const std::function<void(const InputEventRecord &)> *m_tell = nullptr;
 };
@@ -133,17 +176,33 @@ std::unique_ptr<X11InputMonitor::Listener> X11InputMonitor::Listener::connect(co
     std::unique_ptr<XConnection> x = XConnection::create(nullptr, display);
     if (!x)
         return nullptr;
+    // Before anything is selected, since it reads away what comes in.
+    xcb_timestamp_t serverTime = 0;
+    double clockOffset = std::numeric_limits<double>::max();
+    for (int i = 0; i < kClockSamples; ++i) {
+        serverTime = x->serverTime();
+        clockOffset = std::min(clockOffset, hostClockMs() - serverTime);
+    }
     auto keyboard = X11Keyboard::attach(*x);
     const quint32 events = kButtonEvents | (mode.clicksOnly ? 0 : kMoveEvents) | (mode.needsKeys() ? kKeyEvents : 0);
     if (!keyboard || !selectRootInput(*x, events))
         return nullptr;
-    return std::unique_ptr<Listener>(new Listener(std::move(x), std::move(keyboard)));
+    struct
+    {
+        xcb_input_event_mask_t head;
+        quint32 mask;
+    } const devices{{.deviceid = XCB_INPUT_DEVICE_ALL, .mask_len = 1}, XCB_INPUT_XI_EVENT_MASK_HIERARCHY};
+    xcb_input_xi_select_events(x->xcb(), x->root(), 1, &devices.head);
+    return std::unique_ptr<Listener>(new Listener(std::move(x), std::move(keyboard), serverTime, clockOffset));
 }
 
-X11InputMonitor::Listener::Listener(std::unique_ptr<XConnection> x, std::unique_ptr<X11Keyboard> keyboard)
+X11InputMonitor::Listener::Listener(std::unique_ptr<XConnection> x, std::unique_ptr<X11Keyboard> keyboard,
+                                    xcb_timestamp_t serverTime, double clockOffset)
     : m_x(std::move(x)),
       m_keyboard(std::move(keyboard)),
-      m_xinputOpcode(xcb_get_extension_data(m_x->xcb(), &xcb_input_id)->major_opcode)
+      m_xinputOpcode(xcb_get_extension_data(m_x->xcb(), &xcb_input_id)->major_opcode),
+      m_serverTime(serverTime),
+      m_clockOffset(clockOffset)
 {
     const auto pointer = xAnswer<xcb_input_xi_get_client_pointer_reply_t>(
         m_x->xcb(), xcb_input_xi_get_client_pointer(m_x->xcb(), XCB_WINDOW_NONE),
@@ -180,7 +239,6 @@ void X11InputMonitor::Listener::run(InputCollector &collector, const DisplayWatc
 
 void X11InputMonitor::Listener::takeIncoming()
 {
-    m_readAt = hostClockMs();
     while (Event event{xcb_poll_for_event(m_x->xcb())})
         m_incoming.push_back(std::move(event));
 }
@@ -201,10 +259,7 @@ QPointF X11InputMonitor::Listener::pointerAfter(std::vector<Event> *later)
         // What the server sent before its answer has been read along with it.
         while (Event event{xcb_poll_for_queued_event(c)}) {
             const bool isLater = static_cast<qint32>(event->full_sequence - cookie.sequence) >= 0;
-            const bool belongsLater = inputEvent(event)
-                                          ? static_cast<qint32>(inputEvent(event)->full_sequence - cookie.sequence) >= 0
-                                          : isLater;
-            (belongsLater || !later->empty() ? *later : m_incoming).push_back(std::move(event));
+            (isLater || !later->empty() ? *later : m_incoming).push_back(std::move(event));
         }
     }
     return answer ? QPointF(fromFixed(answer->root_x), fromFixed(answer->root_y)) : m_position;
@@ -214,12 +269,8 @@ void X11InputMonitor::Listener::process()
 {
     std::vector<Event> later;
     const QPointF end = pointerAfter(&later);
-    std::vector<MotionResolver::Motion> motions;
-    for (const Event &event : m_incoming) {
-        const xcb_ge_generic_event_t *input = inputEvent(event);
-        if (input && input->event_type == XCB_INPUT_RAW_MOTION)
-            motions.push_back(motionOf(*reinterpret_cast<const xcb_input_raw_motion_event_t *>(input)));
-    }
+    m_readAt = hostClockMs(); // not before: the answer has brought events along
+    const std::vector<MotionResolver::Motion> motions = incomingMotions();
     const std::vector<QPointF> path = MotionResolver(m_bounds).resolve(m_position, motions, end);
     // Without motions, the pointer may have been moved by a program.
     QPointF position = motions.empty() ? end : m_position;
@@ -244,6 +295,24 @@ void X11InputMonitor::Listener::process()
     m_incoming = std::move(later);
     if (keymapChanged)
         static_cast<void>(m_keyboard->reread());
+}
+
+std::vector<MotionResolver::Motion> X11InputMonitor::Listener::incomingMotions()
+{
+    std::vector<MotionResolver::Motion> motions;
+    for (const Event &event : m_incoming) {
+        const xcb_ge_generic_event_t *input = inputEvent(event);
+        if (input && input->event_type == XCB_INPUT_HIERARCHY)
+            m_ranges.clear(); // another device may come under a known number
+        if (!input || input->event_type != XCB_INPUT_RAW_MOTION)
+            continue;
+        const auto &motion = *reinterpret_cast<const xcb_input_raw_motion_event_t *>(input);
+        auto known = m_ranges.find(motion.sourceid);
+        if (known == m_ranges.end())
+            known = m_ranges.emplace(motion.sourceid, rangesOf(*m_x, motion.sourceid)).first;
+        motions.push_back(motionOf(motion, known->second, m_bounds));
+    }
+    return motions;
 }
 
 void X11InputMonitor::Listener::followDisplays(const DisplayWatch &displays)
@@ -273,11 +342,13 @@ void X11InputMonitor::Listener::readButtons()
 
 double X11InputMonitor::Listener::hostTime(xcb_timestamp_t serverTime)
 {
-    // An event cannot have been read before it happened: the smallest difference is the truest.
-    const double offset = m_readAt - serverTime;
-    if (!m_clockOffset || offset < *m_clockOffset || offset > *m_clockOffset + kClockJumpMs)
-        m_clockOffset = offset;
-    return serverTime + *m_clockOffset;
+    m_serverTime += static_cast<qint32>(serverTime - static_cast<quint32>(m_serverTime));
+    // An event cannot have been read before it happened: the smallest difference is the truest. A new one does not
+    // turn the order of events round.
+    const auto time = static_cast<double>(m_serverTime);
+    m_clockOffset = std::min(m_clockOffset, m_readAt - time);
+    m_lastTime = std::max(m_lastTime, time + m_clockOffset);
+    return m_lastTime;
 }
 
 void X11InputMonitor::Listener::handle(const xcb_ge_generic_event_t &event, const QPointF &position)
