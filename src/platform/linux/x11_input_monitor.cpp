@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bitset>
 #include <chrono>
 #include <functional>
 #include <iterator>
@@ -137,6 +138,7 @@ private:
     void process();
     void followDisplays(const DisplayWatch &displays);
     void readButtons();
+    void readHeldKeys();
     /// Asks where the pointer is; splits off the events that came after the answer.
     QPointF pointerAfter(std::vector<Event> *later);
     [[nodiscard]] const xcb_ge_generic_event_t *inputEvent(const Event &event) const;
@@ -156,6 +158,7 @@ private:
     quint8 m_xinputOpcode = 0;
     xcb_input_device_id_t m_pointer = 0;
     std::vector<quint8> m_buttons; ///< logical button by physical one, from 1
+    std::bitset<256> m_heldBefore; ///< keys that were down at the start and have not been released: they only repeat
     std::vector<Event> m_incoming;
     QPointF m_position;
     QList<DisplayInfo> m_displays;
@@ -209,6 +212,7 @@ X11InputMonitor::Listener::Listener(std::unique_ptr<XConnection> x, std::unique_
         xcb_input_xi_get_client_pointer_reply);
     m_pointer = pointer ? pointer->deviceid : xcb_input_device_id_t(0);
     readButtons();
+    readHeldKeys();
     m_position = pointerAfter(nullptr);
 }
 
@@ -340,6 +344,14 @@ void X11InputMonitor::Listener::readButtons()
                          xcb_get_pointer_mapping_map(mapping.get()) + mapping->map_len);
 }
 
+void X11InputMonitor::Listener::readHeldKeys()
+{
+    xcb_connection_t *c = m_x->xcb();
+    const auto held = xAnswer<xcb_query_keymap_reply_t>(c, xcb_query_keymap(c), xcb_query_keymap_reply);
+    for (std::size_t key = 0; held && key < m_heldBefore.size(); ++key)
+        m_heldBefore[key] = (held->keys[key / 8] >> (key % 8)) & 1;
+}
+
 double X11InputMonitor::Listener::hostTime(xcb_timestamp_t serverTime)
 {
     m_serverTime += static_cast<qint32>(serverTime - static_cast<quint32>(m_serverTime));
@@ -401,6 +413,9 @@ void X11InputMonitor::Listener::handleKey(const xcb_input_raw_key_press_event_t 
     if (raw.deviceid != m_keyboard->deviceId()) // whose modifiers we know
         return;
     const auto key = static_cast<xcb_keycode_t>(raw.detail);
+    if (down && m_heldBefore[key])
+        return;
+    m_heldBefore[key] = false;
     record.type = down ? InputEventRecord::KeyDown : InputEventRecord::KeyUp;
     record.virtualKey = key;
     record.keyName = keyName(symbolOf(key));

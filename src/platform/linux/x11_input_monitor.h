@@ -16,7 +16,9 @@ namespace tavrel::platform {
 /// or the pointer. Only the events that the mode needs are asked for. The modes count at the next start().
 ///
 /// Raw events say that something moved, not where the pointer is: the place is asked of the server once for all events
-/// that have come in together, and MotionResolver finds those in between. Button numbers follow the pointer's mapping,
+/// that have come in together, and MotionResolver finds those in between. With clicks only no moves are heard, and a
+/// click is where the pointer is when it is read. A key that is held at the start is not pressed anew by its
+/// auto-repeat. Button numbers follow the pointer's mapping,
 /// key names the active layout. Times are the server's, moved to the host clock.
 class X11InputMonitor final : public IInputMonitor
 {
