@@ -94,6 +94,21 @@ const QStringList &fontFamilies()
     return families;
 }
 
+/// Numbers of badges. What is none gives way to the number there is, instead of standing in the field as if it counted.
+class NumberValidator final : public QIntValidator
+{
+public:
+    NumberValidator(const ShapeDocument &document, QObject *parent)
+        : QIntValidator(1, 999, parent),
+          m_document(document)
+    {}
+
+    void fixup(QString &text) const override { text = QString::number(m_document.sequenceValue()); }
+
+private:
+    const ShapeDocument &m_document;
+};
+
 } // namespace
 
 void AttributeBar::addShapeSegment(bool isRound, const std::function<void(ShapeDocument &, bool)> &change)
@@ -191,7 +206,7 @@ void AttributeBar::fillSequence()
     number->setFixedSize(kNumberField);
     number->setAlignment(Qt::AlignCenter);
     number->setMaxLength(3);
-    number->setValidator(new QIntValidator(1, 999, number));
+    number->setValidator(new NumberValidator(*m_document, number));
     number->setPlaceholderText(QString::number(m_document->sequenceValue()));
     number->setToolTip(tr("序号：改了之后，后面的序号自动顺延（没选中序号时 = 下一个要放的序号）"));
     number->setAccessibleName(tr("序号"));
@@ -200,6 +215,8 @@ void AttributeBar::fillSequence()
         const int value = number->text().toInt();
         if (value != m_document->sequenceValue())
             apply([value](ShapeDocument &document) { document.setSequenceValue(value); }, After::Rebuild);
+        else
+            number->setText(QString::number(value)); // without zeros in front
     });
 
     auto *arrow = new GlyphButton(QStringLiteral("arrowStandard"), tr("箭头"), m_theme, m_content);

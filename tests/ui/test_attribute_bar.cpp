@@ -219,6 +219,7 @@ private Q_SLOTS:
         QTest::newRow("too many digits") << u"1000"_qs << 100;
         QTest::newRow("zero") << u"0"_qs << 1;
         QTest::newRow("letters") << u"a7b"_qs << 7;
+        QTest::newRow("zero in front") << u"01"_qs << 1;
         QTest::newRow("nothing") << u""_qs << 1;
     }
 
@@ -235,6 +236,7 @@ private Q_SLOTS:
         QTest::keyClick(field, Qt::Key_Return);
         QCOMPARE(m_document->sequenceValue(), next);
         QVERIFY(m_window->hasFocus());
+        QTRY_COMPARE(m_bar->findChild<QLineEdit *>(QStringLiteral("seqValue"))->text(), QString::number(next));
     }
 
     /// Nothing that is typed reaches the keys of the window behind.
