@@ -16,8 +16,10 @@ constexpr int kJitter = 5;        // steps back below this are none
 constexpr int kMinTolerance = 96; // rows
 constexpr int kMinStep = 32;      // rows
 constexpr std::size_t kMaxRuns = 64;
-constexpr int kTailSlack = 4;     // rows
-constexpr int kTailReturn = 8;    // rows
+constexpr int kTailSlack = 4;  // rows
+constexpr int kTailReturn = 8; // rows
+// Frames, a quarter of a second. A program may move what it has painted first, and paint what has come into view later.
+constexpr int kRest = 8;
 constexpr int kSearchMargin = 48; // rows that bands look beyond the frame's offset
 
 ScrollMatch certainMatch(int offset)
@@ -82,7 +84,7 @@ int sameRows(const GreyFrame &now, const GreyFrame &before, bool fromTop)
 struct Standing
 {
     int bar = 0;  ///< a header, a footer
-    int rows = 0; ///< with the empty rows beside it, which may be the page's or hide some of it
+    int rows = 0; ///< with those beside it: the page's, what a bar hides of it, or what is yet to be painted anew
 };
 
 /// What stood still while the page moved by `step`. Rows that are also found where the page's have gone are the page's.
@@ -98,7 +100,6 @@ Standing standingRows(const GreyFrame &now, const GreyFrame &before, int step, b
     const int otherRun = sameRows(now, before, !fromTop);
     int bar = 0;
     int moved = 0;
-    int firstMoved = 0;
     int lastLively = 0;
     for (int i = 0; i < run; ++i) {
         const int y = at(i);
@@ -110,18 +111,15 @@ Standing standingRows(const GreyFrame &now, const GreyFrame &before, int step, b
         lastLively = i + 1;
         const int to = y - step;
         if (step != 0 && to >= 0 && to < height && now.signature(to) == before.signature(y)) {
-            firstMoved = moved == 0 ? i : firstMoved;
             ++moved;
         } else {
             bar = i + 1;
             moved = 0;
         }
     }
-    if (moved >= kMoved)
-        return bar > 0 ? Standing{bar, firstMoved} : Standing();
-    if (bar > 0)
-        return {lastLively, run};
-    return lastLively >= kLowestBar ? Standing{lastLively, lastLively} : Standing();
+    if (moved < kMoved)
+        bar = bar > 0 || lastLively >= kLowestBar ? lastLively : 0;
+    return {bar, run};
 }
 
 } // namespace
@@ -167,31 +165,37 @@ bool ScrollTracker::isJump(int offset) const
     return std::abs(offset - m_lastOffset - *m_lastStep) > tolerance;
 }
 
-/// A page that stands still says nothing about its bars: they are where they were.
+/// A page that stands still says nothing about its bars: they are where they were. What is beside them is the page's
+/// when it stays as it is.
 void ScrollTracker::findBars(int offset)
 {
-    if (offset == m_lastOffset)
+    if (offset == m_lastOffset) {
+        const bool asItWas = sameRows(m_frame, m_last, true) >= m_besideBars.top &&
+                             sameRows(m_frame, m_last, false) >= m_besideBars.bottom;
+        m_rested = asItWas ? m_rested + 1 : 0;
         return;
+    }
     const Standing top = standingRows(m_frame, m_last, offset - m_lastOffset, true);
     const Standing bottom = standingRows(m_frame, m_last, offset - m_lastOffset, false);
     m_bars = {top.bar, bottom.bar};
     m_besideBars = {top.rows, bottom.rows};
+    m_rested = 0;
 }
 
 /// The page may not keep a bar in its middle, nor what a bar may have hidden: it goes when the page grows past it.
 void ScrollTracker::dropBars(int offset)
 {
     const int height = m_frame.height();
-    if (m_footerKept && m_besideBars.bottom > 0 && offset > 0 && m_canvas->end() == height) {
+    if (m_footerKept && m_bars.bottom > 0 && offset > 0 && m_canvas->end() == height) {
         m_canvas->cut(m_canvas->top(), height - m_besideBars.bottom);
         m_footerKept = false;
-    } else if (offset > m_lastOffset && m_canvas->end() > m_sureEnd) {
+    } else if (m_canvas->end() > m_sureEnd && offset + height - m_besideBars.bottom > m_sureEnd) {
         m_canvas->cut(m_canvas->top(), m_sureEnd);
     }
-    if (m_headerKept && m_besideBars.top > 0 && offset < 0 && m_canvas->top() == 0) {
+    if (m_headerKept && m_bars.top > 0 && offset < 0 && m_canvas->top() == 0) {
         m_canvas->cut(m_besideBars.top, m_canvas->end());
         m_headerKept = false;
-    } else if (offset < m_lastOffset && m_canvas->top() < m_sureFirst) {
+    } else if (m_canvas->top() < m_sureFirst && offset + m_besideBars.top < m_sureFirst) {
         m_canvas->cut(m_sureFirst, m_canvas->end());
     }
 }
@@ -208,13 +212,16 @@ void ScrollTracker::noteSureRows(int offset, bool grewAtTop, bool grewAtEnd)
 std::vector<ScrollRun> ScrollTracker::newRuns(const ScrollBands &bands) const
 {
     std::vector<ScrollRun> runs;
+    if (m_slip != 0)
+        return {}; // it is not quite there
+    const Bars &bars = m_rested >= kRest ? m_bars : m_besideBars;
     bool open = false;
     for (const ScrollBand &band : bands.bands) {
         const bool flat = band.kind == ScrollBand::Kind::Flat;
         const bool taken = flat || band.kind == ScrollBand::Kind::Ok;
         const int offset = flat ? bands.offset : band.offset;
         for (int y = band.first; y < band.end; ++y) {
-            const bool bar = y < m_bars.top || y >= m_frame.height() - m_bars.bottom;
+            const bool bar = y < bars.top || y >= m_frame.height() - bars.bottom;
             const bool wanted = taken && !bar && !m_canvas->isFilled(y + offset);
             if (wanted)
                 appendRow(runs, open, y, y + offset);
@@ -300,6 +307,7 @@ std::optional<ScrollTracker::Place> ScrollTracker::findPlace(ScrollSearch &searc
         return std::nullopt;
     if (resting || vote.kind == ExactVote::Certain) {
         const int offset = steady(resting ? m_lastOffset : vote.offset);
+        m_slip = resting ? m_slip : vote.offset - offset;
         // Bars of the first frame would be taken for bands that do not fit.
         if (vote.isProof || !isJump(offset)) {
             findBars(offset);
@@ -326,7 +334,9 @@ std::optional<ScrollTracker::Place> ScrollTracker::findPlace(ScrollSearch &searc
         (bands.offset == m_lastOffset && restsByItsBars(standing)))
         return std::nullopt;
     m_subPixel = *shift;
-    bands.offset = steady(bands.offset);
+    const int offset = steady(bands.offset);
+    m_slip = bands.offset - offset;
+    bands.offset = offset;
     for (ScrollBand &band : bands.bands) {
         if (band.kind == ScrollBand::Kind::Ok)
             band.offset = steady(band.offset);

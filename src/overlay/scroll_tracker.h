@@ -70,10 +70,12 @@ private:
     int m_misses = 0;
     std::optional<int> m_tailCandidate; ///< where the page would end, seen once
     Bars m_bars;
-    Bars m_besideBars;   ///< with the empty rows beside them
+    Bars m_besideBars;   ///< with the rows beside them that stood as well
+    int m_rested = 0;    ///< frames since the page moved in which these stayed as they were
     int m_sureFirst = 0; ///< the rows [first, end) of the page that no bar can have hidden a part of
     int m_sureEnd = 0;
     float m_subPixel = 0.0F; ///< of the last frame
+    int m_slip = 0;          ///< of the last frame: rows beside the offset that it counts as being at
     bool m_tailTrimmed = false;
     bool m_tailHeld = false;
     bool m_headerKept = true; ///< the page still begins with the first frame's header, if it has one

@@ -16,7 +16,7 @@ dress_desktop "$width" "$height"
 start "$tavrel"
 program=${started[-1]}
 until_true 30 log_has 就绪，等待快捷键 || fail "the hotkeys were not registered"
-sleep 0.3
+sleep 0.5
 
 toolbar() { xdotool search --onlyvisible --name '^(长截图|Long screenshot)$'; }
 no_toolbar() { ! toolbar; }
@@ -95,7 +95,7 @@ begin header header
 wheel 5 20
 wheel 4 2
 wheel 5 6
-sleep 0.3
+sleep 0.5
 look
 end
 header=28 expect $((600 + 24 * 57))
@@ -103,7 +103,7 @@ header=28 expect $((600 + 24 * 57))
 # The footer covers the view's last 28 rows and goes.
 begin footer footer
 wheel 5 20
-sleep 0.3
+sleep 0.5
 look
 end
 expect $((600 - 28 + 20 * 57))
@@ -114,29 +114,29 @@ wheel 7 1
 told 帧接不上
 wheel 6 1
 wheel 5 4
-sleep 0.3
+sleep 0.5
 end
 expect $((600 + 8 * 57))
 
 begin video video
 wheel 5 24
-sleep 0.3
+sleep 0.5
 look
 end
 expect $((600 + 24 * 57)) 'rectangle 410,880 709,1059'
 
 begin plain plain
 wheel 5 10
-sleep 0.3
+sleep 0.5
 look
 end
 expect 600
 
 begin keyboard
 wheel 5 3
-sleep 0.3
+sleep 0.5
 xdotool click 1 # into the page, which takes the keyboard
-sleep 0.3
+sleep 0.5
 read -r left top < <(xwininfo -id "$(toolbar | tail -1)" | awk '/Absolute upper-left X/ { x = $4 } /Absolute upper-left Y/ { print x, $4 }')
 before=$(grep -cF 截图会话结束 "$log")
 xdotool mousemove $((left + 4)) $((top + 24)) click 1 key Escape

@@ -144,7 +144,8 @@ void ScrollStitcherTest::corpus()
         scene.animation = QRect(230, trace == QLatin1String("upward") ? 2500 : 300, 170, 140);
 
     scene.hasPlainBars = trait == QLatin1String("plain-bars") || trait == QLatin1String("edges");
-    const std::vector<int> offsets = scrollTrace(trace, kPageRows, kView.height(), 3);
+    std::vector<int> offsets = scrollTrace(trace, kPageRows, kView.height(), 3);
+    offsets.insert(offsets.end(), 10, offsets.back()); // stays there for a moment, as hands do
     ScrollStitcher stitcher;
     const Tally tally = run(stitcher, scene, offsets);
     const auto [low, high] = std::minmax_element(offsets.begin(), offsets.end());
@@ -226,11 +227,19 @@ void ScrollStitcherTest::scrollingBackCutsTheTail_data()
     QTest::addColumn<std::vector<int>>("offsets");
     QTest::addColumn<int>("end");
     const int view = kView.height();
-    QTest::newRow("one frame is no sign") << std::vector{0, 100, 200, 300, 200} << 300 + view;
+    // Rows at the end that look as before are only the page's once it rests.
+    const auto rests = [](const std::vector<int> &before, int at, const std::vector<int> &after) {
+        std::vector<int> offsets = before;
+        offsets.insert(offsets.end(), 10, at);
+        offsets.insert(offsets.end(), after.begin(), after.end());
+        return offsets;
+    };
+    QTest::newRow("one frame is no sign") << rests({0, 100, 200}, 300, {200}) << 300 + view;
     QTest::newRow("two are") << std::vector{0, 100, 200, 300, 200, 200} << 200 + view;
-    QTest::newRow("forth again in between") << std::vector{0, 100, 200, 300, 200, 300, 200} << 300 + view;
+    QTest::newRow("forth again in between") << rests({0, 100, 200}, 300, {200, 300, 200}) << 300 + view;
     QTest::newRow("then anew") << std::vector{0, 100, 200, 300, 200, 200, 350} << 350 + view;
-    QTest::newRow("jitter") << std::vector{0, 100, 200, 197, 198, 197} << 200 + view;
+    QTest::newRow("jitter") << rests({0, 100}, 200, {197, 198, 197}) << 200 + view;
+    QTest::newRow("rests beside its place") << rests({0, 100, 200}, 197, {}) << 200 + view - 11; // of no line
     QTest::newRow("above the start") << std::vector{300, 200, 100, 0, 0} << 300 + view;
 }
 
