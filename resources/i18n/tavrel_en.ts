@@ -229,7 +229,7 @@
     </message>
     <message>
         <source>在托盘菜单里选择“检查更新…”查看内容。</source>
-        <translation>Choose "Check for Updates…" in the tray menu to read about it.</translation>
+        <translation>Choose &quot;Check for Updates…&quot; in the tray menu to read about it.</translation>
     </message>
 </context>
 <context>
