@@ -71,7 +71,11 @@ CaptureOverlay::CaptureOverlay(const platform::CapturedDisplay &display, const S
     rebuildHints();
 }
 
-CaptureOverlay::~CaptureOverlay() = default;
+CaptureOverlay::~CaptureOverlay()
+{
+    // A field that has the focus tells its last words while the document is still there.
+    hide();
+}
 
 void CaptureOverlay::setConfig(const SettingsConfig &config)
 {

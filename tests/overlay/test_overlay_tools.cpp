@@ -15,6 +15,7 @@
 #include "ui/tool_steps.h"
 
 #include <QApplication>
+#include <QLineEdit>
 #include <QMouseEvent>
 #include <QNativeGestureEvent>
 #include <QSignalSpy>
@@ -56,6 +57,25 @@ private Q_SLOTS:
     }
 
     void cleanup() { m_overlay.reset(); }
+
+    /// What stands in a field of the attribute bar goes to the document, never to one that is gone.
+    void theOverlayMayGoWhileAFieldHasTheFocus()
+    {
+        m_overlay->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_overlay.get()));
+        m_overlay->setTool(ToolType::Sequence);
+        auto *field = m_overlay->findChild<QLineEdit *>(QStringLiteral("seqValue"));
+        QVERIFY(field);
+        field->setFocus();
+        QVERIFY(field->hasFocus());
+        field->selectAll();
+        QTest::keyClicks(field, QStringLiteral("7"));
+        bool documentWasThere = false;
+        connect(field, &QLineEdit::editingFinished, this,
+                [&documentWasThere, &numbers = document()] { documentWasThere = numbers.sequenceValue() == 7; });
+        m_overlay.reset();
+        QVERIFY(documentWasThere);
+    }
 
     /// Every tool draws inside the selection, and the result shows what the overlay shows.
     void toolsDrawAndTheResultIsWhatWasSeen()
