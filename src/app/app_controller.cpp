@@ -196,7 +196,7 @@ void AppController::registerHotkeys()
     m_reportedHotkeys = failed;
     if (!m_hotkeys.mayRecover())
         m_hotkeyRetry.stop();
-    else if (!m_hotkeyRetry.isActive())
+    else if (m_deps.enableBackground && !m_hotkeyRetry.isActive())
         m_hotkeyRetry.start();
     if (m_tray)
         m_tray->refresh();

@@ -73,8 +73,10 @@ int main(int argc, char *argv[])
     const StartRequest request = readCommandLine(QApplication::arguments());
 
     SingleInstance instance;
+    auto claim = SingleInstance::Claim::Held;
     if (request.enforceSingleInstance) {
-        switch (instance.claim(request.handOver())) {
+        claim = instance.claim(request.handOver());
+        switch (claim) {
         case SingleInstance::Claim::HandedOver:
             return 0;
         case SingleInstance::Claim::Held:
@@ -83,7 +85,7 @@ int main(int argc, char *argv[])
         }
     }
     if (request.commands.contains(Command::Quit))
-        return 0; // nobody to be quit
+        return claim == SingleInstance::Claim::Held ? 0 : 1; // nobody to be quit, or somebody who does not answer
 
     SettingsStore settings((QString()));
     language.apply(request.lang.isEmpty() ? settings.config().language : request.lang);

@@ -8,6 +8,7 @@
 #include <dbus/dbus.h>
 
 #include <mutex>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -57,12 +58,12 @@ BusMessage notifyCall(const Notification &notification, bool markup)
     const QByteArray title = notification.title.toUtf8();
     const QByteArray body = (markup ? notification.text.toHtmlEscaped() : notification.text).toUtf8();
     const char *program = "Tavrel";
-    const char *icon = "tavrel";
+    const char *icon = notification.isWarning ? "dialog-warning" : "tavrel";
     const char *titleText = title.constData();
     const char *bodyText = body.constData();
     const dbus_uint32_t replaces = 0;
     const auto expires = static_cast<dbus_int32_t>(notification.duration.count());
-    const unsigned char urgency = notification.isWarning ? 2 : 1;
+    const unsigned char urgency = 1; // a critical one would stay until somebody puts it away
     const char *desktopEntry = "tavrel";
     DBusMessageIter arguments;
     DBusMessageIter list;
@@ -114,13 +115,18 @@ XdgNotifier::~XdgNotifier()
 
 void XdgNotifier::notify(const Notification &notification, std::function<void(bool)> done)
 {
-    std::thread([notification, done = std::move(done), answers = m_answers] {
+    const auto talk = [notification, done, answers = m_answers] {
         const bool shown = send(notification);
         const std::scoped_lock lock(answers->mutex);
         if (answers->receiver)
             QMetaObject::invokeMethod(
                 answers->receiver, [done, shown] { done(shown); }, Qt::QueuedConnection);
-    }).detach();
+    };
+    try {
+        std::thread(talk).detach();
+    } catch (const std::system_error &) { // no thread to be had
+        done(false);
+    }
 }
 
 } // namespace tavrel::platform
