@@ -32,7 +32,8 @@ if [ ! -e "$folder/complete" ]; then
     if mountpoint -q "$root/dev" || mountpoint -q "$root/proc"; then fail "$root is in use"; fi
     rm -rf "$root"
     mirror=$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' 'Origin: Debian' 'Codename: bookworm' | head -n 1)
-    debootstrap --variant=minbase bookworm "$root" "${mirror:-https://deb.debian.org/debian}" >"$folder/debootstrap.log" ||
+    # Without a mirror of this system's own, debootstrap knows one.
+    debootstrap --variant=minbase bookworm "$root" ${mirror:+"$mirror"} >"$folder/debootstrap.log" ||
         { tail "$folder/debootstrap.log"; exit 1; }
     touch "$folder/complete"
 fi
