@@ -17,9 +17,9 @@ set(TAVREL_ARROWS
   "net|base"
   "annotate|base"
   "ui|base settings platform annotate"
-  "edit|base settings"
+  "output|base settings"
   "overlay|base settings platform annotate record ui"
-  "app|base settings platform platform/synthetic platform/unsupported platform/linux account cloud net annotate ui edit overlay record")
+  "app|base settings platform platform/synthetic platform/unsupported platform/linux account cloud net annotate ui output overlay record")
 
 function(tavrel_allowed folder out)
   foreach(row IN LISTS TAVREL_ARROWS)

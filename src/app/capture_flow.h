@@ -2,7 +2,7 @@
 
 #include "app/history_walk.h"
 #include "app/long_frame_pump.h"
-#include "edit/name_template.h"
+#include "output/name_template.h"
 #include "platform/element_detector.h"
 #include "platform/screen_capturer.h"
 #include "record/record_request.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "edit/name_template.h"
+#include "output/name_template.h"
 #include "overlay/overlay_snapshot.h"
 
 #include <QImage>

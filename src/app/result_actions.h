@@ -1,10 +1,10 @@
 #pragma once
 
-#include "edit/clipboard.h"
-#include "edit/clipboard_writer.h"
-#include "edit/copy_image.h"
-#include "edit/name_template.h"
-#include "edit/save_service.h"
+#include "output/clipboard.h"
+#include "output/clipboard_writer.h"
+#include "output/copy_image.h"
+#include "output/name_template.h"
+#include "output/save_service.h"
 
 #include <QDeadlineTimer>
 #include <QImage>

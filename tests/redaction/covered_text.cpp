@@ -1,8 +1,8 @@
 #include "redaction/covered_text.h"
 
 #include "annotate/shape_factory.h"
-#include "edit/image_file.h"
-#include "edit/save_service.h"
+#include "output/image_file.h"
+#include "output/save_service.h"
 #include "overlay/overlay_renderer.h"
 
 #include <QBuffer>

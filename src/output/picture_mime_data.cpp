@@ -1,6 +1,6 @@
-#include "edit/picture_mime_data.h"
+#include "output/picture_mime_data.h"
 
-#include "edit/image_file.h"
+#include "output/image_file.h"
 
 #include <QBuffer>
 #include <QCoreApplication>

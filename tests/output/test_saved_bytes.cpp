@@ -1,4 +1,4 @@
-#include "edit/save_service.h"
+#include "output/save_service.h"
 #include "support/test_main.h"
 
 #include <QGuiApplication>

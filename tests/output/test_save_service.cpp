@@ -1,5 +1,5 @@
-#include "edit/image_file.h"
-#include "edit/save_service.h"
+#include "output/image_file.h"
+#include "output/save_service.h"
 #include "settings/settings_config.h"
 #include "support/test_main.h"
 

@@ -1,4 +1,4 @@
-#include "edit/image_output.h"
+#include "output/image_output.h"
 #include "support/test_main.h"
 
 #include <QGuiApplication>

@@ -22,7 +22,7 @@ enum class ImageFileFormat { Png, Jpg };
 
 /// Encodes the pixels and nothing else: no texts of the image, no device pixel ratio. PNG at default compression,
 /// JPEG on white at `jpegQuality` (0 to 100). False when the device refuses data or the format the size.
-/// Takes 0.1 to 1 s for a whole screen (see bench_edit_image_file): not for the GUI thread. Safe on any other.
+/// Takes 0.1 to 1 s for a whole screen (see bench_output_image_file): not for the GUI thread. Safe on any other.
 [[nodiscard]] bool encodeImage(const QImage &image, QIODevice &device, ImageFileFormat format, int jpegQuality = 92);
 [[nodiscard]] QByteArray encodedPng(const QImage &image);
 

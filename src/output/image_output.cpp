@@ -1,4 +1,4 @@
-#include "edit/image_output.h"
+#include "output/image_output.h"
 
 #include "settings/settings_config.h"
 

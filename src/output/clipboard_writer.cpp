@@ -1,6 +1,6 @@
-#include "edit/clipboard_writer.h"
+#include "output/clipboard_writer.h"
 
-#include "edit/picture_mime_data.h"
+#include "output/picture_mime_data.h"
 
 #include <utility>
 

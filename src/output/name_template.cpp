@@ -1,4 +1,4 @@
-#include "edit/name_template.h"
+#include "output/name_template.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,4 +1,4 @@
-#include "edit/clipboard.h"
+#include "output/clipboard.h"
 
 #include <QClipboard>
 #include <QGuiApplication>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "edit/clipboard_writer.h"
-#include "edit/name_template.h"
+#include "output/clipboard_writer.h"
+#include "output/name_template.h"
 
 namespace tavrel {
 

@@ -1,6 +1,6 @@
-#include "edit/image_file.h"
+#include "output/image_file.h"
 
-#include "edit/name_template.h"
+#include "output/name_template.h"
 
 #include <QBuffer>
 #include <QColorSpace>

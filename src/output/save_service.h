@@ -1,7 +1,7 @@
 #pragma once
 
-#include "edit/image_output.h"
-#include "edit/name_template.h"
+#include "output/image_output.h"
+#include "output/name_template.h"
 
 #include <QDeadlineTimer>
 #include <QFutureWatcher>

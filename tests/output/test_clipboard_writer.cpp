@@ -1,6 +1,6 @@
-#include "edit/clipboard_writer.h"
-#include "edit/copy_image.h"
-#include "edit/image_file.h"
+#include "output/clipboard_writer.h"
+#include "output/copy_image.h"
+#include "output/image_file.h"
 #include "settings/settings_config.h"
 #include "support/test_main.h"
 

@@ -1,6 +1,6 @@
-#include "edit/save_service.h"
+#include "output/save_service.h"
 
-#include "edit/image_file.h"
+#include "output/image_file.h"
 #include "settings/settings_config.h"
 
 #include <QCoreApplication>

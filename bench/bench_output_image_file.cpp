@@ -1,10 +1,10 @@
 // What saving and copying a whole screen costs, and how long the GUI thread is busy with it without a break. The
 // encoders run on workers; the budget of the GUI thread is 2 ms for each step.
-#include "edit/clipboard_writer.h"
-#include "edit/copy_image.h"
-#include "edit/image_file.h"
-#include "edit/picture_mime_data.h"
-#include "edit/save_service.h"
+#include "output/clipboard_writer.h"
+#include "output/copy_image.h"
+#include "output/image_file.h"
+#include "output/picture_mime_data.h"
+#include "output/save_service.h"
 #include "settings/settings_config.h"
 
 #include <QBuffer>

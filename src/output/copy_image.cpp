@@ -1,8 +1,8 @@
-#include "edit/copy_image.h"
+#include "output/copy_image.h"
 
-#include "edit/image_file.h"
-#include "edit/image_output.h"
-#include "edit/save_service.h"
+#include "output/image_file.h"
+#include "output/image_output.h"
+#include "output/save_service.h"
 #include "settings/settings_config.h"
 
 #include <QCoreApplication>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "edit/clipboard.h"
+#include "output/clipboard.h"
 
 #include <QImage>
 #include <QList>
