@@ -1,9 +1,9 @@
 #include "app/long_selftest.h"
 
+#include "annotate/crop_rect.h"
 #include "overlay/scroll_page.h"
 #include "overlay/scroll_preview.h"
 #include "overlay/scroll_stitcher.h"
-#include "overlay/selection_geometry.h"
 #include "platform/synthetic/synthetic_capturer.h"
 
 #include <QCoreApplication>
@@ -92,7 +92,7 @@ private:
     {
         const QSizeF size = display.geometry.size();
         const QRectF selection(size.width() / 8, size.height() / 8, size.width() * 3 / 4, size.height() * 3 / 4);
-        m_crop = ui::cropRect(selection, display.devicePixelRatio, display.image.size());
+        m_crop = cropRect(selection, display.devicePixelRatio, display.image.size());
         m_stitcher.begin(display.image, selection);
     }
 

@@ -1,9 +1,9 @@
 #include "app/shape_sheet.h"
 
+#include "annotate/selection_renderer.h"
 #include "annotate/shape_document.h"
 #include "annotate/shape_factory.h"
 #include "annotate/text_shape.h"
-#include "overlay/overlay_renderer.h"
 
 #include <QDir>
 #include <QPainter>

@@ -4,10 +4,10 @@
 #include "annotate/smart_erase_engine.h"
 #include "annotate/tool_memory.h"
 
+#include "annotate/selection_renderer.h"
 #include "overlay/element_probe.h"
 #include "overlay/long_capture_mode.h"
 #include "overlay/overlay_panels.h"
-#include "overlay/overlay_renderer.h"
 #include "overlay/selection_geometry.h"
 #include "platform/window_controller.h"
 #include "ui/shape_text_editor.h"

@@ -1,11 +1,11 @@
 // What the overlay shows, and which part of it has to be painted anew.
 #include "overlay/capture_overlay.h"
 
+#include "annotate/crop_rect.h"
 #include "annotate/selection_marks.h"
 #include "overlay/long_capture_mode.h"
 #include "overlay/overlay_marks.h"
 #include "overlay/overlay_panels.h"
-#include "overlay/selection_geometry.h"
 
 #include <QPaintEvent>
 #include <QPainter>

@@ -1,10 +1,10 @@
 // Drawing on the overlay: tools, the wheel, the pointer, and what the toolbar asks for.
 #include "overlay/capture_overlay.h"
 
+#include "annotate/selection_renderer.h"
 #include "annotate/smart_erase_engine.h"
 #include "annotate/tool_memory.h"
 #include "overlay/overlay_panels.h"
-#include "overlay/overlay_renderer.h"
 #include "overlay/selection_geometry.h"
 #include "ui/eyedropper_sample.h"
 #include "ui/shape_text_editor.h"

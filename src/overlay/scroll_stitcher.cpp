@@ -1,8 +1,8 @@
 #include "overlay/scroll_stitcher.h"
 
+#include "annotate/crop_rect.h"
 #include "overlay/scroll_page.h"
 #include "overlay/scroll_tracker.h"
-#include "overlay/selection_geometry.h"
 
 #include <algorithm>
 

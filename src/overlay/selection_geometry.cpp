@@ -44,11 +44,6 @@ QPointF clamped(const QPointF &point, const QRectF &area)
     return {std::clamp(point.x(), area.left(), area.right()), std::clamp(point.y(), area.top(), area.bottom())};
 }
 
-int rounded(double value)
-{
-    return static_cast<int>(std::lround(value));
-}
-
 } // namespace
 
 int hitBroad(const QRectF &selection, const QPointF &point)
@@ -140,13 +135,6 @@ QRectF movedSelection(const QRectF &pressed, const QPointF &delta, const QRectF 
 QRectF bandSelection(const QPointF &from, const QPointF &to, const QRectF &area)
 {
     return QRectF(clamped(from, area), clamped(to, area)).normalized();
-}
-
-QRect cropRect(const QRectF &selection, double ratio, const QSize &pixels)
-{
-    const QRect crop(QPoint(rounded(selection.left() * ratio), rounded(selection.top() * ratio)),
-                     QPoint(rounded(selection.right() * ratio) - 1, rounded(selection.bottom() * ratio) - 1));
-    return crop.intersected(QRect(QPoint(0, 0), pixels));
 }
 
 QRect coveredPixels(const QRectF &selection, double ratio, const QSize &pixels)

@@ -27,12 +27,11 @@ inline constexpr int kInsideHit = 8;
 /// The rubber band between two points, both clamped to `area`.
 [[nodiscard]] QRectF bandSelection(const QPointF &from, const QPointF &to, const QRectF &area);
 
-/// The pixels of a selection in a picture: every edge is rounded, never the size, and the result cut to the picture.
+/// The pixels that a selection touches in a picture, cut to it: rounded outwards, unlike those of the result, so that
+/// no dimmed fringe is left along its edges.
 ///
 /// selection  logical units from the picture's top-left
 /// ratio      device pixels per unit, above 0
-[[nodiscard]] QRect cropRect(const QRectF &selection, double ratio, const QSize &pixels);
-/// The pixels that a selection touches: rounded outwards, so that no dimmed fringe is left along its edges.
 [[nodiscard]] QRect coveredPixels(const QRectF &selection, double ratio, const QSize &pixels);
 
 /// Where a picture of another size than the overlay lies: centred, on a whole device pixel.

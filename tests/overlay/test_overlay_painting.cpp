@@ -1,9 +1,7 @@
-#include "annotate/shape_factory.h"
 #include "overlay/magnifier.h"
 #include "overlay/overlay_hints.h"
 #include "overlay/overlay_marks.h"
 #include "overlay/overlay_picture.h"
-#include "overlay/overlay_renderer.h"
 #include "support/test_main.h"
 
 #include <QGuiApplication>
@@ -196,17 +194,6 @@ private Q_SLOTS:
         while (right < shown.width() && qRed(shown.pixel(right, middle)) > 10)
             ++right;
         QVERIFY(right - 16 >= rowHeight);
-    }
-
-    void theResultHasThePixelsBetweenTheRoundedEdges()
-    {
-        const QImage image = speckled({125, 125}, 1.25);
-        const QImage result = renderSelection(image, {1, 10, 1.2, 20}, {}, ShapeFactory::standard());
-        QCOMPARE(result.size(), QSize(2, 25)); // 1.25 to 2.75, 12.5 to 37.5
-        QCOMPARE(result.devicePixelRatio(), 1.25);
-        QCOMPARE(result.pixel(0, 0), image.pixel(1, 13));
-        QVERIFY(renderSelection(image, {200, 0, 10, 10}, {}, ShapeFactory::standard()).isNull());
-        QVERIFY(renderSelection({}, {0, 0, 10, 10}, {}, ShapeFactory::standard()).isNull());
     }
 };
 

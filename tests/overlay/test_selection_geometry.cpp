@@ -92,31 +92,6 @@ private Q_SLOTS:
         QCOMPARE(bandSelection({50, 60}, {-20, 500}, area), QRectF(0, 60, 50, 240));
     }
 
-    void everyEdgeIsRoundedNeverTheSize_data()
-    {
-        QTest::addColumn<QRectF>("selection");
-        QTest::addColumn<double>("ratio");
-        QTest::addColumn<QRect>("crop");
-        QTest::newRow("whole") << QRectF(10, 20, 30, 40) << 1.0 << QRect(10, 20, 30, 40);
-        QTest::newRow("1.25: 12.5 to 37.5") << QRectF(10, 10, 20, 20) << 1.25 << QRect(13, 13, 25, 25);
-        QTest::newRow("1.25: a width that rounds differently") << QRectF(1, 0, 1.2, 4) << 1.25 << QRect(1, 0, 2, 5);
-        QTest::newRow("1.5") << QRectF(10.3, 0, 10.4, 2) << 1.5 << QRect(15, 0, 16, 3);
-        QTest::newRow("cut to the picture") << QRectF(90, 90, 50, 50) << 1.0 << QRect(90, 90, 10, 10);
-        QTest::newRow("outside") << QRectF(200, 200, 50, 50) << 1.0 << QRect();
-    }
-
-    void everyEdgeIsRoundedNeverTheSize()
-    {
-        QFETCH(QRectF, selection);
-        QFETCH(double, ratio);
-        QFETCH(QRect, crop);
-        const QRect result = cropRect(selection, ratio, QSize(100, 100));
-        if (crop.isNull())
-            QVERIFY(result.isEmpty());
-        else
-            QCOMPARE(result, crop);
-    }
-
     void theClearPictureCoversEveryTouchedPixel()
     {
         QCOMPARE(coveredPixels(QRectF(10.3, 0, 10.4, 2), 1.5, QSize(100, 100)), QRect(QPoint(15, 0), QPoint(31, 2)));

@@ -1,9 +1,9 @@
 #include "redaction/covered_text.h"
 
+#include "annotate/selection_renderer.h"
 #include "annotate/shape_factory.h"
 #include "output/image_file.h"
 #include "output/save_service.h"
-#include "overlay/overlay_renderer.h"
 
 #include <QBuffer>
 #include <QDateTime>

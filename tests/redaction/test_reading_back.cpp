@@ -1,5 +1,5 @@
+#include "annotate/selection_renderer.h"
 #include "annotate/shape_factory.h"
-#include "overlay/overlay_renderer.h"
 #include "redaction/text_reader.h"
 #include "redaction/word_lists.h"
 #include "support/test_main.h"

@@ -1,9 +1,9 @@
-#include "overlay/overlay_renderer.h"
+#include "annotate/selection_renderer.h"
 
+#include "annotate/crop_rect.h"
 #include "annotate/effect_image_cache.h"
 #include "annotate/shape_document.h"
 #include "annotate/smart_erase_engine.h"
-#include "overlay/selection_geometry.h"
 
 #include <QPainter>
 
@@ -15,7 +15,7 @@ QImage renderSelection(const QImage &image, const QRectF &selection, const QStri
                        const ShapeFactory &factory, const EffectImageCache *effects, const SmartEraseEngine *erased)
 {
     const double ratio = image.isNull() ? 1.0 : image.devicePixelRatio();
-    const QRect crop = ui::cropRect(selection, ratio, image.size());
+    const QRect crop = cropRect(selection, ratio, image.size());
     if (image.isNull() || crop.isEmpty())
         return {};
     QImage result = image.copy(crop).convertToFormat(QImage::Format_ARGB32_Premultiplied);
