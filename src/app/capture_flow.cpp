@@ -73,7 +73,6 @@ CaptureFlow::CaptureFlow(Services services, QObject *parent)
       m_toolMemory(std::make_shared<ToolMemory>())
 {
     takeRecordPrefs();
-    connect(&m_services.capturer, &platform::IScreenCapturer::captured, this, &CaptureFlow::onCaptured);
 }
 
 CaptureFlow::~CaptureFlow()
@@ -100,7 +99,7 @@ void CaptureFlow::startCapture()
         return;
     }
     m_timer.start();
-    m_captureRequested = true;
+    m_grab = std::make_unique<QObject>();
     m_wasApplicationActive = true;
     Q_EMIT sessionStarted();
 
@@ -109,7 +108,8 @@ void CaptureFlow::startCapture()
     options.excludeOwnWindows = false;
     // Before the grab, so that the list describes the same moment as the picture.
     m_windows = m_services.detector ? m_services.detector->topLevelWindows() : QList<platform::WindowInfo>();
-    m_services.capturer.capture(options);
+    m_services.capturer.capture(options, m_grab.get(),
+                                [this](const platform::CaptureResult &result) { onCaptured(result); });
 }
 
 void CaptureFlow::startLongCapture()
@@ -127,9 +127,7 @@ void CaptureFlow::startLongCapture()
 
 void CaptureFlow::onCaptured(const platform::CaptureResult &result)
 {
-    if (m_pump.take(result) || !m_captureRequested)
-        return;
-    m_captureRequested = false;
+    m_grab.reset();
     warnAboutModalWidget();
     if (!result.isGood()) {
         m_longPending = false;
@@ -326,7 +324,7 @@ void CaptureFlow::onOverlayGone(const QObject *gone)
 void CaptureFlow::closeSession()
 {
     const bool wasActive = isActive();
-    m_captureRequested = false;
+    m_grab.reset();
     m_longPending = false;
     m_pump.stop();
     m_walk.reset();

@@ -67,7 +67,7 @@ public:
     void closeSession();
     void applySettings();
 
-    [[nodiscard]] bool isActive() const { return m_captureRequested || !m_overlays.isEmpty(); }
+    [[nodiscard]] bool isActive() const { return m_grab || !m_overlays.isEmpty(); }
     [[nodiscard]] ui::CaptureOverlay *overlay() const;
     /// Whether this application was the active one when the overlay of the session that ended came up. True for a
     /// session without an overlay, and from the second call on.
@@ -101,12 +101,12 @@ private:
     HistoryWalk m_walk;
     LongFramePump m_pump;
     QElapsedTimer m_timer;
+    std::unique_ptr<QObject> m_grab; ///< one on its way; it answers nobody when this goes
     QList<platform::WindowInfo> m_windows;
     QList<QPointer<ui::CaptureOverlay>> m_overlays;
     record::RecordPrefs m_recordPrefs;
     std::shared_ptr<ToolMemory> m_toolMemory; ///< of all sessions
-    bool m_captureRequested = false;
-    bool m_longPending = false; ///< the next overlay begins a scrolling capture
+    bool m_longPending = false;               ///< the next overlay begins a scrolling capture
     bool m_wasApplicationActive = true;
 };
 

@@ -44,9 +44,8 @@ CaptureResult grab(platform::IScreenCapturer &capturer)
 {
     std::optional<CaptureResult> result;
     QObject context;
-    QObject::connect(&capturer, &platform::IScreenCapturer::captured, &context,
+    capturer.capture({.includeCursor = false, .excludeOwnWindows = true, .excludeWindows = {}}, &context,
                      [&result](const CaptureResult &captured) { result = captured; });
-    capturer.capture({.includeCursor = false, .excludeOwnWindows = true, .excludeWindows = {}});
     while (!result)
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     return *result;

@@ -96,23 +96,20 @@ int runDetectProbe(const QString &path)
     QFutureWatcher<ui::HoverSources> looking;
     QObject::connect(&looking, &QFutureWatcherBase::finished, &looking,
                      [&] { QCoreApplication::exit(report(scene, looking.result(), path)); });
-    platform::IScreenCapturer *capturer = services.screenCapturer.get();
-    QObject::connect(
-        capturer, &platform::IScreenCapturer::captured, &looking, [&](const platform::CaptureResult &result) {
-            if (!result.isGood()) {
-                std::fprintf(stderr, "抓屏失败：%s\n", qPrintable(result.error));
-                QCoreApplication::exit(1);
-                return;
-            }
-            const auto under =
-                std::find_if(result.displays.begin(), result.displays.end(), [&scene](const CapturedDisplay &display) {
-                    return display.geometry.contains(scene.pointer.toPoint());
-                });
-            scene.display = under == result.displays.end() ? result.displays.first() : *under;
-            looking.setFuture(QtConcurrent::run(
-                [scene, detector = services.elementDetector] { return sourcesOf(scene, *detector); }));
-        });
-    capturer->capture({});
+    services.screenCapturer->capture({}, &looking, [&](const platform::CaptureResult &result) {
+        if (!result.isGood()) {
+            std::fprintf(stderr, "抓屏失败：%s\n", qPrintable(result.error));
+            QCoreApplication::exit(1);
+            return;
+        }
+        const auto under =
+            std::find_if(result.displays.begin(), result.displays.end(), [&scene](const CapturedDisplay &display) {
+                return display.geometry.contains(scene.pointer.toPoint());
+            });
+        scene.display = under == result.displays.end() ? result.displays.first() : *under;
+        looking.setFuture(
+            QtConcurrent::run([scene, detector = services.elementDetector] { return sourcesOf(scene, *detector); }));
+    });
     return QCoreApplication::exec();
 }
 

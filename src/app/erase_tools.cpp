@@ -10,7 +10,6 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QPainter>
-#include <QTimer>
 
 #include <cmath>
 #include <cstdio>
@@ -95,12 +94,10 @@ int withFreshGrab(const std::function<int(const QImage &)> &work)
     wanted.globalHotkey = platform::Unsupported::globalHotkey(); // nothing to listen to
     const AppController::Deps services = withDefaultServices(std::move(wanted));
     platform::IScreenCapturer *capturer = services.screenCapturer.get();
-    QObject::connect(
-        capturer, &platform::IScreenCapturer::captured, capturer, [&work](const platform::CaptureResult &result) {
-            QCoreApplication::exit(result.isGood() ? work(result.displays.first().image)
-                                                   : fail(QStringLiteral("抓屏失败：%1").arg(result.error)));
-        });
-    QTimer::singleShot(0, capturer, [capturer] { capturer->capture({}); });
+    capturer->capture({}, capturer, [&work](const platform::CaptureResult &result) {
+        QCoreApplication::exit(result.isGood() ? work(result.displays.first().image)
+                                               : fail(QStringLiteral("抓屏失败：%1").arg(result.error)));
+    });
     return QCoreApplication::exec();
 }
 

@@ -7,7 +7,6 @@
 #include <QCoreApplication>
 
 #include <algorithm>
-#include <utility>
 
 namespace tavrel {
 namespace {
@@ -48,24 +47,25 @@ void LongFramePump::start(ui::CaptureOverlay *overlay, bool wasApplicationActive
 void LongFramePump::stop()
 {
     m_timer.stop();
+    m_grab.reset();
     m_overlay.clear();
     m_excluded.clear();
 }
 
 void LongFramePump::tick()
 {
-    if (m_isBusy || !m_overlay)
+    if (m_grab || !m_overlay)
         return;
-    m_isBusy = true;
-    m_capturer.capture({.includeCursor = false, .excludeOwnWindows = true, .excludeWindows = m_excluded});
+    m_grab = std::make_unique<QObject>();
+    m_capturer.capture({.includeCursor = false, .excludeOwnWindows = true, .excludeWindows = m_excluded}, m_grab.get(),
+                       [this](const platform::CaptureResult &result) { take(result); });
 }
 
-bool LongFramePump::take(const platform::CaptureResult &result)
+void LongFramePump::take(const platform::CaptureResult &result)
 {
-    if (!std::exchange(m_isBusy, false))
-        return false;
+    m_grab.reset();
     if (!m_overlay)
-        return true;
+        return;
     // The next tick tries again.
     const bool hasCome = result.isGood() && std::any_of(result.displays.begin(), result.displays.end(),
                                                         [this](const platform::CapturedDisplay &display) {
@@ -73,7 +73,6 @@ bool LongFramePump::take(const platform::CaptureResult &result)
                                                         });
     if (!hasCome && m_overlay)
         m_overlay->missLongFrame();
-    return true;
 }
 
 } // namespace tavrel

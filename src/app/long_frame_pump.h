@@ -32,11 +32,10 @@ public:
     /// wasApplicationActive  whether this program was the active one when the overlay came up
     void start(ui::CaptureOverlay *overlay, bool wasApplicationActive);
     void stop();
-    /// Whether an answer of the capturer is that of a frame; it is then handed on, or dropped when it comes too late.
-    [[nodiscard]] bool take(const platform::CaptureResult &result);
 
 private:
     void tick();
+    void take(const platform::CaptureResult &result);
 
     platform::IScreenCapturer &m_capturer;
     std::shared_ptr<platform::IWindowController> m_windows;
@@ -44,7 +43,7 @@ private:
     QTimer m_timer;
     QPointer<ui::CaptureOverlay> m_overlay;
     QList<WId> m_excluded;
-    bool m_isBusy = false; ///< a grab is on its way
+    std::unique_ptr<QObject> m_grab; ///< one on its way; it answers nobody when this goes
 };
 
 } // namespace tavrel

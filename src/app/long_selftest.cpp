@@ -44,14 +44,16 @@ public:
 
     int run()
     {
-        QObject context;
-        QObject::connect(&m_capturer, &platform::IScreenCapturer::captured, &context,
-                         [this](const platform::CaptureResult &result) { take(result); });
-        m_capturer.capture({});
+        capture();
         return QCoreApplication::exec();
     }
 
 private:
+    void capture()
+    {
+        m_capturer.capture({}, &m_capturer, [this](const platform::CaptureResult &result) { take(result); });
+    }
+
     void take(const platform::CaptureResult &result)
     {
         if (!result.isGood()) {
@@ -85,7 +87,7 @@ private:
             return;
         }
         m_capturer.setScrolling(true);
-        m_capturer.capture({});
+        capture();
     }
 
     void begin(const platform::CapturedDisplay &display)

@@ -3,6 +3,5 @@
 #include "platform/frame_source.h"
 #include "platform/global_hotkey.h"
 #include "platform/input_monitor.h"
-#include "platform/screen_capturer.h"
 #include "platform/screen_recorder.h"
 #include "platform/updater.h"

@@ -5,7 +5,10 @@
 #include <QImage>
 #include <QList>
 #include <QObject>
+#include <QPointer>
 #include <QWindow>
+
+#include <functional>
 
 namespace tavrel::platform {
 
@@ -40,6 +43,7 @@ class IScreenCapturer : public QObject
 
 public:
     enum CaptureAccess { Granted = 0, Denied = 1 };
+    using Done = std::function<void(const CaptureResult &)>;
 
     using QObject::QObject;
 
@@ -47,14 +51,19 @@ public:
     [[nodiscard]] virtual int captureAccess() const = 0;
     /// Asks the system for screen-capture access. No effect where none is needed.
     virtual void requestCaptureAccess() = 0;
-    /// Grabs all screens at this moment. `captured` follows exactly once, always after this call has returned, also
-    /// on failure. A display that fails ends the walk with an error; the displays before it stay in the result.
-    virtual void capture(const CaptureOptions &options) = 0;
+    /// Grabs all screens at this moment, and calls `done` with the result exactly once, on the GUI thread, always after
+    /// this call has returned, also on failure. A display that fails ends the walk with an error; the displays before
+    /// it stay in the result.
+    ///
+    /// context  not null; `done` is not called when it is gone by then, nor when the capturer is
+    ///
+    /// Any number of captures may be under way, each with a `done` of its own. They need not be answered in the order
+    /// in which they were begun: one that has to see behind a window takes longer than one that does not.
+    virtual void capture(const CaptureOptions &options, QObject *context, Done done) = 0;
 
-Q_SIGNALS:
-    void captured(const tavrel::platform::CaptureResult &result);
+protected:
+    /// For implementations: answers on the next turn of the loop.
+    void answerLater(const QPointer<QObject> &context, const Done &done, const CaptureResult &result);
 };
 
 } // namespace tavrel::platform
-
-Q_DECLARE_METATYPE(tavrel::platform::CaptureResult)

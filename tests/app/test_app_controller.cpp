@@ -34,11 +34,10 @@ public:
     }
     int captureAccess() const override { return access; }
     void requestCaptureAccess() override {}
-    void capture(const platform::CaptureOptions &) override
+    void capture(const platform::CaptureOptions &, QObject *context, Done done) override
     {
         ++grabs;
-        QMetaObject::invokeMethod(
-            this, [this] { Q_EMIT captured(result); }, Qt::QueuedConnection);
+        answerLater(context, done, result);
     }
 
     int access = Granted;

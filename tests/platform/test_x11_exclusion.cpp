@@ -144,6 +144,31 @@ private Q_SLOTS:
         QVERIFY(m_probe->isViewable(window));
     }
 
+    /// One that waits for others to repaint may be overtaken; both get their own picture.
+    void picturesReachThoseWhoAskedForThem()
+    {
+        Striped behind(QRect(300, 200, 400, 300));
+        behind.setFlags(Qt::X11BypassWindowManagerHint);
+        behind.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&behind));
+        const QImage before = settled();
+        const xcb_window_t window = m_probe->open(QRect(350, 250, 200, 100), {});
+        const QImage with = settled();
+        QImage withoutIt;
+        QImage asItIs;
+        const auto ask = [this](const CaptureOptions &options, QImage &picture) {
+            m_capturer->capture(options, this, [&picture](const CaptureResult &result) {
+                QVERIFY(picture.isNull());
+                picture = result.displays.value(0).image;
+            });
+        };
+        ask({false, false, {window}}, withoutIt);
+        ask({false, false, {}}, asItIs);
+        QTRY_VERIFY(!withoutIt.isNull() && !asItIs.isNull());
+        QCOMPARE(difference(withoutIt, before), QRect());
+        QCOMPARE(difference(asItIs, with), QRect());
+    }
+
     void ownWindows()
     {
         openScene(false);

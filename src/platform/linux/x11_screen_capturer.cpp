@@ -4,6 +4,7 @@
 #include "platform/linux/screen_mapping.h"
 #include "platform/linux/x_connection.h"
 
+#include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QLoggingCategory>
 #include <QTimer>
@@ -60,7 +61,7 @@ QSet<WId> X11ScreenCapturer::windowsToHide(const CaptureOptions &options) const
     return windows;
 }
 
-void X11ScreenCapturer::capture(const CaptureOptions &options)
+void X11ScreenCapturer::capture(const CaptureOptions &options, QObject *context, Done done)
 {
     QElapsedTimer started;
     started.start();
@@ -72,18 +73,24 @@ void X11ScreenCapturer::capture(const CaptureOptions &options)
     if (!hidden.region.isEmpty())
         m_exclusions->keepContents();
     if (hidden.region.isEmpty() || m_exclusions->contentsComplete()) {
-        grabAll(options, started, hidden);
+        CaptureResult result = grabAll(options, hidden);
+        result.elapsedMs = started.elapsed();
+        answerLater(context, done, result);
         return;
     }
     // The windows behind have only now been asked to exist as a whole. Their programs, and this one, repaint first.
-    QTimer::singleShot(CaptureExclusions::kRepaintMs, this, [this, options, started] {
-        syncQtConnection();
-        grabAll(options, started, m_grabber.findHidden(windowsToHide(options)));
-    });
+    QTimer::singleShot(CaptureExclusions::kRepaintMs, this,
+                       [this, options, started, context = QPointer(context), done = std::move(done)] {
+                           if (!context)
+                               return;
+                           syncQtConnection();
+                           CaptureResult result = grabAll(options, m_grabber.findHidden(windowsToHide(options)));
+                           result.elapsedMs = started.elapsed();
+                           done(result);
+                       });
 }
 
-void X11ScreenCapturer::grabAll(const CaptureOptions &options, const QElapsedTimer &started,
-                                const X11ScreenGrabber::Hidden &hidden)
+CaptureResult X11ScreenCapturer::grabAll(const CaptureOptions &options, const X11ScreenGrabber::Hidden &hidden)
 {
     CaptureResult result;
     QSet<QString> names;
@@ -107,8 +114,7 @@ void X11ScreenCapturer::grabAll(const CaptureOptions &options, const QElapsedTim
     }
     m_grabber.keepOnly(names);
     m_idle.start();
-    result.elapsedMs = started.elapsed();
-    QTimer::singleShot(0, this, [this, result] { Q_EMIT captured(result); });
+    return result;
 }
 
 } // namespace tavrel::platform

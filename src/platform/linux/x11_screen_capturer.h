@@ -4,7 +4,6 @@
 
 #include "platform/linux/x11_screen_grabber.h"
 
-#include <QElapsedTimer>
 #include <QTimer>
 
 #include <memory>
@@ -33,11 +32,11 @@ public:
 
     [[nodiscard]] int captureAccess() const override;
     void requestCaptureAccess() override;
-    void capture(const CaptureOptions &options) override;
+    void capture(const CaptureOptions &options, QObject *context, Done done) override;
 
 private:
     [[nodiscard]] QSet<WId> windowsToHide(const CaptureOptions &options) const;
-    void grabAll(const CaptureOptions &options, const QElapsedTimer &started, const X11ScreenGrabber::Hidden &hidden);
+    [[nodiscard]] CaptureResult grabAll(const CaptureOptions &options, const X11ScreenGrabber::Hidden &hidden);
 
     std::shared_ptr<XConnection> m_x;
     std::shared_ptr<CaptureExclusions> m_exclusions;

@@ -5,7 +5,6 @@
 #include <QLinearGradient>
 #include <QPainter>
 #include <QScreen>
-#include <QTimer>
 
 #include <algorithm>
 
@@ -119,7 +118,7 @@ QImage SyntheticCapturer::pictureOf(const CapturedDisplay &display, bool first)
     return image;
 }
 
-void SyntheticCapturer::capture(const CaptureOptions &options)
+void SyntheticCapturer::capture(const CaptureOptions &options, QObject *context, Done done)
 {
     QElapsedTimer started;
     started.start();
@@ -136,7 +135,7 @@ void SyntheticCapturer::capture(const CaptureOptions &options)
         result.displays.append(display);
     }
     result.elapsedMs = started.elapsed();
-    QTimer::singleShot(0, this, [this, result] { Q_EMIT captured(result); });
+    answerLater(context, done, result);
 }
 
 } // namespace tavrel::platform

@@ -19,7 +19,7 @@ public:
 
     [[nodiscard]] int captureAccess() const override;
     void requestCaptureAccess() override;
-    void capture(const CaptureOptions &options) override;
+    void capture(const CaptureOptions &options, QObject *context, Done done) override;
 
     /// With true each capture scrolls the first display's page before it is taken, down to the page's end.
     void setScrolling(bool scrolling) noexcept { m_scrolling = scrolling; }

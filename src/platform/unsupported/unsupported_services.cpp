@@ -3,7 +3,6 @@
 #include "settings/key_combo.h"
 
 #include <QCoreApplication>
-#include <QTimer>
 
 namespace tavrel::platform {
 namespace {
@@ -20,13 +19,11 @@ class NoScreenCapturer final : public IScreenCapturer
 public:
     int captureAccess() const override { return Denied; }
     void requestCaptureAccess() override {}
-    void capture(const CaptureOptions &) override
+    void capture(const CaptureOptions &, QObject *context, Done done) override
     {
-        QTimer::singleShot(0, this, [this] {
-            CaptureResult result;
-            refuse(&result.error);
-            Q_EMIT captured(result);
-        });
+        CaptureResult result;
+        refuse(&result.error);
+        answerLater(context, done, result);
     }
 };
 
