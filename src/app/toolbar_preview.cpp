@@ -2,8 +2,8 @@
 
 #include "app/languages.h"
 #include "overlay/tool_guide_bubble.h"
-#include "overlay/toolbar_config_dialog.h"
 #include "overlay/toolbar_widget.h"
+#include "ui/toolbar_config_dialog.h"
 
 #include <QApplication>
 #include <QImage>

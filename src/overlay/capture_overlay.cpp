@@ -24,7 +24,6 @@ namespace tavrel::ui {
 namespace {
 
 constexpr double kSmallestBand = 4; ///< a shorter drag is a click
-constexpr int kToastMs = 2000;
 
 } // namespace
 
@@ -51,10 +50,7 @@ CaptureOverlay::CaptureOverlay(const platform::CapturedDisplay &display, const S
     setWindowTitle(QStringLiteral("Tavrel"));
     setAccessibleName(QCoreApplication::translate("CaptureOverlay", "截图选区"));
     setAccessibleDescription(QCoreApplication::translate("CaptureOverlay", "拖拽选择区域，Enter 复制，Esc 取消"));
-    m_toastTimer.setSingleShot(true);
-    m_toastTimer.setInterval(kToastMs);
-    connect(&m_toastTimer, &QTimer::timeout, this, [this] {
-        m_toast.clear();
+    connect(&m_toast, &Toast::changed, this, [this] {
         updateLongHole();
         scheduleUpdate();
     });
@@ -560,10 +556,7 @@ void CaptureOverlay::loadSnapshot(const OverlaySnapshot &snapshot)
 
 void CaptureOverlay::showToast(const QString &text)
 {
-    m_toast = text;
-    m_toastTimer.start();
-    updateLongHole();
-    scheduleUpdate();
+    m_toast.show(text);
 }
 
 } // namespace tavrel::ui

@@ -14,6 +14,7 @@
 #include "settings/settings_config.h"
 #include "ui/brush_cursor.h"
 #include "ui/marker_lines.h"
+#include "ui/toast.h"
 #include "ui/wheel_steps.h"
 
 #include <QPointer>
@@ -275,8 +276,7 @@ private:
     qint64 m_livePicture; ///< cache key of the picture that shows the screen of now
     QString m_colorFormat;
 
-    QString m_toast;
-    QTimer m_toastTimer;
+    Toast m_toast;
     MagnifierPainter m_magnifier;
     HintCard m_hints;
     int m_hintKey = -1;

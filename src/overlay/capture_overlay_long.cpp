@@ -75,7 +75,7 @@ void CaptureOverlay::finishLongMode(bool commit)
 void CaptureOverlay::updateLongHole()
 {
     if (m_long->isActive())
-        m_long->cutHole(m_toast.isEmpty() ? QRectF() : toastBox(m_toast, QSizeF(size())));
+        m_long->cutHole(m_toast.box(QSizeF(size())));
 }
 
 void CaptureOverlay::runLongAction(int action)

@@ -31,8 +31,7 @@ void CaptureOverlay::paintEvent(QPaintEvent *event)
         painter.setClipRegion(event->region());
         m_picture.paintDimmed(painter, devicePixelRatioF());
         m_long->paint(painter);
-        if (!m_toast.isEmpty())
-            paintToast(painter, toastBox(m_toast, QSizeF(size())), m_toast);
+        m_toast.paint(painter, QSizeF(size()));
         return;
     }
     const QRectF clear = hasSelection() ? m_selection : shownHover();
@@ -62,7 +61,7 @@ void CaptureOverlay::paintEvent(QPaintEvent *event)
         m_magnifier.paint(painter, magnifierBox(m_pointer, magnifierLook(), QSizeF(size())), devicePixelRatioF(),
                           m_picture, m_pointer, magnifierLook());
     if (isTouched(now.toast))
-        paintToast(painter, toastBox(m_toast, QSizeF(size())), m_toast);
+        m_toast.paint(painter, QSizeF(size()));
     m_painted = now;
 }
 
@@ -193,8 +192,7 @@ PaintedRegions CaptureOverlay::regionsNow() const
     now.hintKey = m_hintKey;
     if (showsMagnifier())
         now.magnifier = grown(magnifierBox(m_pointer, magnifierLook(), QSizeF(size())), 3);
-    if (!m_toast.isEmpty())
-        now.toast = grown(toastBox(m_toast, QSizeF(size())), 4);
+    now.toast = grown(m_toast.box(QSizeF(size())), 4);
     return now;
 }
 

@@ -1,6 +1,6 @@
 #include "overlay/long_capture_toolbar.h"
 
-#include "overlay/toolbar_button.h"
+#include "ui/toolbar_button.h"
 
 #include <QBitmap>
 #include <QCloseEvent>

@@ -18,13 +18,6 @@ QFont labelFont()
     return font;
 }
 
-QFont toastFont()
-{
-    QFont font = QGuiApplication::font();
-    font.setPixelSize(14);
-    return font;
-}
-
 } // namespace
 
 void paintSelectionMarks(QPainter &painter, const QRectF &selection, double handleScale)
@@ -58,26 +51,6 @@ void paintSizeLabel(QPainter &painter, const QRectF &box, const QString &text)
     painter.drawRoundedRect(box, 4, 4);
     painter.setPen(Qt::white);
     painter.setFont(labelFont());
-    painter.drawText(box, Qt::AlignCenter, text);
-    painter.restore();
-}
-
-QRectF toastBox(const QString &text, const QSizeF &overlay)
-{
-    const QFontMetricsF metrics(toastFont());
-    const QSizeF size(metrics.horizontalAdvance(text) + 32, metrics.height() + 18);
-    return {QPointF((overlay.width() - size.width()) / 2, overlay.height() * 0.12), size};
-}
-
-void paintToast(QPainter &painter, const QRectF &box, const QString &text)
-{
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(QColor(0, 0, 0, 170));
-    painter.drawRoundedRect(box, 10, 10);
-    painter.setPen(QColor(255, 255, 255, 235));
-    painter.setFont(toastFont());
     painter.drawText(box, Qt::AlignCenter, text);
     painter.restore();
 }

@@ -18,8 +18,4 @@ void paintSelectionMarks(QPainter &painter, const QRectF &selection, double hand
 [[nodiscard]] QRectF sizeLabelBox(const QRectF &selection, const QString &text, double overlayWidth);
 void paintSizeLabel(QPainter &painter, const QRectF &box, const QString &text);
 
-/// Near the top, in the middle.
-[[nodiscard]] QRectF toastBox(const QString &text, const QSizeF &overlay);
-void paintToast(QPainter &painter, const QRectF &box, const QString &text);
-
 } // namespace tavrel::ui

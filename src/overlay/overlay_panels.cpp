@@ -1,12 +1,12 @@
 #include "overlay/overlay_panels.h"
 
-#include "overlay/overlay_tips.h"
 #include "overlay/panel_placement.h"
 #include "overlay/tool_guide_bubble.h"
-#include "overlay/toolbar_config_dialog.h"
-#include "overlay/toolbar_layout.h"
 #include "overlay/toolbar_widget.h"
 #include "ui/attribute_bar.h"
+#include "ui/tool_tips.h"
+#include "ui/toolbar_config_dialog.h"
+#include "ui/toolbar_layout.h"
 
 #include <array>
 
@@ -57,7 +57,7 @@ void OverlayPanels::prepareAttributeBar()
 {
     m_attributeBar = new AttributeBar(&m_document, m_overlay);
     m_attributeBar->hide();
-    m_barTips = new OverlayTips(m_attributeBar);
+    m_barTips = new ToolTips(m_attributeBar);
     m_barTips->setTheme(m_theme);
     m_attributeBar->setTheme(m_theme);
     m_attributeBar->setWheelReversed(m_config.wheelZoomReversed);
@@ -65,7 +65,7 @@ void OverlayPanels::prepareAttributeBar()
     connect(m_attributeBar, &AttributeBar::toolVariantChanged, this, &OverlayPanels::toolChosen);
     connect(m_attributeBar, &AttributeBar::attributesChanged, this, &OverlayPanels::attributesChanged);
     connect(m_attributeBar, &AttributeBar::previewChanged, this, &OverlayPanels::attributesChanged);
-    connect(m_attributeBar, &AttributeBar::boardOpened, m_barTips, &OverlayTips::watchAll);
+    connect(m_attributeBar, &AttributeBar::boardOpened, m_barTips, &ToolTips::watchAll);
     connect(m_attributeBar, &AttributeBar::rebuilt, this, [this] {
         m_barTips->leave();
         const QList<QWidget *> controls = m_attributeBar->findChildren<QWidget *>();

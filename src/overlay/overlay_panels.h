@@ -19,7 +19,7 @@ class ShapeDocument;
 namespace tavrel::ui {
 
 class AttributeBar;
-class OverlayTips;
+class ToolTips;
 class ToolbarConfigDialog;
 class ToolbarWidget;
 class ToolGuideBubble;
@@ -88,7 +88,7 @@ private:
     ToolbarWidget *m_toolbar = nullptr;
     EyedropperLayer::Source m_eyedropperSource;
     AttributeBar *m_attributeBar = nullptr;
-    OverlayTips *m_barTips = nullptr;
+    ToolTips *m_barTips = nullptr;
     ToolGuideBubble *m_guide = nullptr;
     ToolbarConfigDialog *m_configDialog = nullptr;
 };

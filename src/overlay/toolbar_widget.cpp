@@ -1,7 +1,7 @@
 #include "overlay/toolbar_widget.h"
 
-#include "overlay/overlay_tips.h"
-#include "overlay/toolbar_button.h"
+#include "ui/tool_tips.h"
+#include "ui/toolbar_button.h"
 
 #include <QAccessible>
 #include <QAccessibleWidget>
@@ -47,7 +47,7 @@ ToolbarWidget::ToolbarWidget(QWidget *parent)
       m_historySeparator(makeSeparator(this)),
       m_resultSeparator(makeSeparator(this)),
       m_row(new QHBoxLayout(this)),
-      m_tips(new OverlayTips(this))
+      m_tips(new ToolTips(this))
 {
     [[maybe_unused]] static const bool installed = [] {
         QAccessible::installFactory(accessibleToolbar);

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "overlay/toolbar_layout.h"
 #include "ui/theme.h"
+#include "ui/toolbar_layout.h"
 
 #include <QFrame>
 #include <QHash>
@@ -11,7 +11,7 @@ class QHBoxLayout;
 
 namespace tavrel::ui {
 
-class OverlayTips;
+class ToolTips;
 class ToolbarButton;
 
 /// The bar of the tools and actions of a capture. It only says what was chosen; its owner pushes back the current tool
@@ -95,7 +95,7 @@ private:
     QFrame *m_historySeparator;
     QFrame *m_resultSeparator;
     QHBoxLayout *m_row;
-    OverlayTips *m_tips;
+    ToolTips *m_tips;
 
     bool m_pressed = false;
     bool m_dragging = false;

@@ -1,5 +1,5 @@
 // The stored layout of the toolbar.
-#include "overlay/toolbar_layout.h"
+#include "ui/toolbar_layout.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -4,7 +4,6 @@
 #include "overlay/capture_overlay.h"
 #include "overlay/overlay_panels.h"
 #include "overlay/tool_guide_bubble.h"
-#include "overlay/toolbar_config_dialog.h"
 #include "overlay/toolbar_widget.h"
 #include "support/test_main.h"
 #include "ui/color_board.h"
@@ -13,6 +12,7 @@
 #include "ui/color_library.h"
 #include "ui/outlined_text_edit.h"
 #include "ui/tool_steps.h"
+#include "ui/toolbar_config_dialog.h"
 
 #include <QApplication>
 #include <QLineEdit>
@@ -150,11 +150,11 @@ private Q_SLOTS:
             QEnterEvent event(QPointF(2, 2), part->mapTo(m_overlay.get(), QPointF(2, 2)),
                               part->mapToGlobal(QPointF(2, 2)));
             QCoreApplication::sendEvent(part, &event);
-            return QTest::qWaitFor([this] { return m_overlay->findChild<QWidget *>(QStringLiteral("overlayTip")); });
+            return QTest::qWaitFor([this] { return m_overlay->findChild<QWidget *>(QStringLiteral("toolTip")); });
         };
         QVERIFY(showsTipOf(board->findChild<QWidget *>(QStringLiteral("eyedropperButton"))));
         QTest::keyClick(m_overlay->focusWidget(), Qt::Key_Escape);
-        QTRY_VERIFY(!m_overlay->findChild<QWidget *>(QStringLiteral("overlayTip")));
+        QTRY_VERIFY(!m_overlay->findChild<QWidget *>(QStringLiteral("toolTip")));
 
         // A chip that came later.
         m_overlay->findChild<QToolButton *>(QStringLiteral("moreColors"))->click();

@@ -1,8 +1,8 @@
-#include "overlay/overlay_tips.h"
 #include "overlay/tool_guide_bubble.h"
-#include "overlay/toolbar_button.h"
 #include "overlay/toolbar_widget.h"
 #include "support/test_main.h"
+#include "ui/tool_tips.h"
+#include "ui/toolbar_button.h"
 
 #include <QApplication>
 #include <QPointer>
@@ -253,7 +253,7 @@ private Q_SLOTS:
     void theTipShowsInsideTheWindow()
     {
         m_toolbar->setShowLabels(false);
-        auto *tips = m_toolbar->findChild<OverlayTips *>();
+        auto *tips = m_toolbar->findChild<ToolTips *>();
         hover(button(ToolType::Copy));
         QVERIFY(tips->shownText().isEmpty()); // not at once
         QTRY_COMPARE(tips->shownText(), toolbarText(ToolType::Copy));
@@ -409,7 +409,7 @@ private:
     /// The tip that shows; null for none.
     [[nodiscard]] QWidget *tip() const
     {
-        const auto tips = m_ground->findChildren<QWidget *>(QStringLiteral("overlayTip"), Qt::FindDirectChildrenOnly);
+        const auto tips = m_ground->findChildren<QWidget *>(QStringLiteral("toolTip"), Qt::FindDirectChildrenOnly);
         const auto shown = std::find_if(tips.begin(), tips.end(), [](const QWidget *tip) { return tip->isVisible(); });
         return shown == tips.end() ? nullptr : *shown;
     }

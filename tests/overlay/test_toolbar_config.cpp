@@ -1,8 +1,8 @@
-#include "overlay/overlay_tips.h"
-#include "overlay/toolbar_config_dialog.h"
-#include "overlay/toolbar_layout_editor.h"
 #include "overlay/toolbar_widget.h"
 #include "support/test_main.h"
+#include "ui/tool_tips.h"
+#include "ui/toolbar_config_dialog.h"
+#include "ui/toolbar_layout_editor.h"
 
 #include <QAccessible>
 #include <QApplication>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "overlay/toolbar_layout.h"
 #include "ui/theme.h"
+#include "ui/toolbar_layout.h"
 
 #include <QPoint>
 #include <QRect>
@@ -9,7 +9,7 @@
 
 namespace tavrel::ui {
 
-class OverlayTips;
+class ToolTips;
 
 /// Says which tools the toolbar shows and in which order: cells to drag within the toolbar's section and between it and
 /// the section of the tools behind the arrow. A click on a cell moves it into the other section. With the keyboard the
@@ -95,7 +95,7 @@ private:
     QRect m_toolbarSection; ///< title and box
     QRect m_hiddenSection;
     bool m_labelsFit = false;
-    OverlayTips *m_tips;
+    ToolTips *m_tips;
 
     ToolType m_hovered = ToolType::None;
     bool m_restoreHovered = false;

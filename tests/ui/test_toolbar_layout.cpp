@@ -1,5 +1,5 @@
-#include "overlay/toolbar_layout.h"
 #include "support/test_main.h"
+#include "ui/toolbar_layout.h"
 
 #include <QCoreApplication>
 

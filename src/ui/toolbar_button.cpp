@@ -1,4 +1,4 @@
-#include "overlay/toolbar_button.h"
+#include "ui/toolbar_button.h"
 
 #include "ui/glyphs.h"
 

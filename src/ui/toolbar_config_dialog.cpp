@@ -1,7 +1,7 @@
-#include "overlay/toolbar_config_dialog.h"
+#include "ui/toolbar_config_dialog.h"
 
-#include "overlay/toolbar_layout_editor.h"
 #include "ui/paint_helpers.h"
+#include "ui/toolbar_layout_editor.h"
 
 #include <QAccessible>
 #include <QAccessibleWidget>

@@ -1,4 +1,4 @@
-#include "overlay/overlay_tips.h"
+#include "ui/tool_tips.h"
 
 #include <QEvent>
 #include <QFontMetrics>
@@ -22,7 +22,7 @@ class Tip final : public QWidget
 public:
     Tip(QWidget *host, const Theme &theme, const QString &text) : QWidget(host), m_theme(theme), m_text(text)
     {
-        setObjectName(QStringLiteral("overlayTip"));
+        setObjectName(QStringLiteral("toolTip"));
         setAttribute(Qt::WA_TransparentForMouseEvents);
         QFont small = font();
         small.setPixelSize(12);
@@ -84,30 +84,30 @@ QPoint placeTip(const QRect &anchor, const QSize &tip, const QSize &host, const 
     return {x, within(isBelow ? below : above, tip.height(), host.height())};
 }
 
-OverlayTips::OverlayTips(QObject *parent) : QObject(parent), m_theme(lightTheme())
+ToolTips::ToolTips(QObject *parent) : QObject(parent), m_theme(lightTheme())
 {
     m_wait.setSingleShot(true);
     m_awake.setSingleShot(true);
-    connect(&m_wait, &QTimer::timeout, this, &OverlayTips::show);
+    connect(&m_wait, &QTimer::timeout, this, &ToolTips::show);
 }
 
-OverlayTips::~OverlayTips()
+ToolTips::~ToolTips()
 {
     delete m_tip;
 }
 
-void OverlayTips::setTheme(const Theme &theme)
+void ToolTips::setTheme(const Theme &theme)
 {
     m_theme = theme;
     leave();
 }
 
-void OverlayTips::watch(QWidget *target)
+void ToolTips::watch(QWidget *target)
 {
     target->installEventFilter(this);
 }
 
-void OverlayTips::watchAll(QWidget *root)
+void ToolTips::watchAll(QWidget *root)
 {
     watch(root);
     const QObjectList &children = root->children();
@@ -117,7 +117,7 @@ void OverlayTips::watchAll(QWidget *root)
     }
 }
 
-void OverlayTips::enter(QWidget *target, const QRect &part, const QString &text)
+void ToolTips::enter(QWidget *target, const QRect &part, const QString &text)
 {
     if (target == m_target && part == m_part && text == m_text)
         return;
@@ -133,7 +133,7 @@ void OverlayTips::enter(QWidget *target, const QRect &part, const QString &text)
         m_wait.start(target->style()->styleHint(QStyle::SH_ToolTip_WakeUpDelay, nullptr, target));
 }
 
-void OverlayTips::leave()
+void ToolTips::leave()
 {
     m_wait.stop();
     hide();
@@ -142,12 +142,12 @@ void OverlayTips::leave()
     m_text.clear();
 }
 
-QString OverlayTips::shownText() const
+QString ToolTips::shownText() const
 {
     return m_tip ? m_text : QString();
 }
 
-void OverlayTips::show()
+void ToolTips::show()
 {
     if (!m_target || !m_target->isVisible())
         return;
@@ -160,7 +160,7 @@ void OverlayTips::show()
     m_tip->raise();
 }
 
-void OverlayTips::hide()
+void ToolTips::hide()
 {
     if (!m_tip)
         return;
@@ -172,7 +172,7 @@ void OverlayTips::hide()
         m_awake.start(m_target->style()->styleHint(QStyle::SH_ToolTip_FallAsleepDelay, nullptr, m_target));
 }
 
-bool OverlayTips::eventFilter(QObject *watched, QEvent *event)
+bool ToolTips::eventFilter(QObject *watched, QEvent *event)
 {
     auto *target = qobject_cast<QWidget *>(watched);
     switch (event->type()) {

@@ -1,7 +1,7 @@
-#include "overlay/toolbar_layout_editor.h"
+#include "ui/toolbar_layout_editor.h"
 
-#include "overlay/overlay_tips.h"
 #include "ui/glyphs.h"
+#include "ui/tool_tips.h"
 
 #include <QCoreApplication>
 #include <QFontMetrics>
@@ -69,7 +69,7 @@ ToolbarLayoutEditor::ToolbarLayoutEditor(QWidget *parent)
     : QWidget(parent),
       m_theme(lightTheme()),
       m_config(defaultToolbarLayout()),
-      m_tips(new OverlayTips(this)),
+      m_tips(new ToolTips(this)),
       m_current(m_config.first().tool)
 {
     setObjectName(QStringLiteral("toolbarLayoutEditor"));

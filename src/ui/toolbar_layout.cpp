@@ -1,4 +1,4 @@
-#include "overlay/toolbar_layout.h"
+#include "ui/toolbar_layout.h"
 
 #include "base/json_read.h"
 

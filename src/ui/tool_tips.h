@@ -20,13 +20,13 @@ namespace tavrel::ui {
 /// stands above all windows without a window manager.
 ///
 /// Delays are the ones of the style: a first tip waits, the next one comes at once. GUI thread only.
-class OverlayTips final : public QObject
+class ToolTips final : public QObject
 {
     Q_OBJECT
 
 public:
-    explicit OverlayTips(QObject *parent);
-    ~OverlayTips() override;
+    explicit ToolTips(QObject *parent);
+    ~ToolTips() override;
 
     void setTheme(const Theme &theme);
     /// Shows the widget's own `toolTip` while the pointer rests on it, in place of the usual window.
