@@ -1,31 +1,18 @@
 #pragma once
 
-#include <algorithm>
-#include <atomic>
 #include <cstddef>
-#include <thread>
-#include <vector>
+#include <functional>
+#include <limits>
 
 namespace tavrel {
 
-/// Calls work(0) to work(count - 1), each once, on as many threads as there are cores and calls, and returns when all
-/// are done. The calling thread works along. Starting a thread costs some 20 us; `work` must not throw.
-template <typename Work>
-void inParallel(std::size_t count, const Work &work)
-{
-    constexpr unsigned kMostThreads = 8;
-    const std::size_t cores = std::clamp(std::thread::hardware_concurrency(), 1U, kMostThreads);
-    std::atomic<std::size_t> next = 0;
-    const auto run = [&] {
-        for (std::size_t i = next++; i < count; i = next++)
-            work(i);
-    };
-    std::vector<std::thread> helpers;
-    for (std::size_t i = 1; i < std::min(cores, count); ++i)
-        helpers.emplace_back(run);
-    run();
-    for (std::thread &helper : helpers)
-        helper.join();
-}
+/// Calls work(0) to work(count - 1), each once, here and on helper threads that are idle, and returns when all have
+/// returned. The helpers, one less than there are cores and at most seven, are shared by the process and stay; with
+/// none idle it all happens here, so that calls within calls and from several threads are safe. Waking a helper costs
+/// some 10 us. `work` must not throw. Any thread.
+///
+/// most  threads, this one included, for work that more of them do not make faster
+void inParallel(std::size_t count, const std::function<void(std::size_t)> &work,
+                std::size_t most = std::numeric_limits<std::size_t>::max());
 
 } // namespace tavrel
