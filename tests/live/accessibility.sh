@@ -15,8 +15,7 @@ read -r width height < <(xdpyinfo | sed -n 's/.*dimensions: *\([0-9]*\)x\([0-9]*
 
 write_settings '{"configSchemaVersion":9,"language":"en","theme":"light","showToolbarText":false,"toolGuideShown":true,"autoDetectWindow":false}'
 dress_desktop "$width" "$height"
-QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1 start "$tavrel"
-until_true 30 log_has 就绪，等待快捷键 || fail "the hotkeys were not registered"
+QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1 start_program
 xdotool key ctrl+1
 until_true 30 log_has 覆盖层首次绘制完成 || fail "the overlay did not come up"
 drag 60 60 1100 420

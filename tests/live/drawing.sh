@@ -27,8 +27,7 @@ stroke() { # X Y X Y ...: held from the first point to the last
 # Without labels every button of the toolbar is a square of 30, and the pictures can be compared without magnifier.
 write_settings "{\"configSchemaVersion\":9,\"language\":\"en\",\"theme\":\"$theme\",\"showToolbarText\":false,\"showMagnifier\":false,\"showColorPicker\":false,\"toolGuideShown\":true,\"autoDetectWindow\":false}"
 dress_desktop "$width" "$height"
-start "$tavrel"
-until_true 30 log_has 就绪，等待快捷键 || fail "the hotkeys were not registered"
+start_program
 xdotool key ctrl+1
 until_true 30 log_has 覆盖层首次绘制完成 || fail "the overlay did not come up"
 
@@ -37,14 +36,9 @@ drag "$(px $left)" "$(px $top)" "$(px $right)" "$(px $bottom)"
 bar=$((bottom + 15 + 19)) # middle of the toolbar's buttons
 results=$((right - 8 - 15))
 tool() { click $((results - 224 - 30 * (11 - $1))) $bar; } # counted from the arrow behind the tools, on its left
-settle() { # NAME: keeps a picture once two in a row are the same
-    still() {
-        mv "$home/now.ppm" "$home/last.ppm" 2>/dev/null
-        import -window root "$home/now.ppm"
-        cmp -s "$home/now.ppm" "$home/last.ppm"
-    }
-    until_true 20 still || fail "the screen does not come to rest"
-    convert "$home/now.ppm" -quality 10 "$out/$1.png"
+look() { # NAME
+    settle "$home/$1.ppm"
+    keep "$home/$1.ppm" "$out/$1.png"
 }
 
 tool 0 # rectangle
@@ -61,13 +55,13 @@ at 600 330
 wheel up 15
 stroke 560 330 700 335 900 330
 at 900 450
-settle tools
+look tools
 
 # A click takes the first rectangle; it is moved, then a third one is drawn, taken back and brought again.
 tool 0
 click 240 230
 stroke 240 230 260 300 280 430
-settle picked
+look picked
 click 700 560
 stroke 560 420 600 440 900 520
 xdotool key ctrl+z
@@ -77,21 +71,19 @@ xdotool key Delete
 xdotool key ctrl+z
 tool 0 # put away
 at 1180 60
-settle drawing
+look drawing
 
 xdotool key Return
-got_picture() { xclip -selection clipboard -t image/png -o >"$home/copied.png" 2>/dev/null && [ -s "$home/copied.png" ]; }
-until_true 20 got_picture || fail "no picture on the clipboard"
-cp "$home/copied.png" "$out/copied.png"
+copied "$out/copied.png"
 # Inside the marks of the selection.
 inset=$(px 30)
 inner="$(($(px $right) - $(px $left) - 2 * inset))x$(($(px $bottom) - $(px $top) - 2 * inset))"
-convert "$out/drawing.png" -crop "$inner+$(($(px $left) + inset))+$(($(px $top) + inset))" +repage "$home/seen.png"
-convert "$home/copied.png" -crop "$inner+$inset+$inset" +repage "$home/cut.png"
-differing=$(compare -metric AE "$home/seen.png" "$home/cut.png" null: 2>&1)
-[ "$differing" = 0 ] || fail "$differing pixels of the copied picture differ from the screen"
-convert "$home/desktop.png" -crop "$inner+$(($(px $left) + inset))+$(($(px $top) + inset))" +repage "$home/bare.png"
-drawn=$(compare -metric AE "$home/bare.png" "$home/cut.png" null: 2>&1)
+cut "$home/drawing.ppm" "$inner+$(($(px $left) + inset))+$(($(px $top) + inset))" "$home/seen.ppm"
+cut "$out/copied.png" "$inner+$inset+$inset" "$home/cut.ppm"
+wrong=$(differing "$home/seen.ppm" "$home/cut.ppm")
+[ "$wrong" = 0 ] || fail "$wrong pixels of the copied picture differ from the screen"
+cut "$home/desktop.ppm" "$inner+$(($(px $left) + inset))+$(($(px $top) + inset))" "$home/bare.ppm"
+drawn=$(differing "$home/bare.ppm" "$home/cut.ppm")
 awk -v d="$drawn" -v s="$scale" 'BEGIN { exit !(d > 15000 * s * s) }' || fail "hardly anything was drawn: $drawn pixels"
 
 [ "$failures" -eq 0 ] && echo "drawing at scale $scale, $theme: the copied picture shows what the screen showed, $drawn pixels drawn"

@@ -16,9 +16,7 @@ QT_SCALE_FACTOR=1 start "$page" "$out/page.png"
 until_true 20 xdotool search --name '^scroll page$' || fail "the page did not come up"
 window=$(xdotool search --name '^scroll page$' | tail -1)
 read -r X Y < <(xwininfo -id "$window" | awk '/Absolute upper-left X/ { x = $4 } /Absolute upper-left Y/ { print x, $4 }')
-start "$tavrel"
-until_true 30 log_has 就绪，等待快捷键 || fail "the hotkeys were not registered"
-sleep 0.3
+start_program
 xdotool key ctrl+3
 until_true 30 log_has 覆盖层首次绘制完成 || fail "the overlay did not come up"
 left=$((X + 10)) top=$((Y + 20)) right=$((X + 810)) bottom=$((Y + 620))
@@ -26,27 +24,26 @@ drag $left $top $right $bottom
 xdotool mousemove $((X + 400)) $((Y + 300))
 hole_is_open() { xdotool search --name '^(长截图|Long screenshot)$'; }
 until_true 20 hole_is_open || fail "the long capture did not begin"
-sleep 0.3
+settle "$home/begun.ppm"
 wheel() { # BUTTON TIMES: each notch gets the time that a frame takes
     local i
     for ((i = 0; i < $2; i++)); do
         xdotool click "$1"
-        sleep 0.1
+        sleep 0.05
     done
 }
 wheel 5 24
 wheel 4 3
 wheel 5 14
-sleep 0.4
-import -window root "$out/running.png"
+settle "$home/running.ppm"
+keep "$home/running.ppm" "$out/running.png"
 xdotool key Return
 until_true 20 log_has 长截图完成 || fail "the long capture did not end"
-sleep 0.3
-import -window root "$out/finished.png"
+settle "$home/finished.ppm"
+keep "$home/finished.ppm" "$out/finished.png"
 xdotool key ctrl+c
 until_true 20 log_has 截图会话结束 || fail "the session did not end"
-grab() { xclip -selection clipboard -t image/png -o >"$out/copied.png"; }
-until_true 20 grab || fail "nothing was copied"
+copied "$out/copied.png"
 
 # 35 notches of 57 rows below the first view of 600.
 expected=$((600 + 35 * 57))

@@ -9,9 +9,9 @@ xsetroot -solid steelblue
 # A settings value cut off in the middle, and a folder in the place of the log file.
 write_settings '{"configSchemaVersion":9,"theme":"da'
 mkdir -p "$(dirname "$log")"
-start "$tavrel"
+expected_warnings=(设置无法读取)
+start_program
 first=${started[-1]}
-until_true 30 log_has 就绪，等待快捷键 || fail "the program did not start with broken settings"
 log_has 设置无法读取 || fail "the broken settings were not reported"
 grep -q settings_config_broken "$XDG_CONFIG_HOME/corvane/Tavrel.conf" || fail "the broken settings were not kept"
 
@@ -35,9 +35,10 @@ xdotool key Escape
 until_true 20 log_count 截图会话结束 2 || fail "Esc did not end the second session"
 windows_named "$message" 1 || fail "the message went away with the capture"
 
+stop_watching
 kill -9 "$first"
 wait "$first" 2>/dev/null
-mv "$log" "$home/first.log"
+close_log
 mkdir "$log"
 start "$tavrel"
 second=${started[-1]}
@@ -51,6 +52,5 @@ until_true 20 shown || fail "no overlay after a kill"
 xdotool key Escape
 
 kill -TERM "$second"
-for ((i = 0; i < 200; i++)); do kill -0 "$second" 2>/dev/null || break; sleep 0.05; done
-kill -0 "$second" 2>/dev/null && fail "the program did not end on SIGTERM"
+until_true 10 eval '! kill -0 $second 2>/dev/null' || fail "the program did not end on SIGTERM"
 exit "$failures"

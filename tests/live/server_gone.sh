@@ -4,16 +4,16 @@
 set -u
 tavrel=$(realpath "$1")
 . "$(dirname "$0")/common.sh"
+expected_warnings=("X11 connection broke" "The X11 connection" 与\ X\ 服务器的连接已断开)
 for state in rest capture; do
-    rm -f "$log" "$home/display"
+    rm -f "$home/display"
     mkfifo "$home/display"
     Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp 3>"$home/display" >/dev/null 2>&1 &
     server=$!
     started+=($server)
     read -r -t 30 number <"$home/display"
-    DISPLAY=:$number start "$tavrel"
+    DISPLAY=:$number start_program
     program=${started[-1]}
-    until_true 30 log_has 就绪，等待快捷键 || fail "$state: the program did not start"
     if [ "$state" = capture ]; then
         DISPLAY=:$number "$tavrel" --capture
         until_true 20 log_has 覆盖层首次绘制完成 || fail "no overlay"
@@ -24,5 +24,6 @@ for state in rest capture; do
     code=$?
     [ "$code" -gt 0 ] && [ "$code" -lt 126 ] || fail "$state: it ended with $code"
     log_has "X11 connection broke" || log_has "与 X 服务器的连接已断开" || fail "$state: the log says nothing"
+    close_log
 done
 exit "$failures"

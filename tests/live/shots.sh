@@ -10,7 +10,11 @@ scale=$4
 read -r width height < <(xdpyinfo | sed -n 's/.*dimensions: *\([0-9]*\)x\([0-9]*\).*/\1 \2/p')
 dress_desktop "$width" "$height"
 
-shot() { sleep 0.4; import -window root "$out/$1-$language-$theme-$scale.png"; }
+shot() {
+    sleep 0.4
+    shoot "$home/shot.ppm"
+    convert "$home/shot.ppm" -quality 90 "$out/$1-$language-$theme-$scale.png"
+}
 
 for language in zh en; do
     write_settings "{\"configSchemaVersion\":9,\"language\":\"$language\",\"theme\":\"$theme\"}"
