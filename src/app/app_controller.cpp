@@ -1,10 +1,12 @@
 #include "app/app_controller.h"
 
-#include "app/default_services.h"
 #include "app/update_messages.h"
+#include "app/update_source.h"
 #include "overlay/capture_overlay.h"
+#include "platform/feed_updater.h"
 #include "settings/settings_store.h"
 #include "ui/color_library.h"
+#include "ui/dialogs.h"
 
 #include <QApplication>
 #include <QDeadlineTimer>
@@ -26,31 +28,32 @@ constexpr auto kHotkeyRetry = 10s;
 
 } // namespace
 
-AppController::AppController(SettingsStore &settings, Deps deps, QObject *parent)
+AppController::AppController(SettingsStore &settings, platform::Services services, Roles roles, QObject *parent)
     : QObject(parent),
       m_settings(settings),
-      m_deps(withDefaultServices(withMessages(std::move(deps)))),
-      m_probe(m_deps.elementDetector),
-      m_flow({*m_deps.screenCapturer, m_deps.windowController, m_deps.elementDetector, settings, *m_deps.history,
-              m_notices, m_deps.cursorPosition, &m_probe}),
-      m_results(settings, m_notices, m_deps.clipboard),
-      m_hotkeys(*m_deps.globalHotkey, m_commands),
-      m_messages({m_deps.windowController, [this](QWindow *window) { activate(window); },
-                  [this] { return ui::themeFor(m_settings.config().theme); }})
+      m_services(platform::withSystemServices(std::move(services))),
+      m_history(roles.history ? std::move(roles.history) : std::make_shared<NoHistory>()),
+      m_givenNotices(std::move(roles.notices)),
+      m_probe(m_services.elementDetector),
+      m_flow({*m_services.screenCapturer, m_services.windowController, m_services.elementDetector, settings, *m_history,
+              m_notices, m_services.cursorPosition, &m_probe}),
+      m_results(settings, m_notices, std::move(roles.clipboard)),
+      m_hotkeys(*m_services.globalHotkey, m_commands),
+      m_messages({m_services.windowController, [this](QWindow *window) { activate(window); },
+                  [this] { return ui::themeFor(m_settings.config().theme); }}),
+      m_updater(roles.updater ? std::move(roles.updater) : makeUpdater())
 {
-    m_notices.setReceiver(m_deps.notices.get());
-    ui::dialogs::setWindowController(m_deps.windowController);
-    ui::dialogs::setFileDialogHost(m_deps.fileDialogHost);
+    m_notices.setReceiver(m_givenNotices.get());
+    ui::dialogs::setWindowController(m_services.windowController);
     ui::dialogs::setThemeName(settings.config().theme);
-    ui::dialogs::setHotkeySuspender([this](bool suspended) { m_deps.globalHotkey->setSuspended(suspended); });
+    ui::dialogs::setHotkeySuspender([this](bool suspended) { m_services.globalHotkey->setSuspended(suspended); });
 
     auto &palette = ui::ColorLibrary::instance();
     palette.setColors(settings.config().paletteColors);
     connect(&palette, &ui::ColorLibrary::changed, this, &AppController::storePalette);
 
-    connect(m_deps.updater.get(), &platform::IUpdater::shutdownRequested, this, &AppController::quit,
-            Qt::QueuedConnection);
-    connect(m_deps.globalHotkey.get(), &platform::IGlobalHotkey::activated, this,
+    connect(m_updater.get(), &platform::IUpdater::shutdownRequested, this, &AppController::quit, Qt::QueuedConnection);
+    connect(m_services.globalHotkey.get(), &platform::IGlobalHotkey::activated, this,
             [this](int id) { m_hotkeys.dispatch(id); });
     setCommands();
     // Another program may give a combination back; nothing tells of it.
@@ -60,7 +63,6 @@ AppController::AppController(SettingsStore &settings, Deps deps, QObject *parent
 
     connect(&m_flow, &CaptureFlow::accessRefused, this, &AppController::onAccessRefused);
     connect(&m_flow, &CaptureFlow::sessionStarted, this, &AppController::updateCanShutdown);
-    connect(&m_flow, &CaptureFlow::sessionClosed, this, &AppController::captureSessionClosed);
     connect(&m_flow, &CaptureFlow::idleReached, this, [this] {
         updateCanShutdown();
         scheduleRelease();
@@ -71,7 +73,7 @@ AppController::AppController(SettingsStore &settings, Deps deps, QObject *parent
             [this](const QImage &image, const FilenameContext &context, const QString &uuid) {
                 m_results.saveImage(image, context, false, nullptr, [this, uuid](const QString &path) {
                     if (!uuid.isEmpty())
-                        m_deps.history->setSavedPath(uuid, path);
+                        m_history->setSavedPath(uuid, path);
                 });
             });
     connect(&m_settings, &SettingsStore::changed, this, &AppController::applySettings);
@@ -83,51 +85,53 @@ AppController::~AppController()
     ui::ColorLibrary::instance().disconnect(this);
     m_settings.disconnect(this); // what the last saves change registers nothing anew
     m_flow.closeSession();
-    m_deps.globalHotkey->unregisterAll();
+    m_services.globalHotkey->unregisterAll();
     ui::dialogs::setHotkeySuspender({});
     ui::dialogs::setWindowController(nullptr);
-    ui::dialogs::setFileDialogHost(nullptr);
     // One deadline for both: a new start waits no longer than that for this one to go.
     const QDeadlineTimer deadline(kFlushTime);
     if (!m_results.finish(deadline))
         qWarning().noquote() << QStringLiteral("退出时仍有截图没有写完");
-    m_deps.history->flush(static_cast<int>(deadline.remainingTime()));
+    m_history->flush(static_cast<int>(deadline.remainingTime()));
     m_notices.setReceiver(nullptr);
 }
 
 void AppController::start()
 {
-    if (m_deps.enableBackground)
-        startTray();
+    startTray();
     registerHotkeys();
     qInfo().noquote() << QStringLiteral("就绪，等待快捷键");
 }
 
-/// The services are made before the board is; they do not speak before the loop runs.
-AppController::Deps AppController::withMessages(Deps deps)
+std::unique_ptr<platform::IUpdater> AppController::makeUpdater()
 {
-    if (!deps.showUpdate)
-        deps.showUpdate = [this](const platform::UpdateReport &report) {
-            if (report.isAsked)
-                m_messages.show(updateMessage(report, [this](const QUrl &page) { openPage(page); }));
-            else // a window would take the keyboard from whoever is typing
-                m_notices.show(updateMessage(report, {}).title,
-                               QCoreApplication::translate("AppController", "在托盘菜单里选择“检查更新…”查看内容。"),
-                               IUserNotices::Kind::Information, 8000ms);
-        };
-    return deps;
+    platform::FeedUpdater::Options options;
+    options.config = updateSource();
+    options.buildNumber = buildNumber();
+    options.present = [this](const platform::UpdateReport &report) { showUpdate(report); };
+    options.lookUp = m_services.lookUpHost;
+    return std::make_unique<platform::FeedUpdater>(std::move(options));
+}
+
+void AppController::showUpdate(const platform::UpdateReport &report)
+{
+    if (report.isAsked)
+        m_messages.show(updateMessage(report, [this](const QUrl &page) { openPage(page); }));
+    else // a window would take the keyboard from whoever is typing
+        m_notices.show(updateMessage(report, {}).title,
+                       QCoreApplication::translate("AppController", "在托盘菜单里选择“检查更新…”查看内容。"),
+                       IUserNotices::Kind::Information, 8000ms);
 }
 
 void AppController::openPage(const QUrl &page)
 {
-    if (m_deps.openUrl)
-        m_deps.openUrl(page);
-    else if (!QDesktopServices::openUrl(page))
-        m_messages.show({.topic = QStringLiteral("browser"),
-                         .icon = ui::dialogs::Icon::Warning,
-                         .title = QCoreApplication::translate("AppController", "无法打开浏览器"),
-                         .text = QCoreApplication::translate("AppController", "请自行打开这个地址：%1")
-                                     .arg(page.toString(QUrl::FullyEncoded))});
+    if (QDesktopServices::openUrl(page))
+        return;
+    m_messages.show({.topic = QStringLiteral("browser"),
+                     .icon = ui::dialogs::Icon::Warning,
+                     .title = QCoreApplication::translate("AppController", "无法打开浏览器"),
+                     .text = QCoreApplication::translate("AppController", "请自行打开这个地址：%1")
+                                 .arg(page.toString(QUrl::FullyEncoded))});
 }
 
 void AppController::setCommands()
@@ -135,29 +139,29 @@ void AppController::setCommands()
     m_commands.set(Command::Capture, [this] { startCapture(); });
     m_commands.set(Command::LongCapture, [this] { m_flow.startLongCapture(); });
     m_commands.set(Command::Quit, [this] { quit(); });
-    if (m_deps.updater->isAvailable())
-        m_commands.set(Command::Updates, [this] { m_deps.updater->checkNow(); });
+    if (m_updater->isAvailable())
+        m_commands.set(Command::Updates, [this] { m_updater->checkNow(); });
 }
 
 void AppController::startTray()
 {
-    const auto detector = m_deps.elementDetector;
+    const auto detector = m_services.elementDetector;
     m_tray = std::make_unique<TrayMenu>(TrayMenu::Services{
         .settings = [this]() -> const SettingsConfig & { return m_settings.config(); },
         .commands = m_commands,
-        .state = [this] { return TrayState{.hasUpdates = m_deps.updater->isAvailable()}; },
+        .state = [this] { return TrayState{.hasUpdates = m_updater->isAvailable()}; },
         .guides = {.windows = [detector] { return detector->topLevelWindows(); },
                    .applicationIcon = [detector](qint64 process,
                                                  int size) { return detector->applicationIcon(process, size); }},
     });
     m_desktopNotices = std::make_unique<DesktopNotices>(DesktopNotices::Ways{
-        .notifier = m_deps.notifier,
+        .notifier = m_services.notifier,
         .showBalloon =
             [this](const QString &title, const QString &text, IUserNotices::Kind kind,
                    std::chrono::milliseconds duration) { return m_tray->showBalloon(title, text, kind, duration); },
         .showWarning = [this](const QString &title, const QString &text) { showWarning(title, text); },
     });
-    if (!m_deps.notices)
+    if (!m_givenNotices)
         m_notices.setReceiver(m_desktopNotices.get());
 }
 
@@ -196,7 +200,7 @@ void AppController::registerHotkeys()
     m_reportedHotkeys = failed;
     if (!m_hotkeys.mayRecover())
         m_hotkeyRetry.stop();
-    else if (m_deps.enableBackground && !m_hotkeyRetry.isActive())
+    else if (!m_hotkeyRetry.isActive())
         m_hotkeyRetry.start();
     if (m_tray)
         m_tray->refresh();
@@ -230,9 +234,6 @@ void AppController::storePalette()
 
 void AppController::onAccessRefused()
 {
-    Q_EMIT permissionRequired();
-    if (!m_deps.showPermissionHelp)
-        return;
     const QString text =
         QCoreApplication::translate("AppController", "Tavrel 需要「屏幕录制」权限才能截图。") + QStringLiteral("\n\n") +
         QCoreApplication::translate("AppController",
@@ -245,13 +246,13 @@ void AppController::onAccessRefused()
                      .cancelText = QCoreApplication::translate("AppController", "稍后"),
                      .answer = [this](bool open) {
                          if (open)
-                             m_deps.permissions->openSystemSettings(platform::MediaKind::Screen);
+                             m_services.permissions->openSystemSettings(platform::MediaKind::Screen);
                      }});
 }
 
 void AppController::updateCanShutdown()
 {
-    m_deps.updater->setCanShutdown(!m_flow.isActive());
+    m_updater->setCanShutdown(!m_flow.isActive());
 }
 
 void AppController::showWarning(const QString &title, const QString &text)
@@ -306,7 +307,7 @@ void AppController::retranslateUi()
 void AppController::activate(QWindow *window)
 {
     ++m_activations;
-    m_deps.windowController->activate(window);
+    m_services.windowController->activate(window);
 }
 
 void AppController::scheduleRelease()
@@ -322,9 +323,9 @@ void AppController::release(int activationsBefore, bool wasApplicationActive)
         return;
     const bool goesBack = !wasApplicationActive && m_activations == activationsBefore;
     if (goesBack)
-        m_deps.windowController->deactivateApplication();
+        m_services.windowController->deactivateApplication();
     if (goesBack || !m_messages.isOpen())
-        m_deps.windowController->releaseActivation();
+        m_services.windowController->releaseActivation();
 }
 
 } // namespace tavrel

@@ -1,6 +1,6 @@
 #include "app/capture_probe.h"
 
-#include "app/default_services.h"
+#include "platform/services.h"
 #include "platform/unsupported/unsupported_services.h"
 
 #include <QCoreApplication>
@@ -77,9 +77,8 @@ int runCaptureProbe(const QStringList &values)
         std::fprintf(stderr, "用法: tavrel --capture-probe <outDir> [--request-permission] [--compare <png>]\n");
         return 2;
     }
-    AppController::Deps wanted;
-    wanted.globalHotkey = platform::Unsupported::globalHotkey(); // nothing to listen to
-    const AppController::Deps services = withDefaultServices(std::move(wanted));
+    const platform::Services services =
+        platform::withSystemServices({.globalHotkey = platform::Unsupported::globalHotkey()}); // nothing to listen to
     platform::IScreenCapturer &capturer = *services.screenCapturer;
     if (request->askForAccess)
         capturer.requestCaptureAccess();

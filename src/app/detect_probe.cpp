@@ -1,8 +1,8 @@
 #include "app/detect_probe.h"
 
-#include "app/default_services.h"
 #include "overlay/edge_region_finder.h"
 #include "overlay/hover_candidates.h"
+#include "platform/services.h"
 #include "platform/unsupported/unsupported_services.h"
 
 #include <QCoreApplication>
@@ -86,9 +86,8 @@ int report(const Scene &scene, const ui::HoverSources &sources, const QString &p
 
 int runDetectProbe(const QString &path)
 {
-    AppController::Deps wanted;
-    wanted.globalHotkey = platform::Unsupported::globalHotkey(); // nothing to listen to
-    const AppController::Deps services = withDefaultServices(std::move(wanted));
+    const platform::Services services =
+        platform::withSystemServices({.globalHotkey = platform::Unsupported::globalHotkey()}); // nothing to listen to
     Scene scene;
     scene.pointer = services.cursorPosition();
     scene.windows = services.elementDetector->topLevelWindows();

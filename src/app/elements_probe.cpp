@@ -1,6 +1,6 @@
 #include "app/elements_probe.h"
 
-#include "app/default_services.h"
+#include "platform/services.h"
 #include "platform/unsupported/unsupported_services.h"
 
 #include <cstdio>
@@ -14,9 +14,8 @@ int runElementsProbe(const QStringList &values)
         std::fprintf(stderr, "用法: tavrel --elements-probe [--request-access]\n");
         return 2;
     }
-    AppController::Deps wanted;
-    wanted.globalHotkey = platform::Unsupported::globalHotkey(); // nothing to listen to
-    const AppController::Deps services = withDefaultServices(std::move(wanted));
+    const platform::Services services =
+        platform::withSystemServices({.globalHotkey = platform::Unsupported::globalHotkey()}); // nothing to listen to
     platform::IElementDetector &detector = *services.elementDetector;
     if (!values.isEmpty())
         detector.requestAccess();

@@ -4,7 +4,7 @@
 #include "annotate/shape_document.h"
 #include "annotate/smart_erase_engine.h"
 #include "annotate/smart_erase_shape.h"
-#include "app/default_services.h"
+#include "platform/services.h"
 #include "platform/unsupported/unsupported_services.h"
 
 #include <QCoreApplication>
@@ -90,9 +90,8 @@ int eraseAndReport(const QImage &picture, const QRect &box, const QString &prefi
 /// Grabs the screens and hands on the first one; runs the event loop until that is done.
 int withFreshGrab(const std::function<int(const QImage &)> &work)
 {
-    AppController::Deps wanted;
-    wanted.globalHotkey = platform::Unsupported::globalHotkey(); // nothing to listen to
-    const AppController::Deps services = withDefaultServices(std::move(wanted));
+    const platform::Services services =
+        platform::withSystemServices({.globalHotkey = platform::Unsupported::globalHotkey()}); // nothing to listen to
     platform::IScreenCapturer *capturer = services.screenCapturer.get();
     capturer->capture({}, capturer, [&work](const platform::CaptureResult &result) {
         QCoreApplication::exit(result.isGood() ? work(result.displays.first().image)

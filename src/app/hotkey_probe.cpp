@@ -1,10 +1,9 @@
 #include "app/hotkey_probe.h"
 
-#include "app/default_services.h"
 #include "app/hotkey_table.h"
 #include "app/languages.h"
 #include "app/single_instance.h"
-#include "platform/input_injector.h"
+#include "platform/services.h"
 #include "settings/settings_store.h"
 
 #include <QCoreApplication>
@@ -70,9 +69,9 @@ int runHotkeyProbe(const QStringList &values)
     LanguageApplier language;
     language.apply(config.language);
 
-    const AppController::Deps services = withDefaultServices({});
+    const platform::Services services = platform::withSystemServices({});
     platform::IGlobalHotkey &hotkeys = *services.globalHotkey;
-    const auto injector = makeInputInjector();
+    const auto injector = platform::makeInputInjector();
     const Commands commands = allCommands();
     HotkeyTable table(hotkeys, commands);
     table.apply(config);

@@ -1,6 +1,6 @@
 #include "app/hw_probe.h"
 
-#include "app/default_services.h"
+#include "platform/services.h"
 #include "settings/key_combo.h"
 
 #include <QApplication>
@@ -68,8 +68,8 @@ int runHwProbe(const QStringList &values)
         std::fprintf(stderr, "用法: tavrel --hw-probe\n");
         return 2;
     }
-    const auto monitor = makeInputMonitor();
-    const auto injector = makeInputInjector();
+    const auto monitor = platform::makeInputMonitor();
+    const auto injector = platform::makeInputInjector();
     QString error;
     if (!monitor->hasAccess(&error))
         monitor->requestAccess();

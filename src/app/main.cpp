@@ -1,12 +1,11 @@
 #include "app/app_controller.h"
 #include "app/command_line.h"
-#include "app/default_services.h"
-#include "app/fake_capture.h"
 #include "app/file_open_filter.h"
 #include "app/languages.h"
 #include "app/logging.h"
 #include "app/one_shot.h"
 #include "app/single_instance.h"
+#include "platform/services.h"
 #include "platform/synthetic/synthetic_capturer.h"
 #include "settings/settings_store.h"
 #include "ui/glyphs.h"
@@ -31,15 +30,12 @@ void describeApplication(QApplication &app)
     app.setWindowIcon(ui::appIcon());
 }
 
-AppController::Deps dependencies(const StartRequest &request)
+platform::Services services(const StartRequest &request)
 {
-    AppController::Deps deps;
-    if (request.fakeCapture) {
-        auto capturer = std::make_unique<platform::SyntheticCapturer>();
-        setFakeCapturer(capturer.get());
-        deps.screenCapturer = std::move(capturer);
-    }
-    return deps;
+    platform::Services services;
+    if (request.fakeCapture)
+        services.screenCapturer = std::make_unique<platform::SyntheticCapturer>();
+    return services;
 }
 
 /// Carries out what a start, this one or a later one, asks for.
@@ -91,9 +87,9 @@ int main(int argc, char *argv[])
     language.apply(request.lang.isEmpty() ? settings.config().language : request.lang);
     if (request.languageProbe)
         return runLanguageProbe(language);
-    followSystemTermination(&app);
+    platform::followSystemTermination(&app);
 
-    auto controller = std::make_unique<AppController>(settings, dependencies(request));
+    auto controller = std::make_unique<AppController>(settings, services(request), AppController::Roles{});
     controller->start();
     instance.listen();
     QObject::connect(&instance, &SingleInstance::requested, controller.get(),
@@ -120,6 +116,5 @@ int main(int argc, char *argv[])
     // Nothing may reach a controller that is going down.
     instance.close();
     controller.reset();
-    setFakeCapturer(nullptr);
     return code;
 }

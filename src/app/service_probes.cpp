@@ -1,6 +1,6 @@
 #include "app/service_probes.h"
 
-#include "app/default_services.h"
+#include "platform/services.h"
 #include "platform/unsupported/unsupported_services.h"
 
 #include <array>
@@ -14,15 +14,12 @@ using platform::PermissionState;
 using platform::Unsupported;
 
 /// The services of the system without those that a probe of a small one has no use for.
-AppController::Deps smallServices()
+platform::Services smallServices()
 {
-    AppController::Deps deps;
-    deps.screenCapturer = Unsupported::screenCapturer();
-    deps.globalHotkey = Unsupported::globalHotkey();
-    deps.windowController = Unsupported::windowController();
-    deps.elementDetector = Unsupported::elementDetector();
-    deps.updater = Unsupported::updater();
-    return withDefaultServices(std::move(deps));
+    return platform::withSystemServices({.screenCapturer = Unsupported::screenCapturer(),
+                                         .globalHotkey = Unsupported::globalHotkey(),
+                                         .windowController = Unsupported::windowController(),
+                                         .elementDetector = Unsupported::elementDetector()});
 }
 
 struct Kind
@@ -57,7 +54,7 @@ int runAutoStartProbe(const QStringList &values)
         std::fprintf(stderr, "用法: tavrel --autostart-probe [on|off]\n");
         return 2;
     }
-    const AppController::Deps services = smallServices();
+    const platform::Services services = smallServices();
     platform::IAutoStart &autoStart = *services.autoStart;
     const bool before = autoStart.isEnabled();
     std::printf("自动启动：%s\n", before ? "已启用" : "未启用");
@@ -80,7 +77,7 @@ int runPermissionsProbe(const QStringList &values)
         std::fprintf(stderr, "用法: tavrel --permissions-probe\n");
         return 2;
     }
-    const AppController::Deps services = smallServices();
+    const platform::Services services = smallServices();
     for (const Kind &kind : kKinds)
         std::printf("%s\t%s\t%s\n", kind.name, services.permissions->isRequired(kind.kind) ? "需要授权" : "无需授权",
                     word(services.permissions->state(kind.kind)));

@@ -6,6 +6,7 @@
 #include "support/test_main.h"
 #include "ui/color_library.h"
 #include "ui/dialog_hosts.h"
+#include "ui/dialogs.h"
 
 #include <QApplication>
 #include <QPushButton>
@@ -388,7 +389,8 @@ private Q_SLOTS:
 private:
     void start(const std::function<void()> &before = {})
     {
-        AppController::Deps deps;
+        platform::Services services;
+        AppController::Roles roles;
         auto capturer = std::make_unique<FakeCapturer>();
         auto hotkeys = std::make_unique<platform::SyntheticGlobalHotkey>();
         auto updater = std::make_unique<FakeUpdater>();
@@ -397,18 +399,18 @@ private:
         m_updater = updater.get();
         if (before)
             before();
-        deps.screenCapturer = std::move(capturer);
-        deps.globalHotkey = std::move(hotkeys);
-        deps.updater = std::move(updater);
-        deps.windowController = m_windows;
-        deps.elementDetector = platform::Unsupported::elementDetector();
-        deps.permissions = m_permissions;
-        deps.notices = m_notices;
-        deps.notifier = std::make_shared<NoNotifier>();
-        deps.history = m_records;
-        deps.clipboard = std::make_shared<FakeClipboard>();
-        deps.cursorPosition = [] { return QPoint(10, 10); };
-        m_controller = std::make_unique<AppController>(*m_settings, std::move(deps));
+        services.screenCapturer = std::move(capturer);
+        services.globalHotkey = std::move(hotkeys);
+        roles.updater = std::move(updater);
+        services.windowController = m_windows;
+        services.elementDetector = platform::Unsupported::elementDetector();
+        services.permissions = m_permissions;
+        roles.notices = m_notices;
+        services.notifier = std::make_shared<NoNotifier>();
+        roles.history = m_records;
+        roles.clipboard = std::make_shared<FakeClipboard>();
+        services.cursorPosition = [] { return QPoint(10, 10); };
+        m_controller = std::make_unique<AppController>(*m_settings, std::move(services), std::move(roles));
         m_controller->start();
     }
 

@@ -1,1 +1,0 @@
-#include "account/account_service.h"

@@ -1,1 +1,0 @@
-#include "cloud/cloud_service.h"

@@ -1,1 +1,0 @@
-#include "net/feedback_service.h"
