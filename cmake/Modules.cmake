@@ -12,11 +12,12 @@ set(TAVREL_ARROWS
   "platform/synthetic|base settings platform"
   "platform/unsupported|base settings platform"
   "platform/linux|base settings platform platform/unsupported"
+  "process|base settings platform"
   "annotate|base"
   "ui|base settings platform annotate"
   "output|base settings"
   "overlay|base settings platform annotate record ui"
-  "app|base settings platform platform/synthetic platform/unsupported platform/linux annotate ui output overlay record")
+  "app|base settings platform platform/synthetic platform/unsupported process annotate ui output overlay record")
 
 function(tavrel_allowed folder out)
   foreach(row IN LISTS TAVREL_ARROWS)

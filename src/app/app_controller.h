@@ -1,16 +1,16 @@
 #pragma once
 
 #include "app/capture_flow.h"
-#include "app/commands.h"
 #include "app/desktop_notices.h"
 #include "app/history_keeper.h"
-#include "app/hotkey_table.h"
 #include "app/message_board.h"
 #include "app/result_actions.h"
 #include "app/tray_menu.h"
 #include "overlay/element_probe.h"
 #include "platform/services.h"
 #include "platform/updater.h"
+#include "process/commands.h"
+#include "process/hotkey_table.h"
 
 #include <QObject>
 #include <QStringList>

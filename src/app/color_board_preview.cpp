@@ -1,6 +1,6 @@
 #include "app/color_board_preview.h"
 
-#include "app/languages.h"
+#include "process/languages.h"
 #include "ui/color_board.h"
 #include "ui/color_chip.h"
 #include "ui/color_chip_row.h"

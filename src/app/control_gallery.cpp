@@ -1,7 +1,7 @@
 #include "app/control_gallery.h"
 
 #include "annotate/shape_document.h"
-#include "app/languages.h"
+#include "process/languages.h"
 #include "ui/action_button.h"
 #include "ui/attribute_bar.h"
 #include "ui/chip.h"

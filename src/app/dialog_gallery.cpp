@@ -1,6 +1,6 @@
 #include "app/dialog_gallery.h"
 
-#include "app/languages.h"
+#include "process/languages.h"
 #include "ui/action_button.h"
 #include "ui/chip.h"
 #include "ui/dialog_hosts.h"

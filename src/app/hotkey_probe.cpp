@@ -1,9 +1,9 @@
 #include "app/hotkey_probe.h"
 
-#include "app/hotkey_table.h"
-#include "app/languages.h"
-#include "app/single_instance.h"
 #include "platform/services.h"
+#include "process/hotkey_table.h"
+#include "process/languages.h"
+#include "process/single_instance.h"
 #include "settings/settings_store.h"
 
 #include <QCoreApplication>

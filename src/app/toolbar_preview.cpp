@@ -1,8 +1,8 @@
 #include "app/toolbar_preview.h"
 
-#include "app/languages.h"
 #include "overlay/tool_guide_bubble.h"
 #include "overlay/toolbar_widget.h"
+#include "process/languages.h"
 #include "ui/toolbar_config_dialog.h"
 
 #include <QApplication>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "app/commands.h"
 #include "app/guide_menus.h"
 #include "app/user_notices.h"
+#include "process/commands.h"
 
 #include <QObject>
 #include <QSystemTrayIcon>

@@ -1,5 +1,5 @@
 // What another process may write to the local socket.
-#include "app/single_instance.h"
+#include "process/single_instance.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "app/device_info.h"
+#include "process/device_info.h"
 
 #include <QBuffer>
 #include <QCoreApplication>

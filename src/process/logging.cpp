@@ -1,4 +1,4 @@
-#include "app/logging.h"
+#include "process/logging.h"
 
 #include <QDateTime>
 #include <QDir>

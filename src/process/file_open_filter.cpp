@@ -1,4 +1,4 @@
-#include "app/file_open_filter.h"
+#include "process/file_open_filter.h"
 
 #include <QFileOpenEvent>
 #include <QTimer>

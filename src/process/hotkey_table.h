@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/commands.h"
+#include "process/commands.h"
 #include "settings/settings_config.h"
 
 #include <QList>

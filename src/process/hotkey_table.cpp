@@ -1,4 +1,4 @@
-#include "app/hotkey_table.h"
+#include "process/hotkey_table.h"
 
 #include "platform/global_hotkey.h"
 

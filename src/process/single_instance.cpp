@@ -1,4 +1,4 @@
-#include "app/single_instance.h"
+#include "process/single_instance.h"
 
 #include "base/json_read.h"
 #include "platform/user_identity.h"

@@ -1,5 +1,5 @@
-#include "app/hotkey_table.h"
 #include "platform/global_hotkey.h"
+#include "process/hotkey_table.h"
 #include "support/test_main.h"
 
 using namespace tavrel;

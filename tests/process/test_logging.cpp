@@ -1,5 +1,5 @@
-#include "app/device_info.h"
-#include "app/logging.h"
+#include "process/device_info.h"
+#include "process/logging.h"
 #include "support/test_main.h"
 
 #include <QFile>

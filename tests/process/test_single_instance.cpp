@@ -1,5 +1,5 @@
-#include "app/file_open_filter.h"
-#include "app/single_instance.h"
+#include "process/file_open_filter.h"
+#include "process/single_instance.h"
 #include "support/test_main.h"
 
 #include <QDir>

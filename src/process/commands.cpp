@@ -1,4 +1,4 @@
-#include "app/commands.h"
+#include "process/commands.h"
 
 #include <QCoreApplication>
 

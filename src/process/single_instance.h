@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/commands.h"
+#include "process/commands.h"
 
 #include <QByteArray>
 #include <QList>

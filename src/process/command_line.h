@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/single_instance.h"
+#include "process/single_instance.h"
 
 #include <QString>
 #include <QStringList>

@@ -1,4 +1,4 @@
-#include "app/command_line.h"
+#include "process/command_line.h"
 #include "support/test_main.h"
 
 #include <QCoreApplication>

@@ -1,4 +1,4 @@
-#include "app/languages.h"
+#include "process/languages.h"
 #include "settings/settings_config.h"
 #include "support/test_main.h"
 
@@ -15,7 +15,7 @@ QString sample(const char *source)
 
 } // namespace
 
-/// The catalogues of this test (tests/app/i18n): English has both texts, German only the first.
+/// The catalogues of this test (tests/process/i18n): English has both texts, German only the first.
 class LanguagesTest : public QObject
 {
     Q_OBJECT
