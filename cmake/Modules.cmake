@@ -17,7 +17,8 @@ set(TAVREL_ARROWS
   "ui|base settings platform annotate"
   "output|base settings"
   "overlay|base settings platform annotate record ui"
-  "app|base settings platform platform/synthetic platform/unsupported process annotate ui output overlay record")
+  "diagnostics|base settings platform platform/synthetic platform/unsupported process annotate ui overlay"
+  "app|base settings platform platform/synthetic process annotate ui output overlay record diagnostics")
 
 function(tavrel_allowed folder out)
   foreach(row IN LISTS TAVREL_ARROWS)

@@ -1,5 +1,5 @@
 #include "app/app_controller.h"
-#include "app/one_shot.h"
+#include "diagnostics/one_shot.h"
 #include "platform/services.h"
 #include "platform/synthetic/synthetic_capturer.h"
 #include "process/command_line.h"

@@ -1,4 +1,4 @@
-#include "app/hotkey_probe.h"
+#include "diagnostics/hotkey_probe.h"
 
 #include "platform/services.h"
 #include "process/hotkey_table.h"

@@ -1,4 +1,4 @@
-#include "app/control_gallery.h"
+#include "diagnostics/control_gallery.h"
 
 #include "annotate/shape_document.h"
 #include "process/languages.h"

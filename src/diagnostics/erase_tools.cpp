@@ -1,4 +1,4 @@
-#include "app/erase_tools.h"
+#include "diagnostics/erase_tools.h"
 
 #include "annotate/erase_region.h"
 #include "annotate/shape_document.h"

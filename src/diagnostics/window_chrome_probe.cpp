@@ -1,4 +1,4 @@
-#include "app/window_chrome_probe.h"
+#include "diagnostics/window_chrome_probe.h"
 
 #include "ui/theme.h"
 #include "ui/window_border.h"

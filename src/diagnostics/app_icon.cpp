@@ -1,4 +1,4 @@
-#include "app/app_icon.h"
+#include "diagnostics/app_icon.h"
 
 #include "ui/glyphs.h"
 

@@ -1,4 +1,4 @@
-#include "app/detect_probe.h"
+#include "diagnostics/detect_probe.h"
 
 #include "overlay/edge_region_finder.h"
 #include "overlay/hover_candidates.h"

@@ -1,4 +1,4 @@
-#include "app/capture_probe.h"
+#include "diagnostics/capture_probe.h"
 
 #include "platform/services.h"
 #include "platform/unsupported/unsupported_services.h"

@@ -1,4 +1,4 @@
-#include "app/shape_sheet.h"
+#include "diagnostics/shape_sheet.h"
 
 #include "annotate/selection_renderer.h"
 #include "annotate/shape_document.h"

@@ -1,4 +1,4 @@
-#include "app/color_board_preview.h"
+#include "diagnostics/color_board_preview.h"
 
 #include "process/languages.h"
 #include "ui/color_board.h"

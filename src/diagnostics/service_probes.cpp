@@ -1,4 +1,4 @@
-#include "app/service_probes.h"
+#include "diagnostics/service_probes.h"
 
 #include "platform/services.h"
 #include "platform/unsupported/unsupported_services.h"

@@ -1,4 +1,4 @@
-#include "app/elements_probe.h"
+#include "diagnostics/elements_probe.h"
 
 #include "platform/services.h"
 #include "platform/unsupported/unsupported_services.h"

@@ -1,4 +1,4 @@
-#include "app/dialog_gallery.h"
+#include "diagnostics/dialog_gallery.h"
 
 #include "process/languages.h"
 #include "ui/action_button.h"

@@ -1,4 +1,4 @@
-#include "app/long_selftest.h"
+#include "diagnostics/long_selftest.h"
 
 #include "annotate/crop_rect.h"
 #include "overlay/scroll_page.h"

@@ -1,4 +1,4 @@
-#include "app/toolbar_preview.h"
+#include "diagnostics/toolbar_preview.h"
 
 #include "overlay/tool_guide_bubble.h"
 #include "overlay/toolbar_widget.h"

@@ -1,6 +1,6 @@
 #include "annotate/selection_renderer.h"
 #include "annotate/shape_document.h"
-#include "app/shape_sheet.h"
+#include "diagnostics/shape_sheet.h"
 #include "support/test_main.h"
 
 #include <QGuiApplication>

@@ -1,4 +1,4 @@
-#include "app/hw_probe.h"
+#include "diagnostics/hw_probe.h"
 
 #include "platform/services.h"
 #include "settings/key_combo.h"
