@@ -1,6 +1,6 @@
 #include "annotate/effect_image_cache.h"
 
-#include "annotate/erase_workers.h"
+#include "base/parallel.h"
 
 #include <algorithm>
 #include <cstring>
@@ -196,7 +196,7 @@ void blur(QImage &now, QImage &other, int radius, Mean mean)
     // A band begins with the sum of the rows around its first one, so that wide blurs want few bands.
     const int band = std::clamp(4 * radius, kLeastBand, std::max(kLeastBand, (height + 3) / 4));
     const auto inBands = [&](auto job) {
-        erase::inParallel((height + band - 1) / band, [&](int i) { job(i * band, std::min(height, (i + 1) * band)); });
+        inParallel((height + band - 1) / band, [&](int i) { job(i * band, std::min(height, (i + 1) * band)); });
     };
     inBands([&](int top, int bottom) {
         AlongLines lines(a.width);
@@ -236,7 +236,7 @@ QImage blockMeans(const QImage &image, int block)
     const int columns = (width + block - 1) / block;
     uchar *to = result.bits();
     const qsizetype stride = result.bytesPerLine();
-    erase::inParallel((height + block - 1) / block, [&](int job) {
+    inParallel((height + block - 1) / block, [&](int job) {
         const int top = job * block;
         const int bottom = std::min(height, top + block);
         std::vector<quint64> sums(4 * static_cast<std::size_t>(columns), 0);

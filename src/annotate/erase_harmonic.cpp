@@ -1,6 +1,6 @@
 #include "annotate/erase_harmonic.h"
 
-#include "annotate/erase_workers.h"
+#include "base/parallel.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #include "annotate/erase_patch_fill.h"
 
 #include "annotate/erase_harmonic.h"
-#include "annotate/erase_workers.h"
+#include "base/parallel.h"
 
 #include <algorithm>
 #include <array>

@@ -1,15 +1,10 @@
 #include "annotate/smart_erase_engine.h"
 
-#include "annotate/erase_workers.h"
-
-#include <QCoreApplication>
-#include <QEvent>
+#include "base/claimed_work.h"
+#include "base/work_queue.h"
 
 #include <algorithm>
-#include <condition_variable>
-#include <mutex>
 #include <utility>
-#include <vector>
 
 namespace tavrel {
 namespace {
@@ -18,92 +13,41 @@ constexpr int kSolverThreads = 2;
 constexpr int kKeptSolutions = 32;
 constexpr qint64 kKeptPixels = 4'000'000;
 
-erase::Workers &solvers()
+/// A static one: the end of the process waits for the box at hand, which its engine has cancelled.
+WorkQueue &solvers()
 {
-    static erase::Workers workers(kSolverThreads);
-    return workers;
-}
-
-QEvent::Type answersCame()
-{
-    static const auto type = static_cast<QEvent::Type>(QEvent::registerEventType());
-    return type;
+    static WorkQueue queue(kSolverThreads);
+    return queue;
 }
 
 } // namespace
 
-/// One box on its way. Whoever claims it first solves it: a solver thread, or solve() that will not wait for one.
+/// One box on its way: solved by a solver thread, or by solve() that will not wait for one.
 struct SmartEraseEngine::Job
 {
+    struct Solved
+    {
+        std::shared_ptr<const erase::RegionResult> region;
+        QImage canvas; ///< a copy of the source to draw on; null when the job brings none
+    };
+
     QImage source;
     EraseSpec spec;
-    quint64 generation = 0;
     erase::CancelFlag cancel;
     bool bringsCanvas = false; ///< it copies the source too, which takes too long for the thread of the windows
-
-    /// False when somebody else has it.
-    bool work()
-    {
-        {
-            const std::lock_guard lock(m_mutex);
-            if (m_isClaimed)
-                return false;
-            m_isClaimed = true;
-        }
-        auto made = std::make_shared<erase::RegionResult>();
-        if (!cancel.isSet())
-            *made = erase::eraseRegion(source, spec, cancel);
-        QImage canvas = bringsCanvas && !made->patch.isNull() ? source.copy() : QImage();
-        const std::lock_guard lock(m_mutex);
-        m_result = std::move(made);
-        m_canvas = std::move(canvas);
-        m_isDone = true;
-        m_done.notify_all();
-        return true;
-    }
-    /// Waits for it.
-    std::shared_ptr<const erase::RegionResult> result()
-    {
-        std::unique_lock lock(m_mutex);
-        m_done.wait(lock, [this] { return m_isDone; });
-        return m_result;
-    }
-
-    /// Once it is done: a copy of the source to draw on; null when it brings none.
-    QImage takeCanvas()
-    {
-        const std::lock_guard lock(m_mutex);
-        return std::exchange(m_canvas, {});
-    }
+    ClaimedWork<std::shared_ptr<Solved>> work{[this] { return solved(); }};
 
 private:
-    std::shared_ptr<const erase::RegionResult> m_result;
-    QImage m_canvas;
-    std::mutex m_mutex;
-    std::condition_variable m_done;
-    bool m_isClaimed = false;
-    bool m_isDone = false;
-};
-
-/// Where solver threads leave their answers, as long as there is an engine to collect them.
-struct SmartEraseEngine::Mailbox
-{
-    std::mutex mutex;
-    SmartEraseEngine *engine = nullptr;
-    std::vector<JobPtr> answers;
-
-    void post(JobPtr job)
+    [[nodiscard]] std::shared_ptr<Solved> solved() const
     {
-        const std::lock_guard lock(mutex);
-        if (!engine || job->cancel.isSet())
-            return;
-        answers.push_back(std::move(job));
-        QCoreApplication::postEvent(engine, new QEvent(answersCame()));
-    }
-    std::vector<JobPtr> collect()
-    {
-        const std::lock_guard lock(mutex);
-        return std::exchange(answers, {});
+        auto made = std::make_shared<Solved>();
+        auto region = std::make_shared<erase::RegionResult>();
+        if (!cancel.isSet())
+            *region = erase::eraseRegion(source, spec, cancel);
+        if (bringsCanvas && !region->patch.isNull())
+            made->canvas = source.copy();
+        made->region = std::move(region);
+        return made;
     }
 };
 
@@ -111,19 +55,13 @@ SmartEraseEngine::SmartEraseEngine(const QImage &source, QObject *parent)
     : QObject(parent),
       m_source(source.convertToFormat(QImage::Format_RGB32)),
       m_result(m_source),
-      m_scale(source.devicePixelRatio() > 0 ? source.devicePixelRatio() : 1.0),
-      m_mailbox(std::make_shared<Mailbox>())
-{
-    m_mailbox->engine = this;
-}
+      m_scale(source.devicePixelRatio() > 0 ? source.devicePixelRatio() : 1.0)
+{}
 
 SmartEraseEngine::~SmartEraseEngine()
 {
     for (const JobPtr &job : std::as_const(m_jobs))
         job->cancel.cancel();
-    const std::lock_guard lock(m_mailbox->mutex);
-    m_mailbox->engine = nullptr;
-    m_mailbox->answers.clear();
 }
 
 void SmartEraseEngine::setSpecs(const QList<EraseSpec> &specs)
@@ -131,9 +69,9 @@ void SmartEraseEngine::setSpecs(const QList<EraseSpec> &specs)
     want(specs);
     for (const EraseSpec &spec : missing()) {
         const JobPtr job = begin(spec);
-        solvers().start([job, mailbox = m_mailbox] {
-            if (job->work())
-                mailbox->post(job);
+        solvers().run([this, job, answer = m_answers.handle()] {
+            if (job->work.tryDo() && !job->cancel.isSet())
+                answer.post([this, job] { deliver(job); });
         });
     }
 }
@@ -143,11 +81,8 @@ void SmartEraseEngine::solve(const QList<EraseSpec> &specs)
     want(specs);
     for (const EraseSpec &spec : missing())
         begin(spec);
-    while (!m_jobs.isEmpty()) {
-        const JobPtr job = m_jobs.first();
-        (void)job->work();
-        accept(*job);
-    }
+    while (!m_jobs.isEmpty())
+        accept(JobPtr(m_jobs.first()));
 }
 
 SmartEraseEngine::JobPtr SmartEraseEngine::begin(const EraseSpec &spec)
@@ -155,7 +90,7 @@ SmartEraseEngine::JobPtr SmartEraseEngine::begin(const EraseSpec &spec)
     auto job = std::make_shared<Job>();
     job->source = m_source;
     job->spec = spec;
-    job->generation = ++m_generation;
+    ++m_solveCount;
     job->bringsCanvas = isUntouched() && std::none_of(m_jobs.cbegin(), m_jobs.cend(),
                                                       [](const JobPtr &other) { return other->bringsCanvas; });
     m_jobs.append(job);
@@ -197,31 +132,22 @@ QList<EraseSpec> SmartEraseEngine::missing() const
     return result;
 }
 
-bool SmartEraseEngine::event(QEvent *event)
-{
-    if (event->type() != answersCame())
-        return QObject::event(event);
-    for (const JobPtr &job : m_mailbox->collect())
-        deliver(job);
-    return true;
-}
-
 void SmartEraseEngine::deliver(const JobPtr &job)
 {
-    const bool isExpected = std::any_of(m_jobs.cbegin(), m_jobs.cend(),
-                                        [&job](const JobPtr &known) { return known->generation == job->generation; });
-    if (!isExpected)
+    if (!m_jobs.contains(job))
         return;
-    accept(*job);
+    accept(job);
     Q_EMIT solved(job->spec.first);
 }
 
-void SmartEraseEngine::accept(Job &job)
+void SmartEraseEngine::accept(const JobPtr &job)
 {
-    const Solution made{job.spec, job.result()};
-    if (QImage canvas = job.takeCanvas(); !canvas.isNull() && isUntouched())
+    const std::shared_ptr<Job::Solved> solved = job->work.result();
+    const Solution made{job->spec, solved->region};
+    // Taken out of the job, which its solver may still hold: a canvas with two owners would be copied to draw on it.
+    if (QImage canvas = std::exchange(solved->canvas, {}); !canvas.isNull() && isUntouched())
         m_result = std::move(canvas);
-    m_jobs.removeIf([generation = job.generation](const JobPtr &known) { return known->generation == generation; });
+    m_jobs.removeIf([&job](const JobPtr &known) { return known == job; });
     m_solutions.prepend(made);
     compose({made.spec.first});
 }

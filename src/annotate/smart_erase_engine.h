@@ -1,6 +1,7 @@
 #pragma once
 
 #include "annotate/erase_region.h"
+#include "base/answer.h"
 
 #include <QImage>
 #include <QList>
@@ -48,7 +49,7 @@ public:
     /// One for each of specs(); Path::None for those without a result.
     [[nodiscard]] QList<erase::RegionInfo> regionInfos() const;
     /// How many boxes have been begun so far.
-    [[nodiscard]] quint64 solveCount() const { return m_generation; }
+    [[nodiscard]] quint64 solveCount() const { return m_solveCount; }
 
 Q_SIGNALS:
     /// The result of a box begun by setSpecs() is in.
@@ -56,12 +57,8 @@ Q_SIGNALS:
     /// rect  of the box in source pixels
     void solved(const QRect &rect);
 
-protected:
-    bool event(QEvent *event) override;
-
 private:
     struct Job;
-    struct Mailbox;
     using JobPtr = std::shared_ptr<Job>;
     struct Solution
     {
@@ -76,7 +73,8 @@ private:
     /// The boxes that have neither a result nor a job.
     [[nodiscard]] QList<EraseSpec> missing() const;
     void deliver(const JobPtr &job);
-    void accept(Job &job);
+    /// Waits for the job, or does it.
+    void accept(const JobPtr &job);
     /// Whether result() still shares the pixels of the source.
     [[nodiscard]] bool isUntouched() const;
     /// Puts parts of the result together anew.
@@ -89,8 +87,8 @@ private:
     QList<EraseSpec> m_specs;
     QList<Solution> m_solutions; ///< the latest first
     QList<JobPtr> m_jobs;
-    quint64 m_generation = 0; ///< of the latest job; an answer of one that is not in m_jobs is dropped
-    std::shared_ptr<Mailbox> m_mailbox;
+    quint64 m_solveCount = 0;
+    Answers m_answers;
 };
 
 } // namespace tavrel

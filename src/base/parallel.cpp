@@ -18,13 +18,13 @@ class SharedLoop final
 {
 public:
     /// `work` is not touched any more once all calls have returned.
-    SharedLoop(std::size_t count, const std::function<void(std::size_t)> &work) : m_count(count), m_work(work) {}
+    SharedLoop(int count, const std::function<void(int)> &work) : m_count(count), m_work(work) {}
 
     void takePart()
     {
         std::unique_lock lock(m_mutex);
         while (m_next < m_count) {
-            const std::size_t i = m_next++;
+            const int i = m_next++;
             lock.unlock();
             m_work(i);
             lock.lock();
@@ -42,34 +42,33 @@ public:
 private:
     std::mutex m_mutex;
     std::condition_variable m_allDone;
-    const std::size_t m_count;
-    std::size_t m_next = 0;
-    std::size_t m_done = 0;
-    const std::function<void(std::size_t)> &m_work;
+    const int m_count;
+    int m_next = 0;
+    int m_done = 0;
+    const std::function<void(int)> &m_work;
 };
 
 /// Never destroyed: a worker that is still on its way when the process ends may look for it.
 WorkQueue &helpers()
 {
     static auto *const queue =
-        new WorkQueue(QStringLiteral("tavrel-helper"),
-                      std::clamp(static_cast<int>(std::thread::hardware_concurrency()) - 1, 1, kMostHelpers));
+        new WorkQueue(std::clamp(static_cast<int>(std::thread::hardware_concurrency()) - 1, 1, kMostHelpers));
     return *queue;
 }
 
 } // namespace
 
-void inParallel(std::size_t count, const std::function<void(std::size_t)> &work, std::size_t most)
+void inParallel(int count, const std::function<void(int)> &work, int most)
 {
-    const std::size_t threads = std::min(count, most);
+    const int threads = std::min(count, most);
     if (threads < 2) {
-        for (std::size_t i = 0; i < count; ++i)
+        for (int i = 0; i < count; ++i)
             work(i);
         return;
     }
     // A helper that comes late finds nothing left; it keeps the loop until then.
     const auto loop = std::make_shared<SharedLoop>(count, work);
-    for (std::size_t i = 1; i < threads; ++i) {
+    for (int i = 1; i < threads; ++i) {
         if (!helpers().tryRun([loop] { loop->takePart(); }))
             break;
     }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <functional>
 #include <limits>
 
@@ -12,7 +11,6 @@ namespace tavrel {
 /// some 10 us. `work` must not throw. Any thread.
 ///
 /// most  threads, this one included, for work that more of them do not make faster
-void inParallel(std::size_t count, const std::function<void(std::size_t)> &work,
-                std::size_t most = std::numeric_limits<std::size_t>::max());
+void inParallel(int count, const std::function<void(int index)> &work, int most = std::numeric_limits<int>::max());
 
 } // namespace tavrel

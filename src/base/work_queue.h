@@ -1,17 +1,14 @@
 #pragma once
 
 #include <QDeadlineTimer>
-#include <QString>
 
 #include <condition_variable>
 #include <cstddef>
 #include <deque>
 #include <functional>
-#include <memory>
 #include <mutex>
+#include <thread>
 #include <vector>
-
-class QThread;
 
 namespace tavrel {
 
@@ -21,17 +18,19 @@ namespace tavrel {
 /// Destruction drops what has not begun and waits for what has, without end. Where work may hang, on a network folder
 /// say, the queue is never destroyed: finish() waits for it up to a deadline, and the end of the process cuts off the
 /// rest. Work must not throw, and must not be the end of the queue. All functions but destruction: any thread.
+///
+/// Standard threads, since one of Qt's opens descriptors for an event loop that nobody runs here, and ends the program
+/// when there are none left.
 class WorkQueue final
 {
 public:
-    /// threadName  as debuggers and system monitors show it; the system may cut it after 15 letters
-    explicit WorkQueue(const QString &threadName, int threads = 1);
+    explicit WorkQueue(int threads = 1);
     ~WorkQueue();
     WorkQueue(const WorkQueue &) = delete;
     WorkQueue &operator=(const WorkQueue &) = delete;
 
     /// What `work` holds is destroyed on its thread as soon as it is done, on that of the destructor when it is
-    /// dropped.
+    /// dropped. When the system has no thread for the first work, it waits until a later call finds one.
     void run(std::function<void()> work);
     /// Runs it at once, or not at all when every thread is busy.
     [[nodiscard]] bool tryRun(const std::function<void()> &work);
@@ -40,20 +39,18 @@ public:
     [[nodiscard]] int threadCount() const { return m_threadCount; }
 
 private:
-    void add(std::function<void()> work);
+    bool startThread();
     void takeWork();
 
-    const QString m_name;
     const int m_threadCount;
     std::mutex m_mutex;
     // All below under the mutex.
     std::condition_variable m_wake;
-    std::condition_variable m_changed;
+    std::condition_variable m_done;
     std::deque<std::function<void()>> m_waiting;
-    std::vector<std::unique_ptr<QThread>> m_threads;
+    std::vector<std::thread> m_threads;
     std::size_t m_idle = 0;
     std::size_t m_running = 0; ///< pieces of work
-    std::size_t m_alive = 0;   ///< threads
     bool m_isEnding = false;
 };
 

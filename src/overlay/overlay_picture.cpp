@@ -71,8 +71,7 @@ QImage dimmedImage(const QImage &image)
     QList<Band> bands;
     for (qsizetype start = 0; start < pixels; start += kPixelsPerBand)
         bands.append({from + start, to + start, std::min(kPixelsPerBand, pixels - start)});
-    inParallel(static_cast<std::size_t>(bands.size()),
-               [&bands](std::size_t i) { dimBand(bands[static_cast<qsizetype>(i)]); });
+    inParallel(static_cast<int>(bands.size()), [&bands](int i) { dimBand(bands[i]); });
     return result;
 }
 

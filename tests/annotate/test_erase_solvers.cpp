@@ -5,7 +5,6 @@
 #include "annotate/erase_patch_fill.h"
 #include "annotate/erase_pictures.h"
 #include "annotate/erase_region.h"
-#include "annotate/erase_workers.h"
 #include "support/test_main.h"
 
 #include <QCoreApplication>
@@ -98,18 +97,6 @@ private Q_SLOTS:
                     QCOMPARE(mask.has(x, y), around.count() > 0);
                 }
             }
-        }
-    }
-
-    void everyJobRunsOnceWhereverItRuns()
-    {
-        for (const int count : {0, 1, 2, 1000}) {
-            std::vector<std::atomic<int>> runs(static_cast<std::size_t>(count));
-            inParallel(count, [&runs](int i) {
-                // A job may itself be split.
-                inParallel(3, [&](int) { runs[static_cast<std::size_t>(i)].fetch_add(1); });
-            });
-            QVERIFY(std::all_of(runs.begin(), runs.end(), [](const auto &times) { return times == 3; }));
         }
     }
 

@@ -1,11 +1,10 @@
 #include "platform/linux/shm_picture.h"
 
+#include "base/parallel.h"
 #include "platform/linux/x_connection.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
-#include <thread>
 
 #include <sys/mman.h>
 #include <unistd.h>
@@ -119,17 +118,11 @@ void copyOpaque(QImage &picture, const quint32 *source, int firstRow, int endRow
     const quint32 *pixels = source + width * static_cast<std::size_t>(firstRow);
     const std::size_t parts = std::min(count / kPixelsPerThread + 1, kMaxThreads);
     const std::size_t share = count / parts;
-    std::array<std::thread, kMaxThreads - 1> helpers;
-    for (std::size_t i = 1; i < parts; ++i) {
-        const std::size_t from = i * share;
-        const std::size_t length = i + 1 == parts ? count - from : share;
-        helpers[i - 1] = std::thread([=] { copyOpaque(to + from, pixels + from, length); });
-    }
-    copyOpaque(to, pixels, parts == 1 ? count : share);
-    for (std::thread &helper : helpers) {
-        if (helper.joinable())
-            helper.join();
-    }
+    inParallel(static_cast<int>(parts), [=](int part) {
+        const std::size_t from = static_cast<std::size_t>(part) * share;
+        const std::size_t end = from + share;
+        copyOpaque(to + from, pixels + from, (static_cast<std::size_t>(part) + 1 == parts ? count : end) - from);
+    });
 }
 
 } // namespace tavrel::platform
