@@ -1,15 +1,19 @@
 #include "annotate/smart_erase_engine.h"
 
-#include "base/claimed_work.h"
 #include "base/work_queue.h"
 
 #include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <optional>
 #include <utility>
 
 namespace tavrel {
 namespace {
 
 constexpr int kSolverThreads = 2;
+constexpr auto kCancelPoll = std::chrono::milliseconds(20);
 constexpr int kKeptSolutions = 32;
 constexpr qint64 kKeptPixels = 4'000'000;
 
@@ -22,33 +26,79 @@ WorkQueue &solvers()
 
 } // namespace
 
-/// One box on its way: solved by a solver thread, or by solve() that will not wait for one.
+/// One box on its way, for the thread that solves it and all who wait for that.
 struct SmartEraseEngine::Job
 {
-    struct Solved
-    {
-        std::shared_ptr<const erase::RegionResult> region;
-        QImage canvas; ///< a copy of the source to draw on; null when the job brings none
-    };
+    Job(QImage picture, EraseSpec wanted, bool withCanvas)
+        : source(std::move(picture)),
+          spec(std::move(wanted)),
+          bringsCanvas(withCanvas)
+    {}
 
-    QImage source;
-    EraseSpec spec;
+    const QImage source;
+    const EraseSpec spec;
+    const bool bringsCanvas; ///< it copies the source too, which takes too long for the thread of the windows
     erase::CancelFlag cancel;
-    bool bringsCanvas = false; ///< it copies the source too, which takes too long for the thread of the windows
-    ClaimedWork<std::shared_ptr<Solved>> work{[this] { return solved(); }};
+
+    /// Only the first result counts.
+    void finish(const std::shared_ptr<const erase::RegionResult> &made)
+    {
+        const std::lock_guard lock(m_mutex);
+        if (m_isDone)
+            return;
+        m_result = made;
+        m_isDone = true;
+        m_done.notify_all();
+    }
+    /// Null while it is not done, and when it was given up.
+    [[nodiscard]] std::shared_ptr<const erase::RegionResult> result() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_result;
+    }
+    void wait(const erase::CancelFlag &giveUp) const
+    {
+        std::unique_lock lock(m_mutex);
+        while (!giveUp.isSet() && !m_done.wait_for(lock, kCancelPoll, [this] { return m_isDone; })) {
+        }
+    }
 
 private:
-    [[nodiscard]] std::shared_ptr<Solved> solved() const
-    {
-        auto made = std::make_shared<Solved>();
-        auto region = std::make_shared<erase::RegionResult>();
-        if (!cancel.isSet())
-            *region = erase::eraseRegion(source, spec, cancel);
-        if (bringsCanvas && !region->patch.isNull())
-            made->canvas = source.copy();
-        made->region = std::move(region);
-        return made;
-    }
+    mutable std::mutex m_mutex;
+    mutable std::condition_variable m_done;
+    std::shared_ptr<const erase::RegionResult> m_result;
+    bool m_isDone = false;
+};
+
+/// Shared by all who want a job: the last of them to go gives it up.
+struct SmartEraseEngine::WantedJob
+{
+    explicit WantedJob(JobPtr wanted) : job(std::move(wanted)) {}
+    WantedJob(const WantedJob &) = delete;
+    WantedJob &operator=(const WantedJob &) = delete;
+    ~WantedJob() { job->cancel.cancel(); }
+
+    const JobPtr job;
+};
+
+struct SmartEraseEngine::Known
+{
+    QImage source;
+    double scale = 1.0;
+    QList<Solution> solutions;
+    QList<WantedPtr> jobs;
+};
+
+/// Goes along with the work on a job. When that is dropped before it ran, as at the end of the program, the job ends
+/// all the same, so that nobody waits for it.
+struct SmartEraseEngine::JobEnd
+{
+    explicit JobEnd(JobPtr wanted) : job(std::move(wanted)) {}
+    JobEnd(const JobEnd &) = delete;
+    JobEnd &operator=(const JobEnd &) = delete;
+    ~JobEnd() { job->finish({}); }
+
+    const JobPtr job;
 };
 
 SmartEraseEngine::SmartEraseEngine(const QImage &source, QObject *parent)
@@ -58,47 +108,73 @@ SmartEraseEngine::SmartEraseEngine(const QImage &source, QObject *parent)
       m_scale(source.devicePixelRatio() > 0 ? source.devicePixelRatio() : 1.0)
 {}
 
-SmartEraseEngine::~SmartEraseEngine()
+SmartEraseEngine::SmartEraseEngine(const Progress &progress)
+    : m_source(progress->source),
+      m_result(m_source),
+      m_scale(progress->scale),
+      m_solutions(progress->solutions),
+      m_jobs(progress->jobs)
+{}
+
+SmartEraseEngine::Progress SmartEraseEngine::progress() const
 {
-    for (const JobPtr &job : std::as_const(m_jobs))
-        job->cancel.cancel();
+    // Without the result: shared, it would have to be copied on this thread when the next box comes in.
+    return std::make_shared<const Known>(Known{m_source, m_scale, m_solutions, m_jobs});
 }
+
+SmartEraseEngine::~SmartEraseEngine() = default;
 
 void SmartEraseEngine::setSpecs(const QList<EraseSpec> &specs)
 {
     want(specs);
-    for (const EraseSpec &spec : missing()) {
-        const JobPtr job = begin(spec);
-        solvers().run([this, job, answer = m_answers.handle()] {
-            if (job->work.tryDo() && !job->cancel.isSet())
-                answer.post([this, job] { deliver(job); });
-        });
-    }
+    for (const EraseSpec &spec : missing())
+        begin(spec, Answer::Delivered);
 }
 
-void SmartEraseEngine::solve(const QList<EraseSpec> &specs)
+bool SmartEraseEngine::solve(const QList<EraseSpec> &specs, const erase::CancelFlag &cancel)
 {
     want(specs);
     for (const EraseSpec &spec : missing())
-        begin(spec);
-    while (!m_jobs.isEmpty())
-        accept(JobPtr(m_jobs.first()));
+        begin(spec, Answer::WaitedFor);
+    while (!m_jobs.isEmpty()) {
+        const JobPtr job = m_jobs.first()->job;
+        job->wait(cancel);
+        if (!job->result()) {
+            m_jobs.clear();
+            return false;
+        }
+        accept(job, {});
+    }
+    return true;
 }
 
-SmartEraseEngine::JobPtr SmartEraseEngine::begin(const EraseSpec &spec)
+void SmartEraseEngine::begin(const EraseSpec &spec, Answer answer)
 {
-    auto job = std::make_shared<Job>();
-    job->source = m_source;
-    job->spec = spec;
+    const bool isFirst =
+        std::none_of(m_jobs.cbegin(), m_jobs.cend(), [](const WantedPtr &other) { return other->job->bringsCanvas; });
+    const bool isDelivered = answer == Answer::Delivered;
+    const auto job = std::make_shared<Job>(m_source, spec, isDelivered && isUntouched() && isFirst);
+    m_jobs.append(std::make_shared<const WantedJob>(job));
     ++m_solveCount;
-    job->bringsCanvas = isUntouched() && std::none_of(m_jobs.cbegin(), m_jobs.cend(),
-                                                      [](const JobPtr &other) { return other->bringsCanvas; });
-    m_jobs.append(job);
-    return job;
+    const auto home = isDelivered ? std::optional(m_answers.handle()) : std::nullopt;
+    solvers().run([this, home, end = std::make_shared<const JobEnd>(job)] {
+        const JobPtr &done = end->job;
+        if (done->cancel.isSet())
+            return;
+        const auto made =
+            std::make_shared<const erase::RegionResult>(erase::eraseRegion(done->source, done->spec, done->cancel));
+        done->finish(made);
+        if (!home || done->cancel.isSet())
+            return;
+        QImage canvas = done->bringsCanvas && !made->patch.isNull() ? done->source.copy() : QImage();
+        // With one owner: it would be copied again to draw on it.
+        home->post([this, done, canvas = std::move(canvas)]() mutable { deliver(done, std::move(canvas)); });
+    });
 }
 
 void SmartEraseEngine::want(const QList<EraseSpec> &specs)
 {
+    m_jobs.removeIf([&specs](const WantedPtr &wanted) { return !specs.contains(wanted->job->spec); });
     if (specs == m_specs)
         return;
     QList<QRect> dirty;
@@ -112,12 +188,6 @@ void SmartEraseEngine::want(const QList<EraseSpec> &specs)
             dirty.append(m_specs[i].first);
     }
     m_specs = specs;
-    m_jobs.removeIf([this](const JobPtr &job) {
-        const bool isWanted = m_specs.contains(job->spec);
-        if (!isWanted)
-            job->cancel.cancel();
-        return !isWanted;
-    });
     compose(dirty);
     forgetOldSolutions();
 }
@@ -132,24 +202,23 @@ QList<EraseSpec> SmartEraseEngine::missing() const
     return result;
 }
 
-void SmartEraseEngine::deliver(const JobPtr &job)
+void SmartEraseEngine::deliver(const JobPtr &job, QImage canvas)
 {
-    if (!m_jobs.contains(job))
+    const bool isExpected =
+        std::any_of(m_jobs.cbegin(), m_jobs.cend(), [&job](const WantedPtr &known) { return known->job == job; });
+    if (!isExpected)
         return;
-    accept(job);
+    accept(job, std::move(canvas));
     Q_EMIT solved(job->spec.first);
 }
 
-void SmartEraseEngine::accept(const JobPtr &job)
+void SmartEraseEngine::accept(const JobPtr &job, QImage canvas)
 {
-    const std::shared_ptr<Job::Solved> solved = job->work.result();
-    const Solution made{job->spec, solved->region};
-    // Taken out of the job, which its solver may still hold: a canvas with two owners would be copied to draw on it.
-    if (QImage canvas = std::exchange(solved->canvas, {}); !canvas.isNull() && isUntouched())
+    if (!canvas.isNull() && isUntouched())
         m_result = std::move(canvas);
-    m_jobs.removeIf([&job](const JobPtr &known) { return known == job; });
-    m_solutions.prepend(made);
-    compose({made.spec.first});
+    m_jobs.removeIf([&job](const WantedPtr &known) { return known->job == job; });
+    m_solutions.prepend({job->spec, job->result()});
+    compose({job->spec.first});
 }
 
 bool SmartEraseEngine::isUntouched() const
@@ -213,7 +282,8 @@ QRect SmartEraseEngine::window(const QRect &rect) const
 
 bool SmartEraseEngine::isSolving(const EraseSpec &spec) const
 {
-    return std::any_of(m_jobs.cbegin(), m_jobs.cend(), [&spec](const JobPtr &job) { return job->spec == spec; });
+    return std::any_of(m_jobs.cbegin(), m_jobs.cend(),
+                       [&spec](const WantedPtr &wanted) { return wanted->job->spec == spec; });
 }
 
 QList<erase::RegionInfo> SmartEraseEngine::regionInfos() const

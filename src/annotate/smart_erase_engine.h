@@ -25,14 +25,23 @@ class SmartEraseEngine final : public QObject
 public:
     /// source  the picture without annotations; read as RGB32, so that transparent pixels count with their colour alone
     explicit SmartEraseEngine(const QImage &source, QObject *parent = nullptr);
+
+    struct Known;
+    /// What an engine has found out and what it is waiting for, to be read on any thread. Boxes on their way stay
+    /// wanted while a copy of it lives, whatever the engine does meanwhile.
+    using Progress = std::shared_ptr<const Known>;
+    [[nodiscard]] Progress progress() const;
+    /// Goes on from there, with no wanted boxes yet; on another thread as well.
+    explicit SmartEraseEngine(const Progress &progress);
     ~SmartEraseEngine() override;
 
     /// The boxes wanted from now on, later ones over earlier ones. Begins to solve those without a result, gives up
     /// those no longer wanted and returns at once. The same list again does nothing.
     void setSpecs(const QList<EraseSpec> &specs);
-    /// As setSpecs(), but returns when all of them are solved, without solved(). Slow: for flattening, off the GUI
-    /// thread or where the result is needed at once.
-    void solve(const QList<EraseSpec> &specs);
+    /// As setSpecs(), but returns when all of them are solved, without solved(). Slow: not for the GUI thread.
+    ///
+    /// returns  false when it was cancelled, or the program ends, before all were solved
+    bool solve(const QList<EraseSpec> &specs, const erase::CancelFlag &cancel = erase::CancelFlag::never());
     [[nodiscard]] const QList<EraseSpec> &specs() const { return m_specs; }
 
     /// The source with every solved box replaced; RGB32 at the ratio of the source.
@@ -59,7 +68,10 @@ Q_SIGNALS:
 
 private:
     struct Job;
+    struct WantedJob;
+    struct JobEnd;
     using JobPtr = std::shared_ptr<Job>;
+    using WantedPtr = std::shared_ptr<const WantedJob>;
     struct Solution
     {
         EraseSpec spec;
@@ -67,14 +79,16 @@ private:
     };
 
     [[nodiscard]] const Solution *solution(const EraseSpec &spec) const;
-    JobPtr begin(const EraseSpec &spec);
+    enum class Answer { Delivered, WaitedFor };
+    /// Puts a box on its way.
+    void begin(const EraseSpec &spec, Answer answer);
     /// Makes a list of boxes the wanted one and gives up the jobs of others.
     void want(const QList<EraseSpec> &specs);
     /// The boxes that have neither a result nor a job.
     [[nodiscard]] QList<EraseSpec> missing() const;
-    void deliver(const JobPtr &job);
-    /// Waits for the job, or does it.
-    void accept(const JobPtr &job);
+    /// canvas  a copy of the source to draw on; may be null
+    void deliver(const JobPtr &job, QImage canvas);
+    void accept(const JobPtr &job, QImage canvas);
     /// Whether result() still shares the pixels of the source.
     [[nodiscard]] bool isUntouched() const;
     /// Puts parts of the result together anew.
@@ -86,7 +100,7 @@ private:
     double m_scale = 1.0;
     QList<EraseSpec> m_specs;
     QList<Solution> m_solutions; ///< the latest first
-    QList<JobPtr> m_jobs;
+    QList<WantedPtr> m_jobs;
     quint64 m_solveCount = 0;
     Answers m_answers;
 };

@@ -203,7 +203,8 @@ private Q_SLOTS:
             auto engine = std::make_unique<SmartEraseEngine>(grain());
             engine->setSpecs({kLongWork, {QRect(20, 20, 60, 50), EraseSolver::Texture}});
             if (i % 2)
-                QTRY_VERIFY(!engine->window({QRect(20, 20, 60, 50), EraseSolver::Texture}).isNull());
+                QTRY_VERIFY_WITH_TIMEOUT(!engine->window({QRect(20, 20, 60, 50), EraseSolver::Texture}).isNull(),
+                                         60'000);
             engine.reset();
             QCoreApplication::processEvents();
         }
