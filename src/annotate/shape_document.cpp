@@ -1,6 +1,7 @@
 #include "annotate/shape_document.h"
 
 #include "annotate/selection_marks.h"
+#include "annotate/shape_painting.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -566,11 +567,16 @@ void ShapeDocument::restore(const ShapeState &state)
     }
 }
 
-QString ShapeDocument::shapesJson() const
+ShapeState ShapeDocument::shapeState() const
 {
     if (const auto stored = m_stored.find(m_selected); stored != m_stored.end())
         stored->isCurrent = false;
-    return QString::fromUtf8(stateToJson(currentState()));
+    return currentState();
+}
+
+QString ShapeDocument::shapesJson() const
+{
+    return QString::fromUtf8(stateToJson(shapeState()));
 }
 
 QString ShapeDocument::countersJson() const
@@ -604,24 +610,7 @@ void ShapeDocument::loadState(const QString &shapes, const QString &counters, co
 
 void ShapeDocument::paintShapes(QPainter &painter, const ShapeRenderContext &context) const
 {
-    const auto isExposed = [&context](const BaseShape &shape) {
-        const QList<QRectF> parts = shape.paintedParts();
-        return std::any_of(parts.begin(), parts.end(),
-                           [&context](const QRectF &part) { return part.isNull() || context.isExposed(part); });
-    };
-    QList<const BaseShape *> spotlights;
-    for (const ShapePtr &shape : m_shapes) {
-        if (shape->isEffect() && isExposed(*shape))
-            shape->paint(painter, context);
-        else if (shape->type() == ToolType::Spotlight)
-            spotlights.append(shape.get());
-    }
-    ShapeRenderContext withSpotlights = context;
-    withSpotlights.spotlights = &spotlights;
-    for (const ShapePtr &shape : m_shapes) {
-        if (!shape->isEffect() && isExposed(*shape))
-            shape->paint(painter, withSpotlights);
-    }
+    tavrel::paintShapes(painter, m_shapes, context);
 }
 
 void ShapeDocument::paint(QPainter &painter, const ShapeRenderContext &context) const
@@ -661,14 +650,9 @@ QList<QRectF> ShapeDocument::takeDamage()
     return m_damage.take(m_shapes, m_hovered);
 }
 
-QList<QPair<QRect, EraseSolver>> ShapeDocument::eraseRegions(double imageScale, const QPointF &origin) const
+QList<EraseSpec> ShapeDocument::eraseRegions(double imageScale, const QPointF &origin) const
 {
-    QList<QPair<QRect, EraseSolver>> regions;
-    for (const ShapePtr &shape : m_shapes) {
-        if (const auto box = shape->eraseBox())
-            regions.append({box->pixelRect(imageScale, origin), box->solver});
-    }
-    return regions;
+    return tavrel::eraseRegions(m_shapes, imageScale, origin);
 }
 
 } // namespace tavrel

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "annotate/base_shape.h"
+#include "annotate/erase_region.h"
 #include "annotate/outline_glow.h"
 #include "annotate/shape_attributes.h"
 #include "annotate/shape_damage.h"
@@ -164,6 +165,8 @@ public:
     [[nodiscard]] bool canRedo() const { return m_history.canRedo(); }
     /// Makes the present shapes an undo state; without a change nothing happens, so callers commit freely.
     void commit();
+    /// The present shapes as texts that are shared with the undo states.
+    [[nodiscard]] ShapeState shapeState() const;
     [[nodiscard]] QString shapesJson() const;
     /// Next number of each type.
     [[nodiscard]] QString countersJson() const;
@@ -189,7 +192,7 @@ public:
     ///
     /// imageScale  device pixels per unit
     /// origin      of the picture in shape coordinates
-    [[nodiscard]] QList<QPair<QRect, EraseSolver>> eraseRegions(double imageScale, const QPointF &origin = {}) const;
+    [[nodiscard]] QList<EraseSpec> eraseRegions(double imageScale, const QPointF &origin = {}) const;
 
 private:
     using ShapePtr = std::shared_ptr<BaseShape>;
