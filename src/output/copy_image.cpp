@@ -1,5 +1,6 @@
 #include "output/copy_image.h"
 
+#include "base/atomic_file.h"
 #include "output/image_file.h"
 #include "output/image_output.h"
 #include "output/save_service.h"

@@ -4,8 +4,6 @@
 #include <QImage>
 #include <QString>
 
-#include <functional>
-
 class QIODevice;
 
 namespace tavrel {
@@ -25,18 +23,5 @@ enum class ImageFileFormat { Png, Jpg };
 /// Takes 0.1 to 1 s for a whole screen (see bench_output_image_file): not for the GUI thread. Safe on any other.
 [[nodiscard]] bool encodeImage(const QImage &image, QIODevice &device, ImageFileFormat format, int jpegQuality = 92);
 [[nodiscard]] QByteArray encodedPng(const QImage &image);
-
-/// Fills the file; false gives it up.
-using FileContent = std::function<bool(QIODevice &device)>;
-
-/// Writes `path` in one step: it holds all the content or what it held before.
-[[nodiscard]] bool replaceFile(const QString &path, const FileContent &content);
-
-/// Creates a file under the first free name of numberedPath() and returns its path. The content is written beside it
-/// under a hidden temporary name, and the finished file gets its name by an operation that fails on an existing one,
-/// so neither half a file nor a file that another process made meanwhile overwritten can be the outcome.
-/// Empty on failure, with nothing left behind; `failedPath` is then the name that was tried.
-[[nodiscard]] QString createFile(const QString &directory, const QString &baseName, const QString &extension,
-                                 const FileContent &content, QString *failedPath = nullptr);
 
 } // namespace tavrel

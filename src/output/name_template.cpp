@@ -1,7 +1,5 @@
 #include "output/name_template.h"
 
-#include <QDir>
-#include <QFileInfo>
 #include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QTextBoundaryFinder>
@@ -111,26 +109,6 @@ QString fileBaseName(const QString &name, const QString &suffix)
     if (base.startsWith(u'.'))
         base[0] = u'_';
     return base + suffix;
-}
-
-QString numberedPath(const QString &directory, const QString &baseName, const QString &extension, int n)
-{
-    const QString number = n > 0 ? u'_' + QString::number(n) : QString();
-    return QDir(directory).filePath(baseName + number + u'.' + extension);
-}
-
-bool pathTaken(const QString &path)
-{
-    const QFileInfo info(path);
-    return info.exists() || info.isSymLink();
-}
-
-QString uniquePath(const QString &directory, const QString &baseName, const QString &extension)
-{
-    int n = 0;
-    while (pathTaken(numberedPath(directory, baseName, extension, n)))
-        ++n;
-    return numberedPath(directory, baseName, extension, n);
 }
 
 } // namespace tavrel

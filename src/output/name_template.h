@@ -36,14 +36,4 @@ using RandomBelow = std::function<int(int bound)>;
 /// because a window title must not make the file a hidden one.
 [[nodiscard]] QString fileBaseName(const QString &name, const QString &suffix = {});
 
-/// The n-th choice for a file: "base.extension", then "base_1.extension", "base_2.extension" and so on.
-[[nodiscard]] QString numberedPath(const QString &directory, const QString &baseName, const QString &extension, int n);
-
-/// Whether something has that name already, be it a link to nowhere.
-[[nodiscard]] bool pathTaken(const QString &path);
-
-/// The first of numberedPath() that does not exist. Another process may take the name afterwards: who creates the
-/// file has to do so exclusively.
-[[nodiscard]] QString uniquePath(const QString &directory, const QString &baseName, const QString &extension);
-
 } // namespace tavrel

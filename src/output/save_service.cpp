@@ -1,5 +1,6 @@
 #include "output/save_service.h"
 
+#include "base/atomic_file.h"
 #include "output/image_file.h"
 #include "settings/settings_config.h"
 

@@ -1,11 +1,12 @@
 #include "platform/secret_file.h"
 
+#include "base/atomic_file.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSaveFile>
 #include <QStandardPaths>
 
 namespace tavrel::platform {
@@ -26,10 +27,9 @@ bool write(const QString &path, const QJsonObject &entries)
     const QString folder = QFileInfo(path).absolutePath();
     if (!QDir().mkpath(folder) || !QFile::setPermissions(folder, kFolderMode))
         return false;
-    QSaveFile file(path);
-    // Before the first byte: the new file takes over the rights of an old one that somebody has opened up.
-    return file.open(QIODevice::WriteOnly) && file.setPermissions(kFileMode) &&
-           file.write(QJsonDocument(entries).toJson()) >= 0 && file.commit();
+    // With rights of its own: the new file would take over those of an old one that somebody has opened up.
+    return replaceFile(
+        path, [&entries](QIODevice &file) { return file.write(QJsonDocument(entries).toJson()) >= 0; }, kFileMode);
 }
 
 } // namespace

@@ -90,23 +90,6 @@ private Q_SLOTS:
         QFETCH(QString, suffix);
         QTEST(fileBaseName(name, suffix), "expected");
     }
-
-    void countsPastTakenNames()
-    {
-        QTemporaryDir folder;
-        const auto make = [&](const char *name) {
-            QFile file(folder.filePath(QLatin1String(name)));
-            return file.open(QIODevice::WriteOnly);
-        };
-        const auto unique = [&](const QString &base) { return uniquePath(folder.path(), base, u"png"_qs); };
-        QCOMPARE(unique(u"a"_qs), folder.filePath(u"a.png"_qs));
-        QVERIFY(make("a.png") && make("a_1.png") && make("a_3.png"));
-        QCOMPARE(unique(u"a"_qs), folder.filePath(u"a_2.png"_qs));
-        QVERIFY(make("%1 %2@2x.png"));
-        QCOMPARE(unique(u"%1 %2@2x"_qs), folder.filePath(u"%1 %2@2x_1.png"_qs));
-        QVERIFY(QFile::link(u"nowhere"_qs, folder.filePath(u"link.png"_qs)));
-        QCOMPARE(unique(u"link"_qs), folder.filePath(u"link_1.png"_qs));
-    }
 };
 
 TAVREL_TEST_MAIN(QGuiApplication, NameTemplateTest)

@@ -1,11 +1,12 @@
 #include "platform/linux/xdg_auto_start.h"
 
+#include "base/atomic_file.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
-#include <QSaveFile>
 #include <QStandardPaths>
 
 namespace tavrel::platform {
@@ -162,8 +163,8 @@ bool XdgAutoStart::setEnabled(bool enabled, QString *error)
                                         "StartupNotify=false\n"
                                         "X-GNOME-Autostart-enabled=true\n")
                              .arg(command(m_program), escaped(m_program));
-    QSaveFile file(m_entry);
-    if (!QDir().mkpath(folder) || !file.open(QIODevice::WriteOnly) || file.write(text.toUtf8()) < 0 || !file.commit())
+    const auto content = [&text](QIODevice &file) { return file.write(text.toUtf8()) >= 0; };
+    if (!QDir().mkpath(folder) || !replaceFile(m_entry, content))
         return fail(error, QCoreApplication::translate("XdgAutoStart", "无法写入自动启动项：%1")
                                .arg(QDir::toNativeSeparators(m_entry)));
     return true;
