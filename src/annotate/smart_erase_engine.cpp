@@ -6,7 +6,6 @@
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
-#include <optional>
 #include <utility>
 
 namespace tavrel {
@@ -156,19 +155,18 @@ void SmartEraseEngine::begin(const EraseSpec &spec, Answer answer)
     const auto job = std::make_shared<Job>(m_source, spec, isDelivered && isUntouched() && isFirst);
     m_jobs.append(std::make_shared<const WantedJob>(job));
     ++m_solveCount;
-    const auto home = isDelivered ? std::optional(m_answers.handle()) : std::nullopt;
-    solvers().run([this, home, end = std::make_shared<const JobEnd>(job)] {
+    solvers().run([this, isDelivered, home = m_answers.handle(), end = std::make_shared<const JobEnd>(job)] {
         const JobPtr &done = end->job;
         if (done->cancel.isSet())
             return;
         const auto made =
             std::make_shared<const erase::RegionResult>(erase::eraseRegion(done->source, done->spec, done->cancel));
         done->finish(made);
-        if (!home || done->cancel.isSet())
+        if (!isDelivered || done->cancel.isSet())
             return;
         QImage canvas = done->bringsCanvas && !made->patch.isNull() ? done->source.copy() : QImage();
         // With one owner: it would be copied again to draw on it.
-        home->post([this, done, canvas = std::move(canvas)]() mutable { deliver(done, std::move(canvas)); });
+        home.post([this, done, canvas = std::move(canvas)]() mutable { deliver(done, std::move(canvas)); });
     });
 }
 
