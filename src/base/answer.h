@@ -24,8 +24,8 @@ private:
     std::shared_ptr<Line> m_line;
 };
 
-/// The receiver's end: a member of whoever wants answers, declared last, so that none comes to an object that is half
-/// gone. An answer may then capture `this`.
+/// The receiver's end: a member of whoever wants answers, declared after all that they use, so that none comes to an
+/// object that is half gone. An answer may then capture `this`.
 ///
 /// Lives on the thread on which it was made, which needs an event loop; only handles leave it. When it goes, answers on
 /// their way are dropped, whatever other threads do at that moment; an answer may destroy the very receiver. What a

@@ -53,7 +53,7 @@ void ClipboardWriter::setImage(const QImage &image, QObject *context, Done done)
         answer(context, done, false);
         return;
     }
-    const auto png = std::make_shared<const PngEncoding>(image);
+    const auto png = std::make_shared<const PngEncoding>(image, m_encoding);
     begin({.make = [image, png] { return std::make_unique<PictureMimeData>(image, png); },
            .matches = [size = image.size()](const QMimeData &data) { return imageSize(data) == size; },
            .context = context,
@@ -65,7 +65,8 @@ void ClipboardWriter::setFiles(const QList<QUrl> &urls, const QImage &image, QOb
 {
     std::shared_ptr<const PngEncoding> encoded;
     if (!image.isNull())
-        encoded = png.isEmpty() ? std::make_shared<const PngEncoding>(image) : std::make_shared<const PngEncoding>(png);
+        encoded = png.isEmpty() ? std::make_shared<const PngEncoding>(image, m_encoding)
+                                : std::make_shared<const PngEncoding>(png);
     begin({.make =
                [urls, image, encoded] {
                    std::unique_ptr<QMimeData> data;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/work_queue.h"
 #include "output/clipboard.h"
 
 #include <QImage>
@@ -21,7 +22,7 @@ namespace tavrel {
 /// A program that asks for the PNG earlier waits for that worker.
 ///
 /// A write that begins while another one is retrying replaces it; the older one is then told false.
-/// GUI thread only.
+/// GUI thread only. Destruction waits for the picture that is being encoded.
 class ClipboardWriter final : public QObject
 {
     Q_OBJECT
@@ -70,6 +71,7 @@ private:
     std::optional<Write> m_write;
     QTimer m_timer;
     quint64 m_generation = 0;
+    WorkQueue m_encoding; ///< pictures, one after the other
 };
 
 } // namespace tavrel

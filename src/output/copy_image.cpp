@@ -6,12 +6,8 @@
 #include "output/save_service.h"
 #include "settings/settings_config.h"
 
-#include <QCoreApplication>
 #include <QDir>
-#include <QFutureWatcher>
 #include <QStandardPaths>
-#include <QThreadPool>
-#include <QtConcurrentRun>
 
 #include <utility>
 
@@ -19,17 +15,6 @@ namespace tavrel {
 namespace {
 
 constexpr qint64 kOldFileSeconds = 86401;
-
-/// One thread: copies keep their order, and do not wait behind a large save. Goes with the application.
-QThreadPool *copyPool()
-{
-    static QThreadPool *const pool = [] {
-        auto *created = new QThreadPool(QCoreApplication::instance());
-        created->setMaxThreadCount(1);
-        return created;
-    }();
-    return pool;
-}
 
 enum class CopyForm { Image, ImageAndFile, File };
 
@@ -110,27 +95,23 @@ void ImageCopier::copyImage(const QImage &image, const QDateTime &time, const Fi
                         .form = form,
                         .naming = saveRequest(config, clipboardFileFolder(), context),
                         .time = time};
-    auto *watcher = new QFutureWatcher<PreparedCopy>(this);
     const quint64 number = m_writer.announce();
-    if (!receiver)
-        receiver = this;
-    connect(watcher, &QFutureWatcher<PreparedCopy>::finished, this,
-            [this, watcher, number, form, receiver = QPointer(receiver), done = std::move(done)] {
-                watcher->deleteLater();
-                const PreparedCopy copy = watcher->result();
-                const ClipboardWriter::Done answer = receiver ? done : ClipboardWriter::Done();
-                if (m_writer.generation() != number) {
-                    if (answer)
-                        answer(false);
-                } else if (copy.path.isEmpty()) {
-                    m_writer.setImage(copy.image, receiver, answer);
-                } else {
-                    m_writer.setFiles({QUrl::fromLocalFile(copy.path)},
-                                      form == CopyForm::ImageAndFile ? copy.image : QImage(), receiver, answer,
-                                      copy.png);
-                }
-            });
-    watcher->setFuture(QtConcurrent::run(copyPool(), prepareCopy, task));
+    m_preparing.run([=, this, receiver = QPointer<QObject>(receiver ? receiver : this), done = std::move(done),
+                     answer = m_answers.handle()] {
+        const PreparedCopy copy = prepareCopy(task);
+        answer.post([=, this] {
+            const ClipboardWriter::Done told = receiver ? done : ClipboardWriter::Done();
+            if (m_writer.generation() != number) {
+                if (told)
+                    told(false);
+            } else if (copy.path.isEmpty()) {
+                m_writer.setImage(copy.image, receiver, told);
+            } else {
+                m_writer.setFiles({QUrl::fromLocalFile(copy.path)},
+                                  form == CopyForm::ImageAndFile ? copy.image : QImage(), receiver, told, copy.png);
+            }
+        });
+    });
 }
 
 } // namespace tavrel

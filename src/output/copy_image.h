@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/answer.h"
+#include "base/work_queue.h"
 #include "output/clipboard_writer.h"
 #include "output/name_template.h"
 
@@ -13,7 +15,8 @@ struct SettingsConfig;
 /// Copies pictures in the form that the settings ask for: the picture alone, a file, or both. What takes time
 /// (scaling, border, encoding, writing the file) runs on a worker, one copy after the other; the clipboard is written
 /// when that is done, at once when there is nothing to do. A copy that another write to the same clipboard writer has
-/// overtaken meanwhile leaves the clipboard alone. GUI thread only.
+/// overtaken meanwhile leaves the clipboard alone. Destruction waits for the copy that is being prepared and drops
+/// those behind it. GUI thread only.
 class ImageCopier final : public QObject
 {
     Q_OBJECT
@@ -33,6 +36,8 @@ public:
 
 private:
     ClipboardWriter &m_writer;
+    Answers m_answers;
+    WorkQueue m_preparing; ///< copies keep their order, and do not wait behind a large save
 };
 
 } // namespace tavrel

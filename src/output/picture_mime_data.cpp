@@ -1,11 +1,9 @@
 #include "output/picture_mime_data.h"
 
+#include "base/work_queue.h"
 #include "output/image_file.h"
 
 #include <QBuffer>
-#include <QCoreApplication>
-#include <QThreadPool>
-#include <QtConcurrentRun>
 
 #include <utility>
 
@@ -26,27 +24,18 @@ QByteArray encodedBmp(const QImage &image)
     return buffer.data();
 }
 
-QThreadPool *encodingPool()
-{
-    // Goes with the application, and waits for the picture that is being encoded then.
-    static QThreadPool *const pool = [] {
-        auto *created = new QThreadPool(QCoreApplication::instance());
-        created->setMaxThreadCount(1);
-        return created;
-    }();
-    return pool;
-}
-
 } // namespace
 
-PngEncoding::PngEncoding(const QImage &image) : m_png(QtConcurrent::run(encodingPool(), encodedPng, image)) {}
-
-PngEncoding::PngEncoding(const QByteArray &png) : m_png(QtFuture::makeReadyFuture(png)) {}
-
-PngEncoding::~PngEncoding()
+PngEncoding::PngEncoding(const QImage &image, WorkQueue &queue)
+    : m_png(std::make_shared<ClaimedWork<QByteArray>>([image] { return encodedPng(image); }))
 {
-    m_png.cancel();
+    queue.run([wanted = std::weak_ptr(m_png)] {
+        if (const auto png = wanted.lock())
+            png->tryDo();
+    });
 }
+
+PngEncoding::PngEncoding(const QByteArray &png) : m_png(std::make_shared<ClaimedWork<QByteArray>>(png)) {}
 
 PictureMimeData::PictureMimeData(const QImage &image, std::shared_ptr<const PngEncoding> png)
     : m_image(image),

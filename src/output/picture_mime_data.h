@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QFuture>
+#include "base/claimed_work.h"
+
 #include <QImage>
 #include <QMimeData>
 
@@ -8,22 +9,23 @@
 
 namespace tavrel {
 
-/// A picture that becomes PNG on a worker, one after the other. Encodings that have not begun when their last user goes
-/// are dropped, so a row of quick copies does not keep the machine busy. GUI thread only.
+class WorkQueue;
+
+/// A picture that becomes PNG on a worker. Encodings that have not begun when their last user goes are dropped, so a
+/// row of quick copies does not keep the machine busy. GUI thread only.
 class PngEncoding final
 {
 public:
-    explicit PngEncoding(const QImage &image);
+    /// queue  whose turn it is; may go before the encoding
+    PngEncoding(const QImage &image, WorkQueue &queue);
     /// Done already.
     explicit PngEncoding(const QByteArray &png);
-    ~PngEncoding();
-    Q_DISABLE_COPY_MOVE(PngEncoding)
 
     /// Waits for the worker if it has begun, and encodes at once if it has not.
-    [[nodiscard]] QByteArray bytes() const { return m_png.result(); }
+    [[nodiscard]] QByteArray bytes() const { return m_png->result(); }
 
 private:
-    QFuture<QByteArray> m_png;
+    std::shared_ptr<ClaimedWork<QByteArray>> m_png;
 };
 
 /// Clipboard contents with a picture. Other programs see image/png, encoded on a worker while nobody has asked yet,

@@ -1,15 +1,13 @@
 #include "output/save_service.h"
 
 #include "base/atomic_file.h"
+#include "base/work_queue.h"
 #include "output/image_file.h"
 #include "settings/settings_config.h"
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QEvent>
 #include <QFileInfo>
-#include <QThreadPool>
-#include <QtConcurrentRun>
 
 #include <algorithm>
 #include <limits>
@@ -20,14 +18,10 @@ namespace {
 
 /// One thread, so that saves keep their order. Never destroyed: its destructor would wait for a hanging network
 /// folder without end, which finishSaves() is there to avoid.
-QThreadPool &savePool()
+WorkQueue &saveQueue()
 {
-    static QThreadPool *const pool = [] {
-        auto *created = new QThreadPool;
-        created->setMaxThreadCount(1);
-        return created;
-    }();
-    return *pool;
+    static auto *const queue = new WorkQueue;
+    return *queue;
 }
 
 QString textNoImage()
@@ -122,33 +116,35 @@ QString saveImageTo(const QImage &image, const QString &path, int jpegQuality, Q
     return file.absoluteFilePath();
 }
 
-SaveJob::SaveJob(QObject *parent) : QObject(parent)
-{
-    connect(&m_watcher, &QFutureWatcher<SaveResult>::finished, this, [this] { Q_EMIT finished(m_watcher.result()); });
-}
+SaveJob::SaveJob(QObject *parent) : QObject(parent) {}
 
 void SaveJob::start(const QImage &image, const SaveRequest &request, const QDateTime &time,
                     const ImageOutputOptions &options)
 {
-    m_watcher.setFuture(QtConcurrent::run(&savePool(), [image, request, time, options] {
-        SaveResult result;
-        result.path = saveImage(prepareOutput(image, options), request, time, &result.error);
-        return result;
-    }));
+    run([image, request, time, options](QString *error) {
+        return saveImage(prepareOutput(image, options), request, time, error);
+    });
 }
 
 void SaveJob::startTo(const QImage &image, const QString &path, int jpegQuality, const ImageOutputOptions &options)
 {
-    m_watcher.setFuture(QtConcurrent::run(&savePool(), [image, path, jpegQuality, options] {
+    run([image, path, jpegQuality, options](QString *error) {
+        return saveImageTo(prepareOutput(image, options), path, jpegQuality, error);
+    });
+}
+
+void SaveJob::run(const std::function<QString(QString *error)> &save)
+{
+    saveQueue().run([this, save, answer = m_answers.handle()] {
         SaveResult result;
-        result.path = saveImageTo(prepareOutput(image, options), path, jpegQuality, &result.error);
-        return result;
-    }));
+        result.path = save(&result.error);
+        answer.post([this, result] { Q_EMIT finished(result); });
+    });
 }
 
 void SaveJob::deliver()
 {
-    QCoreApplication::sendPostedEvents(&m_watcher, QEvent::FutureCallOut);
+    m_answers.deliver();
 }
 
 void saveImageAsync(const QImage &image, const SaveRequest &request, const QDateTime &time,
@@ -169,7 +165,7 @@ void saveImageToAsync(const QImage &image, const QString &path, int jpegQuality,
 
 bool finishSaves(QObject *context, const QDeadlineTimer &deadline)
 {
-    const bool done = savePool().waitForDone(static_cast<int>(deadline.remainingTime()));
+    const bool done = saveQueue().finish(deadline);
     const auto jobs = context->findChildren<SaveJob *>(QString(), Qt::FindDirectChildrenOnly);
     for (SaveJob *job : jobs)
         job->deliver();

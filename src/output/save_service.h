@@ -1,10 +1,10 @@
 #pragma once
 
+#include "base/answer.h"
 #include "output/image_output.h"
 #include "output/name_template.h"
 
 #include <QDeadlineTimer>
-#include <QFutureWatcher>
 #include <QObject>
 
 #include <functional>
@@ -75,7 +75,9 @@ Q_SIGNALS:
     void finished(const tavrel::SaveResult &result);
 
 private:
-    QFutureWatcher<SaveResult> m_watcher;
+    void run(const std::function<QString(QString *error)> &save);
+
+    Answers m_answers;
 };
 
 using SaveDone = std::function<void(const SaveResult &result)>;
