@@ -4,6 +4,8 @@ add_library(tavrel_flags INTERFACE)
 add_library(tavrel::flags ALIAS tavrel_flags)
 target_compile_options(tavrel_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wold-style-cast -Woverloaded-virtual -Wnon-virtual-dtor -Werror)
+# Some libraries ask for it; said to all, so that they can share precompiled headers.
+target_compile_options(tavrel_flags INTERFACE -pthread)
 target_compile_definitions(tavrel_flags INTERFACE
   QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING QT_NO_KEYWORDS QT_NO_FOREACH
   QT_NO_NARROWING_CONVERSIONS_IN_CONNECT QT_DISABLE_DEPRECATED_BEFORE=0x060400)
@@ -28,7 +30,12 @@ endif()
 
 find_program(TAVREL_CCACHE ccache)
 if(TAVREL_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${TAVREL_CCACHE})
+  # Two trees of the same sources share their objects; precompiled headers count by their content, read once each.
+  # Said here, so that it holds however the build is started; as a rule and not as a launcher, since clang-tidy would
+  # take the "env" in compile_commands.json for the compiler.
+  string(JOIN " " launch env CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=1 CCACHE_INODECACHE=1
+    CCACHE_SLOPPINESS=pch_defines,time_macros ${TAVREL_CCACHE})
+  set_property(GLOBAL PROPERTY RULE_LAUNCH_COMPILE "${launch}")
 endif()
 find_program(TAVREL_MOLD mold)
 if(TAVREL_MOLD)

@@ -1,0 +1,1 @@
+// Nothing: a precompiled header needs a source to be compiled with.
