@@ -143,6 +143,49 @@ void erasePassBesideStrokes(benchmark::State &state)
     }
 }
 
+/// What a host with an undo list of its own pays for a state of 1,000 shapes, in the middle of its undo states.
+ShapeDocument thousandBoxes()
+{
+    ShapeDocument document(test::shapeFactory());
+    for (int i = 0; i < 1000; ++i) {
+        addBox(document)->translate(i, i);
+        if (i >= 970)
+            document.commit();
+    }
+    return document;
+}
+
+void stateTaken(benchmark::State &state)
+{
+    const ShapeDocument document = thousandBoxes();
+    for (auto _ : state)
+        benchmark::DoNotOptimize(document.state().shapes.constData());
+}
+
+/// Two states that differ in one shape.
+void statePutBack(benchmark::State &state)
+{
+    ShapeDocument document = thousandBoxes();
+    const ShapeDocument::State first = document.state();
+    document.select(document.shapes().at(500).get());
+    document.setThickness(9);
+    document.clearSelection();
+    const ShapeDocument::State second = document.state();
+    bool isFirst = false;
+    for (auto _ : state) {
+        isFirst = !isFirst;
+        document.restore(isFirst ? first : second);
+    }
+}
+
+/// The same by way of text.
+void stateTakenAndPutBackAsText(benchmark::State &state)
+{
+    ShapeDocument document = thousandBoxes();
+    for (auto _ : state)
+        document.loadState(document.shapesJson(), document.countersJson(), document.undoStack(), document.undoIndex());
+}
+
 /// 30 states of 50 strokes of 200 points each, as the history keeps them.
 void loadOfStoredEdit(benchmark::State &state)
 {
@@ -215,6 +258,9 @@ BENCHMARK(erasePassBesideStrokes)
     ->Arg(100)
     ->Unit(benchmark::kMicrosecond);
 BENCHMARK(loadOfStoredEdit)->Name("load/30_states_of_50_strokes_of_200_points")->Unit(benchmark::kMillisecond);
+BENCHMARK(stateTaken)->Name("state_taken/1000_shapes")->Unit(benchmark::kMicrosecond);
+BENCHMARK(statePutBack)->Name("state_put_back/1_of_1000_shapes")->Unit(benchmark::kMicrosecond);
+BENCHMARK(stateTakenAndPutBackAsText)->Name("state_as_text/1000_shapes")->Unit(benchmark::kMicrosecond);
 BENCHMARK(glowMade)->Name("glow_made/side")->Arg(100)->Arg(400)->Arg(1200)->Unit(benchmark::kMillisecond);
 BENCHMARK(glowMadeOfStroke)->Name("glow_of_outline_made/side")->Arg(400)->Arg(1200)->Unit(benchmark::kMillisecond);
 BENCHMARK(glowPaintedAgain)->Name("glow_painted_again/side")->Arg(1200)->Unit(benchmark::kMillisecond);

@@ -16,7 +16,7 @@
 namespace tavrel {
 namespace {
 
-QList<std::shared_ptr<BaseShape>> readShapes(const ShapeState &texts)
+QList<std::shared_ptr<BaseShape>> readShapes(const ShapeTexts &texts)
 {
     QList<std::shared_ptr<BaseShape>> shapes;
     for (const QByteArray &text : texts) {
@@ -31,7 +31,7 @@ QList<std::shared_ptr<BaseShape>> readShapes(const ShapeState &texts)
 FlattenRequest flattenRequest(const QImage &picture, const QRectF &selection, const ShapeDocument &document,
                               const SmartEraseEngine *engine, std::shared_ptr<const EffectImageCache> effects)
 {
-    return {picture, selection, document.shapeState(), engine ? engine->progress() : nullptr, std::move(effects)};
+    return {picture, selection, document.state().shapes, engine ? engine->progress() : nullptr, std::move(effects)};
 }
 
 QImage flatten(const FlattenRequest &request, const erase::CancelFlag &cancel)

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "annotate/erase_pixels.h"
-#include "annotate/shape_history.h"
+#include "annotate/shape_texts.h"
 #include "annotate/smart_erase_engine.h"
 
 #include <QImage>
@@ -20,7 +20,7 @@ struct FlattenRequest
 {
     QImage picture;                    ///< its device pixel ratio stays on the result
     QRectF selection;                  ///< logical units from the picture's top-left; every edge is rounded to a pixel
-    ShapeState shapes;                 ///< in the same units
+    ShapeTexts shapes;                 ///< in the same units
     SmartEraseEngine::Progress erased; ///< of this picture; null when nothing is known yet
     std::shared_ptr<const EffectImageCache> effects; ///< mosaics and blurs of this picture; null makes them anew
 };

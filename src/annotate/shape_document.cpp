@@ -5,10 +5,10 @@
 
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QMultiHash>
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace tavrel {
 namespace {
@@ -38,7 +38,7 @@ void ShapeDocument::setTool(ToolType tool)
 
 void ShapeDocument::loadWatermarkFields()
 {
-    for (const ShapePtr &shape : m_shapes) {
+    for (const ShapePtr &shape : shapes()) {
         if (shape->type() == ToolType::Watermark) {
             shape->giveAttributes(m_attributes);
             return;
@@ -188,9 +188,9 @@ void ShapeDocument::setWatermarkFontSize(double logical)
 
 void ShapeDocument::setWatermark(Commit whether)
 {
-    const auto at = std::find_if(m_shapes.cbegin(), m_shapes.cend(),
+    const auto at = std::find_if(shapes().cbegin(), shapes().cend(),
                                  [](const ShapePtr &shape) { return shape->type() == ToolType::Watermark; });
-    ShapePtr mark = at == m_shapes.cend() ? nullptr : *at;
+    ShapePtr mark = at == shapes().cend() ? nullptr : *at;
     if (m_attributes.watermarkText.isEmpty()) {
         if (mark)
             takeOut(mark.get());
@@ -209,15 +209,6 @@ void ShapeDocument::setWatermark(Commit whether)
 
 // --- shapes ----------------------------------------------------------------------------------------------------------
 
-int ShapeDocument::indexOf(const BaseShape *shape) const
-{
-    for (qsizetype i = 0; i < m_shapes.size(); ++i) {
-        if (m_shapes[i].get() == shape)
-            return static_cast<int>(i);
-    }
-    return -1;
-}
-
 BaseShape *ShapeDocument::takeActivated()
 {
     return std::exchange(m_activated, nullptr);
@@ -230,7 +221,7 @@ bool ShapeDocument::takeRenumbered()
 
 void ShapeDocument::append(ShapePtr shape)
 {
-    m_shapes.append(std::move(shape));
+    m_store.append(std::move(shape));
 }
 
 void ShapeDocument::select(BaseShape *shape)
@@ -247,7 +238,7 @@ void ShapeDocument::clearSelection()
         commit();
     // An editor may have written to the selected shape; afterwards nobody is left to tell.
     markChanged(m_selected);
-    for (const ShapePtr &shape : std::as_const(m_shapes))
+    for (const ShapePtr &shape : shapes())
         shape->selected = false;
     m_selected = nullptr;
     m_activeHandle = -1;
@@ -257,9 +248,8 @@ void ShapeDocument::clearSelection()
 
 void ShapeDocument::raise(BaseShape *shape)
 {
-    const int index = indexOf(shape);
-    if (index >= 0)
-        m_shapes.move(index, m_shapes.size() - 1);
+    if (const qsizetype index = m_store.indexOf(shape); index >= 0)
+        m_store.raise(index);
 }
 
 void ShapeDocument::forget(const BaseShape *shape)
@@ -272,37 +262,36 @@ void ShapeDocument::forget(const BaseShape *shape)
         if (*tracked == shape)
             *tracked = nullptr;
     }
-    m_stored.remove(shape);
     m_glow.forget(shape);
 }
 
 void ShapeDocument::takeOut(BaseShape *shape)
 {
-    const int index = indexOf(shape);
+    const qsizetype index = m_store.indexOf(shape);
     if (index < 0)
         return;
     const auto numbering = shape->numbering();
     forget(shape);
-    m_shapes.removeAt(index);
+    m_store.removeAt(index);
     if (numbering)
         closeGap(*numbering);
 }
 
 void ShapeDocument::takeOutUnfinished(BaseShape *shape)
 {
-    const int index = indexOf(shape);
+    const qsizetype index = m_store.indexOf(shape);
     if (index < 0)
         return;
     const bool counts = shape->numbering().has_value();
     forget(shape);
-    m_shapes.removeAt(index);
+    m_store.removeAt(index);
     if (counts)
         recomputeCounters();
 }
 
 void ShapeDocument::removeShape(BaseShape *shape)
 {
-    if (indexOf(shape) < 0)
+    if (m_store.indexOf(shape) < 0)
         return;
     takeOut(shape);
     commit();
@@ -331,7 +320,7 @@ void ShapeDocument::duplicateSelected(double offset)
     copy->translate(distance, distance);
     if (copy->numbering()) {
         int highest = 0;
-        for (const ShapePtr &shape : std::as_const(m_shapes)) {
+        for (const ShapePtr &shape : shapes()) {
             if (const auto numbering = shape->numbering())
                 highest = std::max(highest, numbering->number);
         }
@@ -350,20 +339,12 @@ void ShapeDocument::duplicateSelected(double offset)
 
 void ShapeDocument::markChanged(const BaseShape *shape, ShapeDamage::Change change)
 {
-    m_damage.mark(shape, change);
-    if (const auto stored = m_stored.find(shape); stored != m_stored.end())
-        stored->isCurrent = false;
-}
-
-void ShapeDocument::markAllChanged()
-{
-    m_stored.clear();
-    m_damage.markAll();
+    m_store.markChanged(shape, change);
 }
 
 void ShapeDocument::closeGap(const BaseShape::Numbering &removed)
 {
-    for (const ShapePtr &shape : std::as_const(m_shapes)) {
+    for (const ShapePtr &shape : shapes()) {
         const auto numbering = shape->numbering();
         if (numbering && numbering->type == removed.type && numbering->number > removed.number) {
             shape->setNumber(numbering->number - 1);
@@ -376,11 +357,10 @@ void ShapeDocument::closeGap(const BaseShape::Numbering &removed)
 
 void ShapeDocument::recomputeCounters()
 {
-    for (int type = 0; type < kNumberTypeCount; ++type)
-        m_counters[static_cast<NumberType>(type)] = 1;
-    for (const ShapePtr &shape : std::as_const(m_shapes)) {
+    m_counters = kFirstNumbers;
+    for (const ShapePtr &shape : shapes()) {
         if (const auto numbering = shape->numbering())
-            m_counters[numbering->type] = std::max(m_counters.value(numbering->type), numbering->number + 1);
+            counter(numbering->type) = std::max(counter(numbering->type), numbering->number + 1);
     }
 }
 
@@ -389,12 +369,10 @@ bool ShapeDocument::setSequenceValue(int value)
     const int wanted = std::clamp(value, 1, 999);
     const auto own = m_selected ? m_selected->numbering() : std::nullopt;
     if (!own) {
-        const int before = m_counters.value(m_attributes.sequenceType, 1);
-        m_counters[m_attributes.sequenceType] = wanted;
-        return before != wanted;
+        return std::exchange(counter(m_attributes.sequenceType), wanted) != wanted;
     }
     QList<BaseShape *> higher;
-    for (const ShapePtr &shape : std::as_const(m_shapes)) {
+    for (const ShapePtr &shape : shapes()) {
         const auto numbering = shape->numbering();
         if (numbering && numbering->type == own->type && numbering->number > own->number)
             higher.append(shape.get());
@@ -424,29 +402,29 @@ int ShapeDocument::sequenceValue() const
 {
     if (const auto own = m_selected ? m_selected->numbering() : std::nullopt)
         return own->number;
-    return m_counters.value(m_attributes.sequenceType, 1);
+    return m_counters[static_cast<std::size_t>(m_attributes.sequenceType)];
 }
 
 void ShapeDocument::scaleAll(double factor)
 {
     if (!(factor > 0) || !std::isfinite(factor) || factor == 1.0)
         return;
-    for (const ShapePtr &shape : std::as_const(m_shapes))
+    for (const ShapePtr &shape : shapes())
         shape->scale(factor);
-    markAllChanged();
+    m_store.markAllChanged();
 }
 
 void ShapeDocument::translateAll(double dx, double dy)
 {
-    for (const ShapePtr &shape : std::as_const(m_shapes))
+    for (const ShapePtr &shape : shapes())
         shape->translate(dx, dy);
-    markAllChanged();
+    m_store.markAllChanged();
 }
 
 int ShapeDocument::cropTo(const QRectF &rect)
 {
     QList<BaseShape *> outside;
-    for (const ShapePtr &shape : std::as_const(m_shapes)) {
+    for (const ShapePtr &shape : shapes()) {
         const auto handles = shape->handles();
         const bool handleInside = std::any_of(handles.begin(), handles.end(),
                                               [&rect](const QPointF &handle) { return rect.contains(handle); });
@@ -459,107 +437,80 @@ int ShapeDocument::cropTo(const QRectF &rect)
     }
     for (BaseShape *shape : std::as_const(outside))
         takeOut(shape);
-    markAllChanged();
+    m_store.markAllChanged();
     return static_cast<int>(outside.size());
 }
 
 void ShapeDocument::rotateAllCW(double imageHeight)
 {
-    for (const ShapePtr &shape : std::as_const(m_shapes))
+    for (const ShapePtr &shape : shapes())
         shape->transformRotate90(imageHeight);
-    markAllChanged();
+    m_store.markAllChanged();
 }
 
 void ShapeDocument::rotateAllCCW(double imageWidth)
 {
-    for (const ShapePtr &shape : std::as_const(m_shapes))
+    for (const ShapePtr &shape : shapes())
         shape->transformRotate90CCW(imageWidth);
-    markAllChanged();
+    m_store.markAllChanged();
 }
 
 void ShapeDocument::flipAllH(double imageWidth)
 {
-    for (const ShapePtr &shape : std::as_const(m_shapes))
+    for (const ShapePtr &shape : shapes())
         shape->transformFlipH(imageWidth);
-    markAllChanged();
+    m_store.markAllChanged();
 }
 
 // --- state -----------------------------------------------------------------------------------------------------------
-
-QByteArray ShapeDocument::jsonOf(const BaseShape *shape) const
-{
-    StoredShape &stored = m_stored[shape];
-    if (!stored.isCurrent) {
-        const QByteArray json = shape->toJsonText();
-        if (json != stored.json)
-            stored.json = json;
-        stored.isCurrent = true;
-    }
-    return stored.json;
-}
-
-ShapeState ShapeDocument::currentState() const
-{
-    ShapeState state;
-    state.reserve(m_shapes.size());
-    for (const ShapePtr &shape : m_shapes)
-        state.append(jsonOf(shape.get()));
-    return state;
-}
 
 void ShapeDocument::commit()
 {
     // What is selected may have been changed through its pointer, by an editor for instance.
     markChanged(m_selected);
     m_unsettled = false;
-    m_history.commit(currentState());
+    m_history.commit(m_store.texts());
 }
 
 void ShapeDocument::undo()
 {
-    if (m_history.canUndo())
-        restore(m_history.undo());
+    if (!m_history.canUndo())
+        return;
+    show(m_history.undo().shapes);
+    recomputeCounters();
 }
 
 void ShapeDocument::redo()
 {
-    if (m_history.canRedo())
-        restore(m_history.redo());
+    if (!m_history.canRedo())
+        return;
+    show(m_history.redo().shapes);
+    recomputeCounters();
 }
 
-void ShapeDocument::resetInteraction()
+ShapeDocument::State ShapeDocument::state() const
 {
+    return {m_store.texts(m_selected), m_counters, m_history};
+}
+
+void ShapeDocument::restore(const State &state)
+{
+    show(state.shapes);
+    m_counters = state.counters;
+    m_history.adopt(state.history);
+}
+
+void ShapeDocument::show(const ShapeTexts &texts)
+{
+    // What is selected may have been changed through its pointer, so that what it stores is not known.
+    markChanged(m_selected);
+    if (m_selected)
+        m_selected->selected = false;
     m_selected = m_hovered = m_lastCreated = m_activated = nullptr;
     m_activeHandle = -1;
     m_dragging = m_creating = m_erasing = m_moved = m_renumbered = m_unsettled = false;
-}
-
-void ShapeDocument::restore(const ShapeState &state)
-{
-    // A shape whose bytes stand in the new state as well is the same shape: reading it again would cost the time of
-    // a long stroke for nothing. What is selected may have been changed through its pointer and is always read.
-    markChanged(m_selected);
-    QMultiHash<QByteArray, ShapePtr> known;
-    for (const ShapePtr &shape : std::as_const(m_shapes)) {
-        const StoredShape stored = m_stored.value(shape.get());
-        if (stored.isCurrent)
-            known.insert(stored.json, shape);
-    }
-    resetInteraction();
-    m_shapes.clear();
-    m_stored.clear();
     m_glow.clear();
-    for (const QByteArray &bytes : state) {
-        ShapePtr shape = known.take(bytes);
-        if (!shape)
-            shape = m_factory->read(bytes);
-        if (!shape)
-            continue;
-        shape->selected = false;
-        m_stored.insert(shape.get(), {bytes, true});
-        m_shapes.append(std::move(shape));
-    }
-    recomputeCounters();
+    m_store.assign(texts, *m_factory);
     ++m_generation;
     if (m_tool == ToolType::Watermark) {
         m_attributes.watermarkText.clear();
@@ -567,50 +518,40 @@ void ShapeDocument::restore(const ShapeState &state)
     }
 }
 
-ShapeState ShapeDocument::shapeState() const
-{
-    if (const auto stored = m_stored.find(m_selected); stored != m_stored.end())
-        stored->isCurrent = false;
-    return currentState();
-}
-
 QString ShapeDocument::shapesJson() const
 {
-    return QString::fromUtf8(stateToJson(shapeState()));
+    return QString::fromUtf8(toJsonArray(m_store.texts(m_selected)));
 }
 
 QString ShapeDocument::countersJson() const
 {
     QJsonObject object;
-    for (int i = 0; i < kNumberTypeCount; ++i) {
-        const auto type = static_cast<NumberType>(i);
-        object.insert(enumName(type), m_counters.value(type, 1));
-    }
+    for (std::size_t i = 0; i < m_counters.size(); ++i)
+        object.insert(enumName(static_cast<NumberType>(i)), m_counters[i]);
     return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
 }
 
 void ShapeDocument::loadState(const QString &shapes, const QString &counters, const QStringList &undoStack,
                               int undoIndex)
 {
-    m_shapes.clear();
-    markAllChanged();
+    m_store.markAllChanged();
+    show(textsFromJsonArray(shapes.toUtf8()));
     // Counters without an entry of their own go on behind the highest number there is.
-    restore(stateFromJson(shapes.toUtf8()));
+    recomputeCounters();
     const QJsonObject stored = QJsonDocument::fromJson(counters.toUtf8()).object();
-    for (int i = 0; i < kNumberTypeCount; ++i) {
-        const auto type = static_cast<NumberType>(i);
-        const QJsonValue value = stored.value(enumName(type));
+    for (std::size_t i = 0; i < m_counters.size(); ++i) {
+        const QJsonValue value = stored.value(enumName(static_cast<NumberType>(i)));
         if (value.isDouble())
-            m_counters.insert(type, std::max(value.toInt(1), 1));
+            m_counters[i] = std::max(value.toInt(1), 1);
     }
-    m_history.load(undoStack, undoIndex, currentState());
+    m_history.load(undoStack, undoIndex, m_store.texts());
 }
 
 // --- drawing ---------------------------------------------------------------------------------------------------------
 
 void ShapeDocument::paintShapes(QPainter &painter, const ShapeRenderContext &context) const
 {
-    tavrel::paintShapes(painter, m_shapes, context);
+    tavrel::paintShapes(painter, shapes(), context);
 }
 
 void ShapeDocument::paint(QPainter &painter, const ShapeRenderContext &context) const
@@ -630,7 +571,7 @@ void ShapeDocument::paint(QPainter &painter, const ShapeRenderContext &context) 
 void ShapeDocument::paintHoverMark(QPainter &painter, const ShapeRenderContext &context) const
 {
     if (m_hovered->paintHoverOutline(painter, context.handleScale) ||
-        m_glow.paint(painter, *m_hovered, jsonOf(m_hovered), context))
+        m_glow.paint(painter, *m_hovered, m_store.text(m_hovered), context))
         return;
     if (const auto bounds = m_hovered->bounds())
         paintRoundedGlow(painter, bounds->adjusted(-kHoverMargin, -kHoverMargin, kHoverMargin, kHoverMargin),
@@ -640,19 +581,19 @@ void ShapeDocument::paintHoverMark(QPainter &painter, const ShapeRenderContext &
 QRectF ShapeDocument::boundsPadded() const
 {
     QRectF all;
-    for (const ShapePtr &shape : m_shapes)
+    for (const ShapePtr &shape : shapes())
         all |= shape->paintedBounds();
     return all;
 }
 
 QList<QRectF> ShapeDocument::takeDamage()
 {
-    return m_damage.take(m_shapes, m_hovered);
+    return m_store.takeDamage(m_hovered);
 }
 
 QList<EraseSpec> ShapeDocument::eraseRegions(double imageScale, const QPointF &origin) const
 {
-    return tavrel::eraseRegions(m_shapes, imageScale, origin);
+    return tavrel::eraseRegions(shapes(), imageScale, origin);
 }
 
 } // namespace tavrel

@@ -4,19 +4,16 @@
 #include "annotate/erase_region.h"
 #include "annotate/outline_glow.h"
 #include "annotate/shape_attributes.h"
-#include "annotate/shape_damage.h"
 #include "annotate/shape_factory.h"
 #include "annotate/shape_history.h"
 #include "annotate/shape_render_context.h"
+#include "annotate/shape_store.h"
 
-#include <QHash>
 #include <QList>
-#include <QMap>
 #include <QPainter>
-#include <QPair>
-#include <QRect>
 #include <QStringList>
 
+#include <array>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -122,7 +119,7 @@ public:
 
     // --- shapes --------------------------------------------------------------------------------------------------
 
-    [[nodiscard]] const QList<std::shared_ptr<BaseShape>> &shapes() const { return m_shapes; }
+    [[nodiscard]] const QList<std::shared_ptr<BaseShape>> &shapes() const { return m_store.list(); }
     [[nodiscard]] BaseShape *selected() const { return m_selected; }
     [[nodiscard]] BaseShape *hovered() const { return m_hovered; }
     void setHovered(BaseShape *shape) { m_hovered = shape; }
@@ -165,8 +162,25 @@ public:
     [[nodiscard]] bool canRedo() const { return m_history.canRedo(); }
     /// Makes the present shapes an undo state; without a change nothing happens, so callers commit freely.
     void commit();
-    /// The present shapes as texts that are shared with the undo states.
-    [[nodiscard]] ShapeState shapeState() const;
+    /// Grows with every commit that makes a new state, and is never given again; after undo it is that of the state
+    /// that is shown. A host with an undo list of its own knows by it whether the document has younger steps.
+    [[nodiscard]] quint64 revision() const { return m_history.present().revision; }
+
+    /// The next number of each type, by NumberType.
+    using Counters = std::array<int, kNumberTypeCount>;
+    /// Everything at one moment, as a value that shares its texts with the undo states and with other values; for any
+    /// thread.
+    struct State
+    {
+        ShapeTexts shapes; ///< the present ones, committed or not
+        Counters counters;
+        ShapeHistory history;
+    };
+    /// Microseconds, whatever the number of shapes, unless they have changed since the last commit.
+    [[nodiscard]] State state() const;
+    /// Puts everything back, the undo states included; costs what differs. Revisions go on from the highest there was.
+    void restore(const State &state);
+
     [[nodiscard]] QString shapesJson() const;
     /// Next number of each type.
     [[nodiscard]] QString countersJson() const;
@@ -198,7 +212,6 @@ private:
     using ShapePtr = std::shared_ptr<BaseShape>;
 
     void change(ShapeAttribute attribute, Commit commit);
-    [[nodiscard]] int indexOf(const BaseShape *shape) const;
     [[nodiscard]] BaseShape *grabAt(double x, double y) const;
     [[nodiscard]] bool mayRegrab() const;
     [[nodiscard]] bool isPickedAt(const BaseShape &shape, double x, double y) const;
@@ -214,25 +227,15 @@ private:
     void eraseAt(double x, double y);
     BaseShape *releaseCreated(BaseShape *shape, bool wasCreating);
     void adopt(const BaseShape &shape);
-    [[nodiscard]] QByteArray jsonOf(const BaseShape *shape) const;
-    [[nodiscard]] ShapeState currentState() const;
-    void restore(const ShapeState &state);
-    void resetInteraction();
+    [[nodiscard]] int &counter(NumberType type) { return m_counters[static_cast<std::size_t>(type)]; }
+    /// Ends every interaction and replaces the shapes.
+    void show(const ShapeTexts &texts);
     void paintHoverMark(QPainter &painter, const ShapeRenderContext &context) const;
     void loadWatermarkFields();
-    void markAllChanged();
 
     const ShapeFactory *m_factory;
-    QList<ShapePtr> m_shapes;
-    struct StoredShape
-    {
-        QByteArray json;
-        bool isCurrent = false; ///< false: has to be written anew
-    };
-    /// Bytes that prove equal after writing anew are kept, so that undo states go on sharing them.
-    mutable QHash<const BaseShape *, StoredShape> m_stored;
+    ShapeStore m_store;
     mutable GlowCache m_glow;
-    ShapeDamage m_damage;
     ShapeHistory m_history;
     ShapeAttributes m_attributes;
     ToolType m_tool = ToolType::None;
@@ -244,7 +247,8 @@ private:
     double m_hitSlop = 0;
     bool m_markerSnapText = false;
     TextLineProvider m_textLines;
-    QMap<NumberType, int> m_counters;
+    static constexpr Counters kFirstNumbers{1, 1, 1, 1, 1, 1};
+    Counters m_counters = kFirstNumbers;
     int m_activeHandle = -1;
     bool m_dragging = false;
     bool m_creating = false;

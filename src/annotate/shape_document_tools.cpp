@@ -99,7 +99,7 @@ BaseShape *ShapeDocument::grabAt(double x, double y) const
 {
     if (!mayRegrab())
         return nullptr;
-    for (auto it = m_shapes.rbegin(); it != m_shapes.rend(); ++it) {
+    for (auto it = shapes().rbegin(); it != shapes().rend(); ++it) {
         BaseShape *shape = it->get();
         if (m_tool != ToolType::None && shape->type() != m_tool)
             continue;
@@ -153,9 +153,7 @@ BaseShape *ShapeDocument::beginShape(double x, double y)
         return nullptr;
     }
     if (const auto numbering = shape->numbering()) {
-        const int number = m_counters.value(numbering->type, 1);
-        shape->setNumber(number);
-        m_counters[numbering->type] = number + 1;
+        shape->setNumber(counter(numbering->type)++);
     }
     BaseShape *raw = shape.get();
     clearSelection();
@@ -174,9 +172,9 @@ void ShapeDocument::eraseAt(double x, double y)
         return shape.hitTest(x, y) || (radius > 0 && (hitAround(shape, x, y, radius, kEraseDirections) ||
                                                       hitAround(shape, x, y, radius / 2, kEraseDirections)));
     };
-    for (qsizetype i = m_shapes.size() - 1; i >= 0; --i) {
-        if (isHit(*m_shapes[i])) {
-            takeOut(m_shapes[i].get());
+    for (qsizetype i = shapes().size() - 1; i >= 0; --i) {
+        if (isHit(*shapes()[i])) {
+            takeOut(shapes()[i].get());
             m_erasing = true;
         }
     }
@@ -259,7 +257,8 @@ BaseShape *ShapeDocument::releaseCreated(BaseShape *shape, bool wasCreating)
             const auto pieces = lines.isEmpty() ? QList<ShapePtr>() : shape->snappedTo(lines, m_attributes);
             if (!pieces.isEmpty()) {
                 takeOutUnfinished(shape);
-                m_shapes.append(pieces);
+                for (const ShapePtr &piece : pieces)
+                    append(piece);
                 shape = pieces.last().get();
                 select(shape);
                 m_lastCreated = shape;
@@ -279,7 +278,7 @@ BaseShape *ShapeDocument::pickAt(double x, double y) const
 {
     if (!picksAfterClick(m_tool))
         return nullptr;
-    for (auto it = m_shapes.rbegin(); it != m_shapes.rend(); ++it) {
+    for (auto it = shapes().rbegin(); it != shapes().rend(); ++it) {
         if (isLabelTool(m_tool) && (*it)->type() != m_tool)
             continue;
         if (isPickedAt(**it, x, y))
