@@ -9,6 +9,7 @@
 
 namespace tavrel::ui {
 
+/// What the requests and the worker share.
 struct ElementProbe::Shared
 {
     struct Request
@@ -18,13 +19,14 @@ struct ElementProbe::Shared
         qint64 processId = 0;
     };
 
+    explicit Shared(std::shared_ptr<platform::IElementDetector> source) : detector(std::move(source)) {}
+
+    const std::shared_ptr<platform::IElementDetector> detector;
     std::atomic<quint64> newest = 0;
     std::mutex mutex;
-    std::optional<Request> waiting;  ///< under the mutex
-    std::optional<Request> answered; ///< under the mutex
-    QList<QRectF> chain;             ///< under the mutex: the answer to it
+    std::optional<Request> waiting; ///< under the mutex
 
-    /// Whether the worker has to be woken: not when it already is to come for an older request.
+    /// Whether the worker has to be called: not when it is to come for an older request already.
     [[nodiscard]] bool put(const Request &request)
     {
         const std::lock_guard lock(mutex);
@@ -36,83 +38,34 @@ struct ElementProbe::Shared
         const std::lock_guard lock(mutex);
         return std::exchange(waiting, std::nullopt);
     }
-};
 
-class ElementProbe::Worker final : public QObject
-{
-    Q_OBJECT
+    [[nodiscard]] bool isOvertaken(const Request &request) const { return newest != request.number; }
 
-public:
-    /// `probe` outlives the thread that this runs on.
-    Worker(ElementProbe *probe, std::shared_ptr<platform::IElementDetector> detector, std::shared_ptr<Shared> shared)
-        : m_probe(probe),
-          m_detector(std::move(detector)),
-          m_shared(std::move(shared))
-    {}
-
-    Q_INVOKABLE void query()
+    [[nodiscard]] QList<QRectF> chainOf(const Request &request) const
     {
-        const auto request = m_shared->take();
-        if (!request || isOvertaken(*request))
-            return;
-        QList<QRectF> chain =
-            m_detector->isAvailable() ? m_detector->elementChain(request->global, request->processId) : QList<QRectF>();
-        if (isOvertaken(*request))
-            return;
-        {
-            const std::lock_guard lock(m_shared->mutex);
-            m_shared->answered = request;
-            m_shared->chain = std::move(chain);
-        }
-        QMetaObject::invokeMethod(m_probe, "deliver", Qt::QueuedConnection);
+        return detector->isAvailable() ? detector->elementChain(request.global, request.processId) : QList<QRectF>();
     }
-
-private:
-    [[nodiscard]] bool isOvertaken(const Shared::Request &request) const { return m_shared->newest != request.number; }
-
-    ElementProbe *m_probe;
-    std::shared_ptr<platform::IElementDetector> m_detector;
-    std::shared_ptr<Shared> m_shared;
 };
 
 ElementProbe::ElementProbe(std::shared_ptr<platform::IElementDetector> detector, QObject *parent)
     : QObject(parent),
-      m_shared(std::make_shared<Shared>()),
-      m_worker(new Worker(this, std::move(detector), m_shared))
-{
-    m_thread.setObjectName(QStringLiteral("tavrel-element-probe"));
-    m_worker->moveToThread(&m_thread);
-    m_thread.start();
-}
+      m_shared(std::make_shared<Shared>(std::move(detector)))
+{}
 
-ElementProbe::~ElementProbe()
-{
-    ++m_shared->newest; // what waits is not begun any more
-    m_worker->deleteLater();
-    m_thread.quit();
-    m_thread.wait();
-}
+ElementProbe::~ElementProbe() = default;
 
 void ElementProbe::request(const QPointF &global, qint64 processId)
 {
     const quint64 number = ++m_shared->newest;
     if (m_shared->put({number, global, processId}))
-        QMetaObject::invokeMethod(m_worker, "query", Qt::QueuedConnection);
-}
-
-void ElementProbe::deliver()
-{
-    std::optional<Shared::Request> answered;
-    QList<QRectF> chain;
-    {
-        const std::lock_guard lock(m_shared->mutex);
-        answered = std::exchange(m_shared->answered, std::nullopt);
-        chain = std::exchange(m_shared->chain, {});
-    }
-    if (answered)
-        Q_EMIT ready(answered->global, answered->processId, chain);
+        m_queries.run([this, shared = m_shared, answer = m_answers.handle()] {
+            const auto request = shared->take();
+            if (!request || shared->isOvertaken(*request))
+                return;
+            const QList<QRectF> chain = shared->chainOf(*request);
+            if (!shared->isOvertaken(*request))
+                answer.post([this, request, chain] { Q_EMIT ready(request->global, request->processId, chain); });
+        });
 }
 
 } // namespace tavrel::ui
-
-#include "element_probe.moc"

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "base/answer.h"
+#include "base/work_queue.h"
+
 #include <QList>
 #include <QObject>
 #include <QPointF>
 #include <QRectF>
-#include <QThread>
 
 #include <memory>
 
@@ -36,14 +38,11 @@ Q_SIGNALS:
     void ready(const QPointF &global, qint64 processId, const QList<QRectF> &chain);
 
 private:
-    Q_INVOKABLE void deliver();
-
-    class Worker;
     struct Shared;
 
     std::shared_ptr<Shared> m_shared;
-    QThread m_thread;
-    Worker *m_worker; ///< lives in m_thread and goes with it
+    Answers m_answers;
+    WorkQueue m_queries;
 };
 
 } // namespace tavrel::ui

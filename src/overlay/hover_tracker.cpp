@@ -1,13 +1,11 @@
 #include "overlay/hover_tracker.h"
 
+#include "base/work_queue.h"
+
 #include <QWheelEvent>
 
 #include <algorithm>
-#include <atomic>
 #include <cmath>
-#include <list>
-#include <mutex>
-#include <thread>
 #include <utility>
 
 namespace tavrel::ui {
@@ -27,80 +25,19 @@ double distance(const QPointF &a, const QPointF &b)
     return (a - b).manhattanLength();
 }
 
-/// Threads that nobody waits for before the program ends.
-class Threads final
+void runOnWorker(std::function<void()> work)
 {
-public:
-    ~Threads()
-    {
-        for (Thread &thread : m_threads)
-            thread.handle.join();
-    }
-
-    void run(std::function<void()> work)
-    {
-        m_threads.remove_if([](Thread &thread) {
-            if (!thread.isDone)
-                return false;
-            thread.handle.join();
-            return true;
-        });
-        Thread &thread = m_threads.emplace_back();
-        thread.handle = std::thread([&thread, work = std::move(work)]() mutable {
-            std::exchange(work, {})(); // what it holds goes before it is done
-            thread.isDone = true;
-        });
-    }
-
-private:
-    struct Thread
-    {
-        std::atomic<bool> isDone = false;
-        std::thread handle;
-    };
-    std::list<Thread> m_threads;
-};
-
-void runOnThread(std::function<void()> work)
-{
-    static Threads threads;
-    threads.run(std::move(work));
+    // Two threads, so that an analysis that was left behind does not hold up the next one.
+    static WorkQueue queue(2);
+    queue.run(std::move(work));
 }
 
 } // namespace
 
-struct HoverTracker::Analysis
-{
-    std::mutex mutex;
-    HoverTracker *owner;                            ///< under the mutex: null once it is abandoned
-    QImage picture;                                 ///< under the mutex, until the worker takes it
-    std::shared_ptr<const EdgeRegionFinder> finder; ///< under the mutex: the result
-
-    Analysis(HoverTracker *tracker, const QImage &image) : owner(tracker), picture(image) {}
-
-    /// On the worker.
-    void run()
-    {
-        QImage image;
-        {
-            const std::lock_guard lock(mutex);
-            if (!owner)
-                return;
-            image = std::exchange(picture, {});
-        }
-        auto made = std::make_shared<const EdgeRegionFinder>(image);
-        const std::lock_guard lock(mutex);
-        if (!owner)
-            return;
-        finder = std::move(made);
-        QMetaObject::invokeMethod(owner, "onPrepared", Qt::QueuedConnection);
-    }
-};
-
 HoverTracker::HoverTracker(Clock clock, QObject *parent)
     : QObject(parent),
       m_clock(std::move(clock)),
-      m_run(runOnThread)
+      m_run(runOnWorker)
 {
     m_animation.setInterval(kFrameMs);
     m_animation.setTimerType(Qt::PreciseTimer);
@@ -113,10 +50,7 @@ HoverTracker::HoverTracker(Clock clock, QObject *parent)
     connect(&m_patience, &QTimer::timeout, this, &HoverTracker::giveUpWaiting);
 }
 
-HoverTracker::~HoverTracker()
-{
-    abandonAnalysis();
-}
+HoverTracker::~HoverTracker() = default;
 
 void HoverTracker::setPicture(const QImage &picture, const QPointF &origin)
 {
@@ -153,34 +87,27 @@ void HoverTracker::setAnimated(bool animated)
 
 void HoverTracker::prepare()
 {
-    if (m_finder || m_analysis || m_picture.isNull())
+    if (m_finder || m_isPreparing || m_picture.isNull())
         return;
-    m_analysis = std::make_shared<Analysis>(this, m_picture);
-    m_run([analysis = m_analysis] { analysis->run(); });
+    m_isPreparing = true;
+    m_run([this, picture = m_picture, answer = m_answers.handle()] {
+        if (answer.isVoid())
+            return;
+        const auto finder = std::make_shared<const EdgeRegionFinder>(picture);
+        answer.post([this, finder] { takeFinder(finder); });
+    });
 }
 
 void HoverTracker::abandonAnalysis()
 {
-    if (!m_analysis)
-        return;
-    {
-        const std::lock_guard lock(m_analysis->mutex);
-        m_analysis->owner = nullptr;
-    }
-    m_analysis.reset();
+    m_answers.abandon();
+    m_isPreparing = false;
 }
 
-void HoverTracker::onPrepared()
+void HoverTracker::takeFinder(std::shared_ptr<const EdgeRegionFinder> finder)
 {
-    if (!m_analysis)
-        return;
-    {
-        const std::lock_guard lock(m_analysis->mutex);
-        m_finder = std::move(m_analysis->finder);
-    }
-    if (!m_finder)
-        return; // the word of an analysis that was abandoned since
-    m_analysis.reset();
+    m_finder = std::move(finder);
+    m_isPreparing = false;
     if (!m_point)
         return;
     findInPicture();

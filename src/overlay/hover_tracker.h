@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/answer.h"
 #include "base/host_clock.h"
 #include "overlay/edge_region_finder.h"
 #include "overlay/hover_candidates.h"
@@ -79,11 +80,10 @@ Q_SIGNALS:
 
 private:
     enum class Reached { Keep, Drop }; ///< what happens to a target that the user chose
-    struct Analysis;                   ///< what tracker and worker share
 
     void prepare();
     void abandonAnalysis();
-    Q_INVOKABLE void onPrepared();
+    void takeFinder(std::shared_ptr<const EdgeRegionFinder> finder);
     void findInPicture();
     void giveUpWaiting();
     void dropElementsBeside();
@@ -99,7 +99,7 @@ private:
     QList<platform::WindowInfo> m_windows;
     QPointF m_globalOrigin;
     std::shared_ptr<const EdgeRegionFinder> m_finder;
-    std::shared_ptr<Analysis> m_analysis; ///< the one that runs
+    bool m_isPreparing = false; ///< the finder
 
     std::optional<QPointF> m_point; ///< of the last update
     HoverSources m_sources;
@@ -120,6 +120,7 @@ private:
     WheelAccumulator m_smoothWheel;
     int m_gathered = 0; ///< wheel value of notches that wait
     QTimer m_wheelRest;
+    Answers m_answers;
 };
 
 } // namespace tavrel::ui

@@ -1,5 +1,8 @@
 #include "platform/linux/accessibility_bus.h"
 
+#include "base/unjoined_thread.h"
+#include "base/wait_until.h"
+
 #include <QElapsedTimer>
 #include <QThreadPool>
 
@@ -9,7 +12,6 @@
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
-#include <thread>
 #include <utility>
 
 namespace tavrel::platform {
@@ -25,11 +27,6 @@ constexpr qint64 kLookAgain = 10'000; // milliseconds
 
 constexpr const char *kBusName = "org.a11y.Bus";
 constexpr const char *kBusPath = "/org/a11y/bus";
-
-std::chrono::steady_clock::time_point timePoint(QDeadlineTimer deadline)
-{
-    return deadline.deadline<std::chrono::steady_clock>();
-}
 
 QByteArray accessibilityBusAddress(QDeadlineTimer deadline)
 {
@@ -80,19 +77,21 @@ AccessibilityBus::Shared::State AccessibilityBus::Shared::settle(const std::shar
     const bool begins = shared->state == State::Unknown || again;
     if (begins) {
         shared->set(State::Opening);
-        // Not joined by anybody: connecting to a socket whose owner is stopped may never return.
-        std::thread([shared] {
+        // Connecting to a socket whose owner is stopped may never return.
+        const bool isRunning = runUnjoined([shared] {
             const QDeadlineTimer giveUp(kOpening);
             auto client = BusClient::open(accessibilityBusAddress(giveUp), giveUp);
             const std::scoped_lock done(shared->mutex);
             shared->session = Session{std::move(client), {}};
             shared->set(shared->session.client ? State::Open : State::Absent);
-        }).detach();
+        });
+        if (!isRunning)
+            shared->set(State::Absent);
     }
     if (!begins)
         deadline = std::min(deadline, QDeadlineTimer(std::max<qint64>(0, kPatience - shared->since.elapsed())));
     if (shared->state == State::Opening)
-        shared->changed.wait_until(lock, timePoint(deadline), [&shared] { return shared->state != State::Opening; });
+        waitUntil(shared->changed, lock, deadline, [&shared] { return shared->state != State::Opening; });
     return shared->state;
 }
 
@@ -106,7 +105,7 @@ bool AccessibilityBus::withSession(QDeadlineTimer deadline, const std::function<
         std::unique_lock lock(m_shared->mutex);
         const auto free = [this] { return !m_shared->lent; };
         if (Shared::settle(m_shared, lock, deadline) != Shared::State::Open ||
-            !m_shared->changed.wait_until(lock, timePoint(deadline), free) || m_shared->state != Shared::State::Open)
+            !waitUntil(m_shared->changed, lock, deadline, free) || m_shared->state != Shared::State::Open)
             return false;
         m_shared->lent = true;
     }

@@ -1,14 +1,10 @@
 #include "platform/linux/host_lookup.h"
 
-#include <QMetaObject>
-#include <QObject>
+#include "base/unjoined_thread.h"
+
 #include <QUrl>
 
-#include <mutex>
 #include <netdb.h>
-#include <system_error>
-#include <thread>
-#include <utility>
 
 namespace tavrel::platform {
 namespace {
@@ -26,40 +22,13 @@ bool hasAddress(const QByteArray &host)
 
 } // namespace
 
-/// Brings answers back to the thread of the lookup for as long as it lives.
-struct HostLookup::Answers
-{
-    std::mutex mutex;
-    QObject *receiver = nullptr; ///< null once the lookup is gone
-
-    void tell(const std::function<void(bool)> &done, bool found)
-    {
-        const std::scoped_lock lock(mutex);
-        if (receiver)
-            QMetaObject::invokeMethod(
-                receiver, [done, found] { done(found); }, Qt::QueuedConnection);
-    }
-};
-
-HostLookup::HostLookup() : m_answers(std::make_shared<Answers>())
-{
-    m_answers->receiver = new QObject;
-}
-
-HostLookup::~HostLookup()
-{
-    const std::scoped_lock lock(m_answers->mutex);
-    delete std::exchange(m_answers->receiver, nullptr);
-}
-
 void HostLookup::find(const QString &host, const std::function<void(bool)> &done)
 {
     const QByteArray name = QUrl::toAce(host).isEmpty() ? host.toUtf8() : QUrl::toAce(host);
-    try {
-        std::thread([name, done, answers = m_answers] { answers->tell(done, hasAddress(name)); }).detach();
-    } catch (const std::system_error &) {
-        m_answers->tell(done, false);
-    }
+    const AnswerHandle answer = m_answers.handle();
+    const auto tell = [done, answer](bool found) { answer.post([done, found] { done(found); }); };
+    if (!runUnjoined([name, tell] { tell(hasAddress(name)); }))
+        tell(false);
 }
 
 } // namespace tavrel::platform

@@ -1,9 +1,10 @@
 #pragma once
 
+#include "base/answer.h"
+
 #include <QString>
 
 #include <functional>
-#include <memory>
 
 namespace tavrel::platform {
 
@@ -14,18 +15,11 @@ namespace tavrel::platform {
 class HostLookup final
 {
 public:
-    HostLookup();
-    /// Lookups that run have no answer any more.
-    ~HostLookup();
-    HostLookup(const HostLookup &) = delete;
-    HostLookup &operator=(const HostLookup &) = delete;
-
-    /// The answer comes later, on the thread of this object.
+    /// The answer comes later, on the thread of this object and as long as it lives.
     void find(const QString &host, const std::function<void(bool found)> &done);
 
 private:
-    struct Answers;
-    std::shared_ptr<Answers> m_answers;
+    Answers m_answers;
 };
 
 } // namespace tavrel::platform

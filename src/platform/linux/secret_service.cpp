@@ -1,15 +1,12 @@
 #include "platform/linux/secret_service.h"
 
+#include "base/unjoined_thread.h"
 #include "platform/linux/bus_client.h"
 
 #include <libsecret/secret.h>
 
-#include <condition_variable>
 #include <memory>
-#include <mutex>
 #include <optional>
-#include <system_error>
-#include <thread>
 
 namespace tavrel::platform {
 namespace {
@@ -226,44 +223,20 @@ private:
     Attributes m_attributes;
 };
 
-/// What the worker and the one who waits for it share; the last of them frees it.
-struct Talk
-{
-    SecretTask task;
-    Object<GCancellable> cancellable{g_cancellable_new()};
-    std::mutex mutex;
-    std::condition_variable ended;
-    std::optional<SecretReply> reply;
-};
-
-void talk(const std::shared_ptr<Talk> &shared)
-{
-    SecretReply reply = Conversation(shared->task, shared->cancellable.get()).run();
-    const std::scoped_lock lock(shared->mutex);
-    shared->reply = std::move(reply);
-    shared->ended.notify_all();
-}
-
 } // namespace
 
 SecretReply askSecretService(const SecretTask &task, QDeadlineTimer deadline)
 {
     if (sessionBusAddress().isEmpty()) // one would be started
         return {.outcome = Outcome::Unavailable, .value = {}, .problem = QStringLiteral("no session bus")};
-    auto shared = std::make_shared<Talk>();
-    shared->task = task;
-    try {
-        std::thread(talk, shared).detach();
-    } catch (const std::system_error &error) {
-        return {.outcome = Outcome::Unavailable, .value = {}, .problem = QString::fromUtf8(error.what())};
-    }
-    std::unique_lock lock(shared->mutex);
-    if (!shared->ended.wait_for(lock, deadline.remainingTimeAsDuration(),
-                                [&shared] { return shared->reply.has_value(); })) {
-        g_cancellable_cancel(shared->cancellable.get());
-        return {.outcome = Outcome::TimedOut, .value = {}, .problem = QStringLiteral("no answer in time")};
-    }
-    return *shared->reply;
+    const auto cancellable = std::shared_ptr<GCancellable>(g_cancellable_new(), Release<g_object_unref>());
+    auto talk = startUnjoined([task, cancellable] { return Conversation(task, cancellable.get()).run(); });
+    if (!talk.valid())
+        return {.outcome = Outcome::Unavailable, .value = {}, .problem = QStringLiteral("no thread")};
+    if (const auto reply = resultBy(deadline, talk))
+        return *reply;
+    g_cancellable_cancel(cancellable.get());
+    return {.outcome = Outcome::TimedOut, .value = {}, .problem = QStringLiteral("no answer in time")};
 }
 
 } // namespace tavrel::platform

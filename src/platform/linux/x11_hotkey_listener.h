@@ -32,7 +32,8 @@ class XConnection;
 /// that differ are grabbed anew; a combination that cannot be had then is tried again at the next change.
 ///
 /// The public functions are for one other thread. They hand a task to the listener's thread and wait for its answer;
-/// after kAnswerDeadline they give up waiting. Nothing is shared between the threads but what m_mutex guards.
+/// after kAnswerDeadline they give up waiting. Nothing is shared between the threads but what m_mutex guards. What has
+/// fired is fetched rather than posted: once unbind() has returned, the id must not come any more.
 class X11HotkeyListener final
 {
 public:

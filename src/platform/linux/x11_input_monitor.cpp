@@ -506,10 +506,9 @@ bool X11InputMonitor::start(QString *error)
     m_collector.begin(m_mode);
     std::promise<void> ended;
     m_ended = ended.get_future();
-    m_thread = std::thread([this, ended = std::move(ended)]() mutable {
-        m_listener->run(m_collector, m_displays, [this](const InputEventRecord &event) {
-            QMetaObject::invokeMethod(
-                this, [this, event] { Q_EMIT eventRecorded(event); }, Qt::QueuedConnection);
+    m_thread = std::thread([this, answer = m_answers.handle(), ended = std::move(ended)]() mutable {
+        m_listener->run(m_collector, m_displays, [this, answer](const InputEventRecord &event) {
+            answer.post([this, event] { Q_EMIT eventRecorded(event); });
         });
         ended.set_value();
     });

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/answer.h"
 #include "platform/input_collector.h"
 #include "platform/input_monitor.h"
 #include "platform/linux/screen_mapping.h"
@@ -45,7 +46,8 @@ private:
     InputCollector::Mode m_mode;
     InputCollector m_collector;
     std::unique_ptr<Listener> m_listener;
-    std::thread m_thread;
+    Answers m_answers;
+    std::thread m_thread;      ///< joined by stop(), which cuts off its connection when it does not end
     std::future<void> m_ended; ///< of the thread
 };
 

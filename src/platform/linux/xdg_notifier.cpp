@@ -1,15 +1,10 @@
 #include "platform/linux/xdg_notifier.h"
 
+#include "base/unjoined_thread.h"
 #include "platform/linux/bus_client.h"
-
-#include <QMetaObject>
-#include <QObject>
 
 #include <dbus/dbus.h>
 
-#include <mutex>
-#include <system_error>
-#include <thread>
 #include <utility>
 
 namespace tavrel::platform {
@@ -95,38 +90,14 @@ bool send(const Notification &notification)
 
 } // namespace
 
-/// Brings answers back to the thread of the notifier for as long as it lives.
-struct XdgNotifier::Answers
-{
-    std::mutex mutex;
-    QObject *receiver = nullptr; ///< null once the notifier is gone
-};
-
-XdgNotifier::XdgNotifier() : m_answers(std::make_shared<Answers>())
-{
-    m_answers->receiver = new QObject;
-}
-
-XdgNotifier::~XdgNotifier()
-{
-    const std::scoped_lock lock(m_answers->mutex);
-    delete std::exchange(m_answers->receiver, nullptr);
-}
-
 void XdgNotifier::notify(const Notification &notification, std::function<void(bool)> done)
 {
-    const auto talk = [notification, done, answers = m_answers] {
+    const bool isSent = runUnjoined([notification, done, answer = m_answers.handle()] {
         const bool shown = send(notification);
-        const std::scoped_lock lock(answers->mutex);
-        if (answers->receiver)
-            QMetaObject::invokeMethod(
-                answers->receiver, [done, shown] { done(shown); }, Qt::QueuedConnection);
-    };
-    try {
-        std::thread(talk).detach();
-    } catch (const std::system_error &) { // no thread to be had
+        answer.post([done, shown] { done(shown); });
+    });
+    if (!isSent)
         done(false);
-    }
 }
 
 } // namespace tavrel::platform

@@ -1,8 +1,7 @@
 #pragma once
 
+#include "base/answer.h"
 #include "platform/notifier.h"
-
-#include <memory>
 
 namespace tavrel::platform {
 
@@ -13,14 +12,10 @@ namespace tavrel::platform {
 class XdgNotifier final : public INotifier
 {
 public:
-    XdgNotifier();
-    ~XdgNotifier() override;
-
     void notify(const Notification &notification, std::function<void(bool shown)> done) override;
 
 private:
-    struct Answers;
-    std::shared_ptr<Answers> m_answers;
+    Answers m_answers;
 };
 
 } // namespace tavrel::platform
