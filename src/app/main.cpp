@@ -15,6 +15,7 @@
 #include <QTimer>
 
 #include <memory>
+#include <utility>
 
 namespace {
 
@@ -95,7 +96,10 @@ int main(int argc, char *argv[])
     QObject::connect(&instance, &SingleInstance::requested, controller.get(),
                      [&controller](const HandOver &handOver) { carryOut(*controller, handOver); });
     QObject::connect(&settings, &SettingsStore::changed, controller.get(),
-                     [&language, &controller](const SettingsConfig &config) {
+                     [&language, &controller, told = settings.config().language](const SettingsConfig &config) mutable {
+                         // What the command line asked for stands until another language is chosen.
+                         if (std::exchange(told, config.language) == config.language)
+                             return;
                          const QString before = language.applied();
                          if (language.apply(config.language) != before)
                              controller->retranslateUi();

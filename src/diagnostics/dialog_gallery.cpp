@@ -1,5 +1,6 @@
 #include "diagnostics/dialog_gallery.h"
 
+#include "process/check_language.h"
 #include "process/languages.h"
 #include "ui/action_button.h"
 #include "ui/chip.h"
@@ -84,6 +85,19 @@ Words wordsOf(bool english)
              QStringLiteral("16:9"), QStringLiteral("自定义")},
             {QStringLiteral("矩形"), QStringLiteral("箭头"), QStringLiteral("智能擦除"), QStringLiteral("文字")},
             {QStringLiteral("标注"), QStringLiteral("裁剪"), QStringLiteral("背景"), QStringLiteral("拼接")}};
+}
+
+Words lengthenedWords()
+{
+    Words words = wordsOf(true);
+    for (QString *text : {&words.title, &words.text, &words.longText, &words.remove, &words.name, &words.hint,
+                          &words.section, &words.label})
+        *text = lengthened(*text);
+    for (QStringList *texts : {&words.menu, &words.choices, &words.tools, &words.rail}) {
+        for (QString &text : *texts)
+            text = lengthened(text);
+    }
+    return words;
 }
 
 QImage pictureOf(QWidget &widget)
@@ -403,7 +417,7 @@ int renderDialogGallery(const QStringList &values)
     const auto lang = values.indexOf(QStringLiteral("--lang"));
     const QString code = lang > 0 ? values.value(lang + 1) : QStringLiteral("system");
     language.apply(code);
-    const Words words = wordsOf(code == u"en");
+    const Words words = code == u"check" ? lengthenedWords() : wordsOf(code == u"en");
     const QDir out(folder);
     bool written = out.mkpath(QStringLiteral("."));
     const auto write = [&](const QString &name, const QImage &image) {

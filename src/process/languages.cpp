@@ -7,13 +7,19 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <initializer_list>
 #include <optional>
 
 namespace tavrel {
 namespace {
 
+constexpr QLatin1String checkCode("check");
+
 const LanguageEntry *entryOf(const QString &code)
 {
+    static const LanguageEntry check{checkCode, {}, {}, {}, QStringLiteral("en_US")};
+    if (code == checkCode)
+        return &check;
     const auto &table = languages();
     const auto found = std::find_if(table.begin(), table.end(), [&code](const auto &e) { return e.code == code; });
     return found == table.end() ? nullptr : &*found;
@@ -106,7 +112,7 @@ LanguageApplier::~LanguageApplier()
 
 void LanguageApplier::uninstall()
 {
-    for (QTranslator *translator : {&m_english, &m_app, &m_qt})
+    for (QTranslator *translator : std::initializer_list<QTranslator *>{&m_english, &m_app, &m_qt, &m_check})
         QCoreApplication::removeTranslator(translator);
 }
 
@@ -120,7 +126,10 @@ QString LanguageApplier::apply(const QString &setting)
 
     const LanguageEntry &entry = *entryOf(code);
     // The translator installed last is asked first.
-    if (code != u"zh" && code != u"zh-Hant" && code != u"en")
+    if (code == checkCode) {
+        if (m_check.loadEnglish(catalogueFile(QStringLiteral("tavrel_en"))))
+            QCoreApplication::installTranslator(&m_check);
+    } else if (code != u"zh" && code != u"zh-Hant" && code != u"en")
         install(m_english, catalogueFile(QStringLiteral("tavrel_en")));
     if (!entry.appCatalogue.isEmpty())
         install(m_app, catalogueFile(entry.appCatalogue));

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "process/check_language.h"
+
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -16,7 +18,8 @@ struct LanguageEntry
     QString localeName;
 };
 
-/// All languages, in the order in which they are offered after "system".
+/// All languages, in the order in which they are offered after "system". `check`, the one for looking at windows with
+/// long texts, is not among them and is no setting: it can only be asked for by name, as in `tavrel --lang check`.
 [[nodiscard]] const QList<LanguageEntry> &languages();
 
 /// The code in force for a setting: a code of the table stands, anything else follows `uiLanguages` (locale names,
@@ -45,6 +48,7 @@ private:
     QTranslator m_english;
     QTranslator m_app;
     QTranslator m_qt;
+    CheckTranslator m_check;
     QString m_applied;
 };
 

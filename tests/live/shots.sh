@@ -16,10 +16,11 @@ shot() {
     convert "$home/shot.ppm" -quality 90 "$out/$1-$language-$theme-$scale.png"
 }
 
-for language in zh en; do
+# The last one is no setting: English, lengthened, so that clipping shows.
+for language in zh en check; do
     write_settings "{\"configSchemaVersion\":9,\"language\":\"$language\",\"theme\":\"$theme\"}"
     rm -f "$log"
-    start "$tavrel"
+    start "$tavrel" --lang "$language"
     pid=${started[-1]}
     until_true 30 log_has 就绪，等待快捷键 || { echo "the program did not start" >&2; exit 1; }
 

@@ -93,6 +93,44 @@ private Q_SLOTS:
         QCOMPARE(QLocale().name(), QStringLiteral("en_US"));
     }
 
+    void theCheckLanguageLengthensWordsAndNothingElse_data()
+    {
+        QTest::addColumn<QString>("english");
+        QTest::addColumn<QString>("stretched");
+        const auto row = [](const char *english, const char *stretched) {
+            QTest::newRow(english) << QString::fromUtf8(english) << QString::fromUtf8(stretched);
+        };
+        row("OK", "ÔKk");
+        row("Save", "Šávvêê");
+        row("Arrow tool", "Árrrôww tôôôll");
+        row("%1 of %n, %L2", "%1 ôff %n, %L2");
+        row("&Save && e&xit", "&Sávêêê && êê&xîtt");
+        row("<b class='x'>Bold</b>&nbsp;a\nb", "<b class='x'>Bôlldd</b>&nbsp;áá\nbb");
+        row("Images (*.png *.jpg)", "Îmááğêêšš (*.png *.jpg)");
+        row("%1×", "%1×");
+    }
+
+    void theCheckLanguageLengthensWordsAndNothingElse()
+    {
+        QFETCH(QString, english);
+        QTEST(lengthened(english), "stretched");
+    }
+
+    void theCheckLanguageIsSpokenWhenNamedAndNeverOffered()
+    {
+        LanguageApplier applier;
+        QCOMPARE(applier.apply(QStringLiteral("check")), QStringLiteral("check"));
+        QCOMPARE(sample("保存"), lengthened(QStringLiteral("Save")));
+        QCOMPARE(sample("没有英文"), QStringLiteral("没有英文"));
+        const char *const qtContext = "QPlatformTheme";
+        QCOMPARE(QCoreApplication::translate(qtContext, "Close"), lengthened(QStringLiteral("Close")));
+        applier.apply(QStringLiteral("en"));
+        QCOMPARE(sample("保存"), QStringLiteral("Save"));
+        const SettingsConfig stored = settingsFromJson(
+            {{QStringLiteral("configSchemaVersion"), 9}, {QStringLiteral("language"), QStringLiteral("check")}});
+        QCOMPARE(stored.language, SettingsConfig().language);
+    }
+
     void translationsLeaveWithTheirOwner()
     {
         {
