@@ -2,10 +2,8 @@
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QFutureWatcher>
 #include <QPixmap>
 #include <QPointer>
-#include <QtConcurrent>
 
 namespace tavrel {
 namespace {
@@ -105,24 +103,25 @@ void GuideMenus::fetchIcons(const QList<QAction *> &actions, const QList<GuideCh
     QList<QPointer<QAction>> targets;
     for (QAction *action : actions)
         targets.append(action);
-    auto *watcher = new QFutureWatcher<QList<QImage>>(this);
-    connect(watcher, &QFutureWatcherBase::finished, this, [watcher, targets, ratio] {
-        const QList<QImage> icons = watcher->result();
-        for (qsizetype i = 0; i < targets.size(); ++i) {
-            if (!targets[i] || icons[i].isNull())
-                continue;
-            QPixmap pixmap = QPixmap::fromImage(icons[i]);
-            pixmap.setDevicePixelRatio(ratio);
-            targets[i]->setIcon(pixmap);
-        }
-        watcher->deleteLater();
-    });
-    watcher->setFuture(QtConcurrent::run([iconOf = m_services.applicationIcon, apps, size = qRound(kIconSize * ratio)] {
+    m_answers.abandon(); // those for the entries that were there before
+    m_fetching.run([iconOf = m_services.applicationIcon, apps, size = qRound(kIconSize * ratio), targets, ratio,
+                    answer = m_answers.handle()] {
         QList<QImage> icons;
-        for (const GuideChoice &app : apps)
+        for (const GuideChoice &app : apps) {
+            if (answer.isVoid())
+                return;
             icons.append(iconOf(app.processId, size));
-        return icons;
-    }));
+        }
+        answer.post([icons, targets, ratio] {
+            for (qsizetype i = 0; i < targets.size(); ++i) {
+                if (!targets[i] || icons[i].isNull())
+                    continue;
+                QPixmap pixmap = QPixmap::fromImage(icons[i]);
+                pixmap.setDevicePixelRatio(ratio);
+                targets[i]->setIcon(pixmap);
+            }
+        });
+    });
 }
 
 void GuideMenus::rebuildRecent()

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/answer.h"
+#include "base/work_queue.h"
 #include "platform/element_detector.h"
 
 #include <QList>
@@ -71,6 +73,8 @@ private:
     Services m_services;
     QMenu *m_scope;
     QMenu *m_recent;
+    WorkQueue m_fetching; ///< icons; ended by the end of the answers
+    Answers m_answers;
 };
 
 /// Makes an entry that this version cannot carry out stand disabled and say so.

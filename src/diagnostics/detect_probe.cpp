@@ -1,14 +1,14 @@
 #include "diagnostics/detect_probe.h"
 
+#include "base/answer.h"
+#include "base/work_queue.h"
 #include "overlay/edge_region_finder.h"
 #include "overlay/hover_candidates.h"
 #include "platform/services.h"
 #include "platform/unsupported/unsupported_services.h"
 
 #include <QCoreApplication>
-#include <QFutureWatcher>
 #include <QPainter>
-#include <QtConcurrent>
 
 #include <algorithm>
 #include <cstdio>
@@ -92,10 +92,10 @@ int runDetectProbe(const QString &path)
     scene.pointer = services.cursorPosition();
     scene.windows = services.elementDetector->topLevelWindows();
 
-    QFutureWatcher<ui::HoverSources> looking;
-    QObject::connect(&looking, &QFutureWatcherBase::finished, &looking,
-                     [&] { QCoreApplication::exit(report(scene, looking.result(), path)); });
-    services.screenCapturer->capture({}, &looking, [&](const platform::CaptureResult &result) {
+    QObject context;
+    const Answers answers;
+    WorkQueue looking;
+    services.screenCapturer->capture({}, &context, [&](const platform::CaptureResult &result) {
         if (!result.isGood()) {
             std::fprintf(stderr, "抓屏失败：%s\n", qPrintable(result.error));
             QCoreApplication::exit(1);
@@ -106,8 +106,10 @@ int runDetectProbe(const QString &path)
                 return display.geometry.contains(scene.pointer.toPoint());
             });
         scene.display = under == result.displays.end() ? result.displays.first() : *under;
-        looking.setFuture(
-            QtConcurrent::run([scene, detector = services.elementDetector] { return sourcesOf(scene, *detector); }));
+        looking.run([scene, path, detector = services.elementDetector, answer = answers.handle()] {
+            const ui::HoverSources sources = sourcesOf(scene, *detector);
+            answer.post([scene, sources, path] { QCoreApplication::exit(report(scene, sources, path)); });
+        });
     });
     return QCoreApplication::exec();
 }
