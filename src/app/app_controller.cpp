@@ -6,7 +6,7 @@
 #include "platform/feed_updater.h"
 #include "settings/settings_store.h"
 #include "ui/color_library.h"
-#include "ui/dialogs.h"
+#include "ui/dialog_services.h"
 
 #include <QApplication>
 #include <QDeadlineTimer>

@@ -5,6 +5,7 @@
 #include "ui/action_button.h"
 #include "ui/chip.h"
 #include "ui/dialog_hosts.h"
+#include "ui/dialog_services.h"
 #include "ui/dialogs.h"
 #include "ui/flow_layout.h"
 #include "ui/group_card.h"

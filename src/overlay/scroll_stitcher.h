@@ -1,5 +1,7 @@
 #pragma once
 
+#include "overlay/stitch_decision.h"
+
 #include <QImage>
 #include <QRectF>
 #include <QSize>
@@ -10,24 +12,6 @@ namespace tavrel::ui {
 
 class ScrollPage;
 class ScrollTracker;
-
-/// What became of a frame.
-enum class StitchOutcome {
-    Ignored,  ///< not active, a null image or an image of another size
-    NoMatch,  ///< shows nothing that could be placed on the page
-    Jumped,   ///< placed, but too far from where the last step leads to be believed
-    Accepted, ///< placed; it may still have brought no new rows
-    Full,     ///< placed, but the page would grow beyond its limit
-};
-
-struct StitchDecision
-{
-    StitchOutcome outcome = StitchOutcome::Ignored;
-    int offset = 0;        ///< rows from the first frame's top to this one's; meaningful for Jumped, Accepted and Full
-    int rowsAdded = 0;     ///< device rows
-    int rowsCut = 0;       ///< device rows that scrolling back took off the end
-    float subPixel = 0.0F; ///< rows by which the new rows were resampled
-};
 
 /// Turns pictures of a screen on which a region scrolls into one tall picture.
 ///
@@ -41,7 +25,7 @@ class ScrollStitcher final
 {
 public:
     static constexpr int kMinWidth = 8;                    ///< device pixels
-    static constexpr int kMinHeight = 192;                 ///< device pixels; less can never be placed
+    static constexpr int kMinHeight = kLeastStitchRows;    ///< device pixels
     static constexpr int kMaxRows = 60'000;                ///< the page stops growing here,
     static constexpr qint64 kMaxBytes = qint64{512} << 20; ///< or here
 

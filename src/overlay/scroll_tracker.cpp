@@ -355,7 +355,7 @@ StitchDecision ScrollTracker::place()
     m_keptEnd = m_canvas->end();
     const int height = m_frame.height();
     const auto radius = searchRadius(height, m_misses);
-    if (height < ScrollStitcher::kMinHeight || m_frame.width() != m_canvas->width() || !radius)
+    if (height < kLeastStitchRows || m_frame.width() != m_canvas->width() || !radius)
         return dropped(StitchOutcome::NoMatch, m_lastOffset);
     ScrollSearch search(m_frame, *m_canvas, m_lastOffset - *radius - kSearchMargin,
                         m_lastOffset + *radius + height + kSearchMargin + 1);

@@ -2,7 +2,7 @@
 
 #include "overlay/scroll_bands.h"
 #include "overlay/scroll_exact_vote.h"
-#include "overlay/scroll_stitcher.h"
+#include "overlay/stitch_decision.h"
 
 #include <memory>
 #include <optional>

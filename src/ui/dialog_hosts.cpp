@@ -145,7 +145,7 @@ void DialogSheet::showEvent(QShowEvent *event)
     follow();
     raise();
     if (WindowChrome *chrome = WindowChrome::of(window()))
-        chrome->restack(); // the window's size can still be changed
+        chrome->addCover(this);
     m_card->show();
     m_card->takeFocus();
     QWidget::showEvent(event);

@@ -1,13 +1,55 @@
 #pragma once
 
-#include "ui/dialogs.h"
+#include "ui/theme.h"
 
 #include <QObject>
+#include <QPointer>
+#include <QString>
+#include <QStringList>
+#include <QWidget>
 
-class QWidget;
+#include <functional>
+#include <memory>
 
-/// What the functions of `ui/dialogs.h` share. Not for their callers.
+namespace tavrel::platform {
+class IWindowController;
+}
+
+/// What the dialogs of ui/dialogs.h need of the rest of the program, and what they share. GUI thread only.
 namespace tavrel::ui::dialogs {
+
+/// Presents file dialogs in place of QFileDialog.
+class IFileDialogHost
+{
+public:
+    enum class Mode { OpenFile, OpenFiles, Directory, SaveFile };
+    struct Request
+    {
+        Mode mode = Mode::OpenFile;
+        QPointer<QWidget> parent;
+        QString title;
+        QString start; ///< directory, or for SaveFile the suggested path
+        QString filter;
+    };
+
+    IFileDialogHost() = default;
+    IFileDialogHost(const IFileDialogHost &) = delete;
+    IFileDialogHost &operator=(const IFileDialogHost &) = delete;
+    virtual ~IFileDialogHost() = default;
+
+    /// Answers with the chosen paths; none when cancelled. The first answer counts; dropping it is a cancel.
+    virtual void present(const Request &request, std::function<void(const QStringList &)> answer) = 0;
+};
+
+/// What the dialogs need of the rest of the program; null takes it away again.
+void setWindowController(std::shared_ptr<platform::IWindowController> controller);
+void setFileDialogHost(std::shared_ptr<IFileDialogHost> host);
+/// Called with true when the first dialog opens and with false when the last one has closed, always in pairs.
+void setHotkeySuspender(std::function<void(bool)> suspend);
+/// The theme setting (system, light, dark) for dialogs that are given none.
+void setThemeName(const QString &name);
+/// Cards and file dialogs that are open or waiting for their turn.
+[[nodiscard]] int openDialogCount();
 
 /// Counts one dialog for as long as it lives; the first suspends the hotkeys, the last resumes them.
 class OpenDialog final

@@ -4,46 +4,17 @@
 #include "ui/theme.h"
 
 #include <QColor>
-#include <QPointer>
 #include <QString>
 #include <QStringList>
 #include <QWidget>
 
 #include <functional>
-#include <memory>
 #include <optional>
-
-namespace tavrel::platform {
-class IWindowController;
-}
 
 /// Everything the program asks or tells in a dialog. All functions return at once and answer through a callback; none
 /// runs an event loop of its own. A visible parent gets the card as a sheet, else the card floats. Hotkeys are
 /// suspended while any dialog is open. GUI thread only.
 namespace tavrel::ui::dialogs {
-
-/// Presents file dialogs in place of QFileDialog.
-class IFileDialogHost
-{
-public:
-    enum class Mode { OpenFile, OpenFiles, Directory, SaveFile };
-    struct Request
-    {
-        Mode mode = Mode::OpenFile;
-        QPointer<QWidget> parent;
-        QString title;
-        QString start; ///< directory, or for SaveFile the suggested path
-        QString filter;
-    };
-
-    IFileDialogHost() = default;
-    IFileDialogHost(const IFileDialogHost &) = delete;
-    IFileDialogHost &operator=(const IFileDialogHost &) = delete;
-    virtual ~IFileDialogHost() = default;
-
-    /// Answers with the chosen paths; none when cancelled. The first answer counts; dropping it is a cancel.
-    virtual void present(const Request &request, std::function<void(const QStringList &)> answer) = 0;
-};
 
 struct Options
 {
@@ -53,16 +24,6 @@ struct Options
     bool cancelDefault = true;
     std::optional<Theme> theme; ///< empty takes that of setThemeName()
 };
-
-/// What the dialogs need of the rest of the program; null takes it away again.
-void setWindowController(std::shared_ptr<platform::IWindowController> controller);
-void setFileDialogHost(std::shared_ptr<IFileDialogHost> host);
-/// Called with true when the first dialog opens and with false when the last one has closed, always in pairs.
-void setHotkeySuspender(std::function<void(bool)> suspend);
-/// The theme setting (system, light, dark) for dialogs that are given none.
-void setThemeName(const QString &name);
-/// Cards and file dialogs that are open or waiting for their turn.
-[[nodiscard]] int openDialogCount();
 
 /// An answer is dropped when its `context` has gone; without a context nothing guards it. It comes after the dialog has
 /// left the screen and may delete anything. A dialog that goes down with its closed window answers as Escape would; one

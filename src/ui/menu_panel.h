@@ -1,30 +1,16 @@
 #pragma once
 
+#include "ui/menu_entry.h"
 #include "ui/theme.h"
 
 #include <QList>
 #include <QPointer>
-#include <QString>
 #include <QTimer>
 #include <QWidget>
 
 namespace tavrel::ui {
 
 class MenuRow;
-
-/// One line of a menu.
-struct MenuEntry
-{
-    QString id;
-    QString label;
-    QString shortcut{};       ///< shown on the right, in the words of the system
-    QString glyph{};          ///< left of the label: an editor, line or attribute glyph; empty for none
-    bool startsGroup = false; ///< a line is drawn above
-    bool isCheckable = false;
-    bool isChecked = false;
-    bool isEnabled = true;
-    QList<MenuEntry> submenu{};
-};
 
 /// A floating menu in the program's own look.
 ///

@@ -1,6 +1,9 @@
 #pragma once
 
-#include "ui/menu_panel.h"
+#include "ui/menu_entry.h"
+#include "ui/theme.h"
+
+#include <QWidget>
 
 namespace tavrel::ui {
 

@@ -1,7 +1,6 @@
 #include "ui/window_chrome.h"
 
 #include "platform/window_controller.h"
-#include "ui/dialog_hosts.h"
 #include "ui/dialog_services.h"
 #include "ui/window_border.h"
 #include "ui/window_buttons.h"
@@ -12,6 +11,7 @@
 #include <QMouseEvent>
 
 #include <algorithm>
+#include <utility>
 
 namespace tavrel::ui {
 namespace {
@@ -81,11 +81,19 @@ void WindowChrome::restack()
 {
     m_border->raise();
     m_buttons->raise();
-    const auto sheets = m_window->findChildren<dialogs::DialogSheet *>(QString(), Qt::FindDirectChildrenOnly);
-    for (dialogs::DialogSheet *sheet : sheets)
-        sheet->raise();
+    for (const auto &cover : std::as_const(m_covers)) {
+        if (cover)
+            cover->raise();
+    }
     for (WindowGrip *grip : m_grips)
         grip->raise();
+}
+
+void WindowChrome::addCover(QWidget *cover)
+{
+    m_covers.removeIf([cover](const auto &other) { return !other || other == cover; });
+    m_covers.append(cover);
+    restack();
 }
 
 void WindowChrome::restackLater()

@@ -5,6 +5,7 @@
 
 #include <QList>
 #include <QObject>
+#include <QPointer>
 
 class QMouseEvent;
 
@@ -40,8 +41,11 @@ public:
     /// Moves the window by an event that a layer above the window has got, in that layer's coordinates, which are the
     /// window's. Returns whether the event was taken.
     bool moveBy(const QMouseEvent &event);
-    /// Brings the parts above whatever has been put into the window; the grips also above a dialog's sheet.
+    /// Brings the parts above whatever has been put into the window.
     void restack();
+    /// A child of the window that covers all of it, a dialog's sheet for instance: it stays above border and buttons,
+    /// and below the grips, so that the window's size can still be changed.
+    void addCover(QWidget *cover);
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 
@@ -56,6 +60,7 @@ private:
     WindowBorder *m_border;
     WindowButtons *m_buttons;
     QList<WindowGrip *> m_grips;
+    QList<QPointer<QWidget>> m_covers;
     WindowMover m_mover;
     int m_titleBarHeight;
     bool m_restackAsked = false;

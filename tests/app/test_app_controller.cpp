@@ -6,7 +6,7 @@
 #include "support/test_main.h"
 #include "ui/color_library.h"
 #include "ui/dialog_hosts.h"
-#include "ui/dialogs.h"
+#include "ui/dialog_services.h"
 
 #include <QApplication>
 #include <QPushButton>

@@ -3,6 +3,7 @@
 #include "settings/settings_store.h"
 #include "support/test_main.h"
 #include "ui/dialog_hosts.h"
+#include "ui/dialog_services.h"
 #include "ui/dialogs.h"
 
 #include <QApplication>

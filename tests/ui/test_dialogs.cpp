@@ -3,6 +3,7 @@
 #include "platform/window_controller.h"
 #include "ui/color_board.h"
 #include "ui/dialog_hosts.h"
+#include "ui/dialog_services.h"
 #include "ui/dialogs.h"
 #include "ui/wrapped_label.h"
 

@@ -2,6 +2,7 @@
 
 #include "platform/linux/x11_services.h"
 #include "ui/dialog_hosts.h"
+#include "ui/dialog_services.h"
 #include "ui/dialogs.h"
 
 #include <QApplication>

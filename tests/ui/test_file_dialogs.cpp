@@ -1,6 +1,7 @@
 #include "support/test_main.h"
 
 #include "platform/window_controller.h"
+#include "ui/dialog_services.h"
 #include "ui/dialogs.h"
 
 #include <QApplication>

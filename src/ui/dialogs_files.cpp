@@ -1,3 +1,5 @@
+#include "ui/dialogs.h"
+
 #include "platform/window_controller.h"
 #include "ui/dialog_services.h"
 
