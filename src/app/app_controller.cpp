@@ -32,6 +32,7 @@ AppController::AppController(SettingsStore &settings, platform::Services service
     : QObject(parent),
       m_settings(settings),
       m_services(platform::withSystemServices(std::move(services))),
+      m_themes(settings.config().theme),
       m_history(roles.history ? std::move(roles.history) : std::make_shared<NoHistory>()),
       m_givenNotices(std::move(roles.notices)),
       m_probe(m_services.elementDetector),
@@ -39,13 +40,12 @@ AppController::AppController(SettingsStore &settings, platform::Services service
               m_notices, m_services.cursorPosition, &m_probe}),
       m_results(settings, m_notices, std::move(roles.clipboard)),
       m_hotkeys(*m_services.globalHotkey, m_commands),
-      m_messages({m_services.windowController, [this](QWindow *window) { activate(window); },
-                  [this] { return ui::themeFor(m_settings.config().theme); }}),
+      m_messages({m_services.windowController, [this](QWindow *window) { activate(window); }, m_themes}),
       m_updater(roles.updater ? std::move(roles.updater) : makeUpdater())
 {
     m_notices.setReceiver(m_givenNotices.get());
     ui::dialogs::setWindowController(m_services.windowController);
-    ui::dialogs::setThemeName(settings.config().theme);
+    ui::dialogs::setThemeSource(&m_themes);
     ui::dialogs::setHotkeySuspender([this](bool suspended) { m_services.globalHotkey->setSuspended(suspended); });
 
     auto &palette = ui::ColorLibrary::instance();
@@ -88,6 +88,7 @@ AppController::~AppController()
     m_services.globalHotkey->unregisterAll();
     ui::dialogs::setHotkeySuspender({});
     ui::dialogs::setWindowController(nullptr);
+    ui::dialogs::setThemeSource(nullptr);
     // One deadline for both: a new start waits no longer than that for this one to go.
     const QDeadlineTimer deadline(kFlushTime);
     if (!m_results.finish(deadline))
@@ -219,7 +220,7 @@ QStringList AppController::failedHotkeys() const
 
 void AppController::applySettings()
 {
-    ui::dialogs::setThemeName(m_settings.config().theme);
+    m_themes.setSetting(m_settings.config().theme);
     ui::ColorLibrary::instance().setColors(m_settings.config().paletteColors);
     registerHotkeys();
     m_flow.applySettings();

@@ -11,6 +11,7 @@
 #include "platform/updater.h"
 #include "process/commands.h"
 #include "process/hotkey_table.h"
+#include "ui/theme_source.h"
 
 #include <QObject>
 #include <QStringList>
@@ -88,6 +89,7 @@ private:
 
     SettingsStore &m_settings;
     const platform::Services m_services;
+    ui::ThemeSource m_themes;
     const std::shared_ptr<IHistoryKeeper> m_history;
     const std::shared_ptr<IUserNotices> m_givenNotices; ///< may be null
     NoticeRelay m_notices;

@@ -62,7 +62,7 @@ void MessageBoard::show(const Message &message)
 void MessageBoard::present()
 {
     const Message &message = m_messages.first();
-    m_card = new DialogCard(m_services.theme());
+    m_card = new DialogCard(m_services.themes);
     m_card->setIcon(message.icon);
     m_card->setTitle(message.title);
     m_card->setText(message.text);

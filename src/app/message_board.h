@@ -17,6 +17,9 @@ namespace tavrel {
 namespace platform {
 class IWindowController;
 }
+namespace ui {
+class ThemeSource;
+}
 namespace ui::dialogs {
 class FloatingDialog;
 }
@@ -44,7 +47,7 @@ public:
     {
         std::shared_ptr<platform::IWindowController> windows;
         std::function<void(QWindow *)> activate;
-        std::function<ui::Theme()> theme;
+        const ui::ThemeSource &themes;
     };
 
     explicit MessageBoard(Services services, QObject *parent = nullptr);

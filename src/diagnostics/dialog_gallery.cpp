@@ -17,6 +17,7 @@
 #include "ui/shell_panel.h"
 #include "ui/sidebar_title_label.h"
 #include "ui/studio_card.h"
+#include "ui/theme_source.h"
 #include "ui/tool_tile.h"
 #include "ui/window_chrome.h"
 #include "ui/window_control_button.h"
@@ -152,7 +153,7 @@ using Ask = std::function<void(QWidget *)>;
 QImage dialogPicture(const ui::Theme &theme, const Ask &ask)
 {
     const auto window = makeWindow(theme, {560, 440});
-    ui::WindowChrome::install(window.get(), theme, 52);
+    ui::WindowChrome::install(window.get(), ui::dialogs::themes(), 52);
     window->show();
     QCoreApplication::processEvents();
     ask(window.get());
@@ -166,14 +167,12 @@ QImage dialogs(const ui::Theme &theme, const Words &words)
     for (int i = 0; i < 20; ++i)
         twenty += words.longText;
     const auto tell = [&](Icon icon, const QString &title, const QString &text) {
-        return [=, &theme](QWidget *window) { message(window, icon, title, text, theme, {}); };
+        return [=](QWidget *window) { message(window, icon, title, text, {}); };
     };
-    Options plain;
-    plain.theme = theme;
-    Options destructive = plain;
+    Options destructive;
     destructive.destructive = true;
     destructive.okText = words.remove;
-    Options yes = plain;
+    Options yes;
     yes.cancelDefault = false;
     const QList<Ask> asks{
         tell(Icon::Information, words.title, words.text),
@@ -184,8 +183,8 @@ QImage dialogs(const ui::Theme &theme, const Words &words)
         tell(Icon::Information, words.longText, words.longText),
         [&](QWidget *window) { confirm(window, Icon::Question, words.title, words.text, yes, {}, nullptr); },
         [&](QWidget *window) { confirm(window, Icon::Warning, words.title, words.text, destructive, {}, nullptr); },
-        [&](QWidget *window) { askText(window, words.name, words.text, QStringLiteral("capture-1"), theme, {}); },
-        [&](QWidget *window) { askText(window, words.name, {}, {}, theme, {}); },
+        [&](QWidget *window) { askText(window, words.name, words.text, QStringLiteral("capture-1"), {}); },
+        [&](QWidget *window) { askText(window, words.name, {}, {}, {}); },
     };
     QList<QImage> pictures;
     for (const Ask &ask : asks)
@@ -196,7 +195,7 @@ QImage dialogs(const ui::Theme &theme, const Words &words)
 /// On a coloured ground, as over another program's window.
 QImage floating(const ui::Theme &theme, const Words &words)
 {
-    auto *card = new ui::dialogs::DialogCard(theme);
+    auto *card = new ui::dialogs::DialogCard(ui::dialogs::themes());
     card->setIcon(Icon::Question);
     card->setTitle(words.title);
     card->setText(words.text);
@@ -215,7 +214,6 @@ QImage floating(const ui::Theme &theme, const Words &words)
 
 QImage colorDialog(const ui::Theme &theme)
 {
-    ui::dialogs::setThemeName(theme.dark ? QStringLiteral("dark") : QStringLiteral("light"));
     const auto window = makeWindow(theme, {560, 640});
     window->show();
     ui::dialogs::pickColor(window.get(), QColor(30, 120, 220, 200), {});
@@ -354,7 +352,7 @@ QWidget *sidePanel(const ui::Theme &theme, const Words &words)
 QImage studio(const ui::Theme &theme, const Words &words)
 {
     const auto window = makeWindow(theme, {900, 520});
-    ui::WindowChrome::install(window.get(), theme, 52);
+    ui::WindowChrome::install(window.get(), ui::dialogs::themes(), 52);
     auto *all = new QGridLayout(window.get());
     all->setContentsMargins(0, 0, 0, 0);
     all->setSpacing(0);
@@ -426,14 +424,18 @@ int renderDialogGallery(const QStringList &values)
         written = image.save(path) && written;
         std::printf("%s\n", qPrintable(path));
     };
-    for (const ui::Theme &theme : {ui::lightTheme(), ui::darkTheme()}) {
-        const QString suffix = theme.dark ? QStringLiteral("-dark") : QStringLiteral("-light");
+    for (const QString &name : {QStringLiteral("light"), QStringLiteral("dark")}) {
+        const ui::ThemeSource themes(name);
+        const ui::Theme &theme = themes.current();
+        ui::dialogs::setThemeSource(&themes);
+        const QString suffix = u'-' + name;
         write(QStringLiteral("dialogs") + suffix, dialogs(theme, words));
         write(QStringLiteral("floating") + suffix, floating(theme, words));
         write(QStringLiteral("color") + suffix, colorDialog(theme));
         write(QStringLiteral("menu") + suffix, menus(theme, words));
         write(QStringLiteral("window-buttons") + suffix, windowButtons(theme));
         write(QStringLiteral("studio") + suffix, studio(theme, words));
+        ui::dialogs::setThemeSource(nullptr);
     }
     return written ? 0 : 1;
 }

@@ -1,6 +1,6 @@
 #include "diagnostics/window_chrome_probe.h"
 
-#include "ui/theme.h"
+#include "ui/theme_source.h"
 #include "ui/window_border.h"
 #include "ui/window_buttons.h"
 #include "ui/window_chrome.h"
@@ -60,7 +60,8 @@ int runWindowChromeProbe(const QStringList &values)
     window.setWindowTitle(QStringLiteral("Tavrel"));
     window.setMinimumSize(320, 240);
     window.resize(640, 420);
-    const ui::WindowChrome &chrome = *ui::WindowChrome::install(&window, ui::themeFor(QString()), kTitleBar);
+    const ui::ThemeSource themes;
+    const ui::WindowChrome &chrome = *ui::WindowChrome::install(&window, themes, kTitleBar);
     window.show();
     bool all = waitFor([&] { return window.windowHandle()->isExposed(); });
     print("普通", window, chrome);

@@ -1,5 +1,6 @@
 #include "ui/dialog_card.h"
 
+#include "ui/theme_source.h"
 #include "ui/wrapped_label.h"
 
 #include <QAccessible>
@@ -122,9 +123,9 @@ void IconBadge::paintEvent(QPaintEvent *)
     painter.drawText(rect(), Qt::AlignCenter, badgeLetter(m_icon));
 }
 
-DialogCard::DialogCard(const Theme &theme, QWidget *parent)
+DialogCard::DialogCard(const ThemeSource &themes, QWidget *parent)
     : QWidget(parent),
-      m_theme(theme),
+      m_theme(themes.current()),
       m_head(new QWidget(this)),
       m_icon(new IconBadge(m_head)),
       m_title(new WrappedLabel(kTextWidth, m_head)),
@@ -144,7 +145,8 @@ DialogCard::DialogCard(const Theme &theme, QWidget *parent)
         QAccessible::installFactory(accessibleCard);
         return true;
     }();
-    setStyleSheet(cardStyle(theme));
+    setStyleSheet(cardStyle(m_theme));
+    connect(&themes, &ThemeSource::changed, this, &DialogCard::setTheme);
     setFocusPolicy(Qt::ClickFocus);
     m_textArea->setFrameShape(QFrame::NoFrame);
     m_textArea->setFocusPolicy(Qt::NoFocus);
@@ -212,6 +214,16 @@ void DialogCard::fitText()
     const bool scrolls = text.height() > kTextHeight;
     m_textArea->setFixedSize(text.width() + (scrolls ? kScrollRoom : 0),
                              scrolls ? m_text->heightOfWholeLines(kTextHeight) : text.height());
+}
+
+void DialogCard::setTheme(const Theme &theme)
+{
+    m_theme = theme;
+    setStyleSheet(cardStyle(theme));
+    for (qsizetype i = 0; i < m_buttons.size(); ++i)
+        m_buttonWidgets[i]->setStyleSheet(buttonStyle(theme, m_buttons[i].role));
+    if (parentWidget())
+        parentWidget()->update(); // the host paints the shadow
 }
 
 void DialogCard::setContent(QWidget *content)

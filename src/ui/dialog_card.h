@@ -13,8 +13,9 @@ class QScrollArea;
 class QVBoxLayout;
 
 namespace tavrel::ui {
+class ThemeSource;
 class WrappedLabel;
-}
+} // namespace tavrel::ui
 
 namespace tavrel::ui::dialogs {
 
@@ -58,7 +59,7 @@ public:
     static constexpr double kRadius = 14;
     static constexpr int kDismissed = -1; ///< the id when no button stands for the way the dialog ended
 
-    explicit DialogCard(const Theme &theme, QWidget *parent = nullptr);
+    explicit DialogCard(const ThemeSource &themes, QWidget *parent = nullptr);
 
     void setIcon(Icon icon);
     void setTitle(const QString &title);
@@ -88,6 +89,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    void setTheme(const Theme &theme);
     void updateHead();
     void fitText();
     [[nodiscard]] QList<QWidget *> focusStops() const;

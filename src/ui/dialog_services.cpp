@@ -1,7 +1,9 @@
 #include "ui/dialog_services.h"
 
 #include "platform/window_controller.h"
+#include "ui/theme_source.h"
 
+#include <QCoreApplication>
 #include <QEvent>
 
 #include <utility>
@@ -14,7 +16,7 @@ struct Services
     std::shared_ptr<platform::IWindowController> windows;
     std::shared_ptr<IFileDialogHost> fileHost;
     std::function<void(bool)> suspend;
-    QString theme = QStringLiteral("system");
+    const ThemeSource *themes = nullptr;
     int open = 0;
 };
 
@@ -74,9 +76,14 @@ IFileDialogHost *fileDialogHost()
     return services().fileHost.get();
 }
 
-Theme defaultTheme()
+const ThemeSource &themes()
 {
-    return themeFor(services().theme);
+    if (services().themes)
+        return *services().themes;
+    static QPointer<ThemeSource> systems;
+    if (!systems)
+        systems = new ThemeSource(QString(), QCoreApplication::instance());
+    return *systems;
 }
 
 QWidget *ownerWindow(QWidget *parent)
@@ -110,9 +117,9 @@ void setHotkeySuspender(std::function<void(bool)> suspend)
         services().suspend(true);
 }
 
-void setThemeName(const QString &name)
+void setThemeSource(const ThemeSource *themes)
 {
-    services().theme = name;
+    services().themes = themes;
 }
 
 int openDialogCount()

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "ui/theme.h"
-
 #include <QObject>
 #include <QPointer>
 #include <QString>
@@ -13,6 +11,10 @@
 
 namespace tavrel::platform {
 class IWindowController;
+}
+
+namespace tavrel::ui {
+class ThemeSource;
 }
 
 /// What the dialogs of ui/dialogs.h need of the rest of the program, and what they share. GUI thread only.
@@ -46,8 +48,7 @@ void setWindowController(std::shared_ptr<platform::IWindowController> controller
 void setFileDialogHost(std::shared_ptr<IFileDialogHost> host);
 /// Called with true when the first dialog opens and with false when the last one has closed, always in pairs.
 void setHotkeySuspender(std::function<void(bool)> suspend);
-/// The theme setting (system, light, dark) for dialogs that are given none.
-void setThemeName(const QString &name);
+void setThemeSource(const ThemeSource *themes);
 /// Cards and file dialogs that are open or waiting for their turn.
 [[nodiscard]] int openDialogCount();
 
@@ -78,8 +79,8 @@ private:
 
 [[nodiscard]] platform::IWindowController *windowController();
 [[nodiscard]] IFileDialogHost *fileDialogHost();
-/// The theme of dialogs that are given none.
-[[nodiscard]] Theme defaultTheme();
+/// The one that was set, else one that follows the system.
+[[nodiscard]] const ThemeSource &themes();
 
 /// The window that a dialog asked for by `parent` belongs to: visible, not minimised, no menu or tool tip. Null when
 /// there is none.

@@ -6,6 +6,7 @@
 #include "ui/dialog_hosts.h"
 #include "ui/dialog_services.h"
 #include "ui/eyedropper_button.h"
+#include "ui/theme_source.h"
 
 #include <QCoreApplication>
 #include <QHBoxLayout>
@@ -69,10 +70,10 @@ void showCard(QWidget *parent, DialogCard *card, std::function<void(int)> answer
                      });
 }
 
-void message(QWidget *parent, Icon icon, const QString &title, const QString &text, const Theme &theme,
-             std::function<void()> done, QObject *context)
+void message(QWidget *parent, Icon icon, const QString &title, const QString &text, std::function<void()> done,
+             QObject *context)
 {
-    auto *card = new DialogCard(theme);
+    auto *card = new DialogCard(themes());
     card->setIcon(icon);
     card->setTitle(title);
     card->setText(text);
@@ -86,7 +87,7 @@ void message(QWidget *parent, Icon icon, const QString &title, const QString &te
 void confirm(QWidget *parent, Icon icon, const QString &title, const QString &text, const Options &options,
              std::function<void(bool)> answer, QObject *context)
 {
-    auto *card = new DialogCard(options.theme ? *options.theme : defaultTheme());
+    auto *card = new DialogCard(themes());
     card->setIcon(icon);
     card->setTitle(title);
     card->setText(text);
@@ -102,10 +103,10 @@ void confirm(QWidget *parent, Icon icon, const QString &title, const QString &te
     });
 }
 
-void askText(QWidget *parent, const QString &title, const QString &text, const QString &initial, const Theme &theme,
+void askText(QWidget *parent, const QString &title, const QString &text, const QString &initial,
              std::function<void(std::optional<QString>)> answer, QObject *context)
 {
-    auto *card = new DialogCard(theme);
+    auto *card = new DialogCard(themes());
     card->setTitle(title);
     card->setText(text);
     auto *input = new QLineEdit(initial);
@@ -122,8 +123,7 @@ void askText(QWidget *parent, const QString &title, const QString &text, const Q
 
 void pickColor(QWidget *parent, const QColor &initial, std::function<void(const QColor &)> answer, QObject *context)
 {
-    const Theme theme = defaultTheme();
-    auto *card = new DialogCard(theme);
+    auto *card = new DialogCard(themes());
     card->setTitle(label(QT_TRANSLATE_NOOP("Dialogs", "选择颜色")));
     auto *middle = new QWidget;
     auto *line = new QHBoxLayout(middle);
@@ -131,7 +131,8 @@ void pickColor(QWidget *parent, const QColor &initial, std::function<void(const 
     auto *board = new ColorBoard(middle);
     board->show(); // with the rest, once the card is shown
     line->addWidget(board, 0, Qt::AlignHCenter);
-    board->applyTheme(theme);
+    board->applyTheme(themes().current());
+    QObject::connect(&themes(), &ThemeSource::changed, board, &ColorBoard::applyTheme);
     board->setColor(hexOf(initial, initial.alphaF()), false);
     if (auto *dropper = board->findChild<EyedropperButton *>())
         dropper->hide(); // no picture lies below a dialog

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "ui/dialog_card.h"
-#include "ui/theme.h"
 
 #include <QColor>
 #include <QString>
@@ -22,18 +21,17 @@ struct Options
     QString cancelText; ///< empty means the usual label
     bool destructive = false;
     bool cancelDefault = true;
-    std::optional<Theme> theme; ///< empty takes that of setThemeName()
 };
 
 /// An answer is dropped when its `context` has gone; without a context nothing guards it. It comes after the dialog has
 /// left the screen and may delete anything. A dialog that goes down with its closed window answers as Escape would; one
 /// whose window is deleted does not answer.
-void message(QWidget *parent, Icon icon, const QString &title, const QString &text, const Theme &theme,
-             std::function<void()> done, QObject *context = nullptr);
+void message(QWidget *parent, Icon icon, const QString &title, const QString &text, std::function<void()> done,
+             QObject *context = nullptr);
 void confirm(QWidget *parent, Icon icon, const QString &title, const QString &text, const Options &options,
              std::function<void(bool)> answer, QObject *context);
 /// A cancel answers with nothing.
-void askText(QWidget *parent, const QString &title, const QString &text, const QString &initial, const Theme &theme,
+void askText(QWidget *parent, const QString &title, const QString &text, const QString &initial,
              std::function<void(std::optional<QString>)> answer, QObject *context = nullptr);
 
 /// A colour with its opacity, taken from the colour board with its palette; a cancel does not answer.

@@ -2,6 +2,7 @@
 
 #include "platform/window_controller.h"
 #include "ui/dialog_services.h"
+#include "ui/theme_source.h"
 
 #include <QDir>
 #include <QFileDialog>
@@ -153,7 +154,7 @@ void presentQtDialog(const IFileDialogHost::Request &request, const std::functio
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setAttribute(Qt::WA_QuitOnClose, false);
     configure(*dialog, request);
-    applyLook(*dialog, paletteOf(defaultTheme()));
+    applyLook(*dialog, paletteOf(themes().current()));
     const auto chosen = std::make_shared<QStringList>();
     if (owner) {
         new LoweredOwner(owner, dialog);

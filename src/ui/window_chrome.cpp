@@ -2,6 +2,7 @@
 
 #include "platform/window_controller.h"
 #include "ui/dialog_services.h"
+#include "ui/theme_source.h"
 #include "ui/window_border.h"
 #include "ui/window_buttons.h"
 #include "ui/window_grip.h"
@@ -33,9 +34,9 @@ bool wantsPointer(const QWidget *child)
 
 } // namespace
 
-WindowChrome *WindowChrome::install(QWidget *window, const Theme &theme, int titleBarHeight)
+WindowChrome *WindowChrome::install(QWidget *window, const ThemeSource &themes, int titleBarHeight)
 {
-    return new WindowChrome(window, theme, titleBarHeight);
+    return new WindowChrome(window, themes, titleBarHeight);
 }
 
 WindowChrome *WindowChrome::of(const QWidget *window)
@@ -43,24 +44,20 @@ WindowChrome *WindowChrome::of(const QWidget *window)
     return window ? window->findChild<WindowChrome *>(QString(), Qt::FindDirectChildrenOnly) : nullptr;
 }
 
-WindowChrome::WindowChrome(QWidget *window, const Theme &theme, int titleBarHeight)
+WindowChrome::WindowChrome(QWidget *window, const ThemeSource &themes, int titleBarHeight)
     : QObject(window),
       m_window(window),
-      m_border(new WindowBorder(theme, window)),
-      m_buttons(new WindowButtons(theme, window)),
+      m_border(new WindowBorder(themes.current(), window)),
+      m_buttons(new WindowButtons(themes.current(), window)),
       m_titleBarHeight(titleBarHeight)
 {
     window->setWindowFlag(Qt::FramelessWindowHint);
     for (const Qt::Edges edges : kEdges)
         m_grips.append(new WindowGrip(edges, window));
+    connect(&themes, &ThemeSource::changed, m_border, &WindowBorder::setTheme);
+    connect(&themes, &ThemeSource::changed, m_buttons, &WindowButtons::setTheme);
     window->installEventFilter(this);
     layOut();
-}
-
-void WindowChrome::setTheme(const Theme &theme)
-{
-    m_border->setTheme(theme);
-    m_buttons->setTheme(theme);
 }
 
 void WindowChrome::layOut()

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "ui/theme.h"
 #include "ui/window_mover.h"
 
 #include <QList>
@@ -11,6 +10,7 @@ class QMouseEvent;
 
 namespace tavrel::ui {
 
+class ThemeSource;
 class WindowBorder;
 class WindowButtons;
 class WindowGrip;
@@ -28,11 +28,10 @@ class WindowChrome final : public QObject
 public:
     /// Makes the window frameless; to be called before it is first shown.
     /// titleBarHeight  logical pixels
-    static WindowChrome *install(QWidget *window, const Theme &theme, int titleBarHeight);
+    static WindowChrome *install(QWidget *window, const ThemeSource &themes, int titleBarHeight);
     /// The chrome of a window; null when it has none.
     [[nodiscard]] static WindowChrome *of(const QWidget *window);
 
-    void setTheme(const Theme &theme);
     [[nodiscard]] QWidget *window() const { return m_window; }
     [[nodiscard]] WindowBorder *border() const { return m_border; }
     [[nodiscard]] WindowButtons *buttons() const { return m_buttons; }
@@ -50,7 +49,7 @@ public:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    WindowChrome(QWidget *window, const Theme &theme, int titleBarHeight);
+    WindowChrome(QWidget *window, const ThemeSource &themes, int titleBarHeight);
 
     void layOut();
     void restackLater();

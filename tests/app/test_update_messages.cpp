@@ -2,6 +2,7 @@
 #include "platform/unsupported/unsupported_services.h"
 #include "support/test_main.h"
 #include "ui/dialog_hosts.h"
+#include "ui/theme_source.h"
 
 #include <QApplication>
 #include <QPushButton>
@@ -75,8 +76,8 @@ private Q_SLOTS:
     {
         QList<QUrl> opened;
         const auto open = [&opened](const QUrl &page) { opened.append(page); };
-        MessageBoard board(
-            {platform::Unsupported::windowController(), [](QWindow *) {}, [] { return ui::lightTheme(); }});
+        const ui::ThemeSource themes;
+        MessageBoard board({platform::Unsupported::windowController(), [](QWindow *) {}, themes});
         board.show(updateMessage({.outcome = Outcome::Failed, .entry = {}, .problem = u"!"_qs}, open));
         QTRY_COMPARE(shownButtons().size(), 1);
         board.show(updateMessage(newVersion(), open));

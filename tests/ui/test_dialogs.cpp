@@ -5,6 +5,7 @@
 #include "ui/dialog_hosts.h"
 #include "ui/dialog_services.h"
 #include "ui/dialogs.h"
+#include "ui/theme_source.h"
 #include "ui/wrapped_label.h"
 
 #include <QAccessible>
@@ -112,6 +113,7 @@ private Q_SLOTS:
     void longTextsStayInBounds();
     void readableByAssistiveTools();
     void suspenderIsAlwaysPaired();
+    void openDialogsFollowTheTheme();
 
 private:
     void confirm(QWidget *parent, const QString &title, dialogs::Options options = {})
@@ -161,6 +163,35 @@ void TestDialogs::cleanup()
     dialogs::setWindowController(nullptr);
 }
 
+/// Sheets and floats, with their hosts, buttons and fields, while they are open.
+void TestDialogs::openDialogsFollowTheTheme()
+{
+    ThemeSource themes(QStringLiteral("light"));
+    dialogs::setThemeSource(&themes);
+    const auto look = [](QWidget *window) { return window->grab().toImage(); };
+    QList<QImage> shown;
+    for (const auto &setting : {QStringLiteral("light"), QStringLiteral("dark")}) {
+        themes.setSetting(setting);
+        dialogs::askText(m_window.get(), QStringLiteral("a"), QStringLiteral("b"), {}, {});
+        dialogs::confirm(nullptr, Icon::None, QStringLiteral("a"), {}, {}, {}, nullptr);
+        QTRY_VERIFY(floating());
+        floating()->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(floating()));
+        shown += {look(m_window.get()), look(floating())};
+        if (setting == u"light") {
+            themes.setSetting(QStringLiteral("dark"));
+            QCoreApplication::processEvents();
+            shown += {look(m_window.get()), look(floating())};
+        }
+        floating()->close();
+        m_window->findChild<DialogCard *>()->dismiss();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    dialogs::setThemeSource(nullptr);
+    QVERIFY(shown[0] != shown[2] && shown[1] != shown[3]);
+    QVERIFY(shown[2] == shown[4] && shown[3] == shown[5]);
+}
+
 void TestDialogs::confirmsOfOneWindowTakeTurns()
 {
     QWidget other;
@@ -206,7 +237,7 @@ void TestDialogs::keysEndACard()
     QFETCH(QList<dialogs::ButtonSpec>, buttons);
     QFETCH(Qt::Key, key);
     QFETCH(int, id);
-    auto *card = new DialogCard(lightTheme());
+    auto *card = new DialogCard(dialogs::themes());
     card->setButtons({{QStringLiteral("replaced"), dialogs::ButtonSpec::Primary, true, 99}});
     card->setButtons(buttons);
     int ended = -100;
@@ -275,7 +306,7 @@ void TestDialogs::askTextAnswersTextOrNothing()
     QFETCH(std::optional<QString>, answer);
     std::optional<QString> got = QStringLiteral("no answer yet");
     dialogs::askText(m_window.get(), QStringLiteral("Rename"), QStringLiteral("text"), QStringLiteral("old"),
-                     lightTheme(), [&](const std::optional<QString> &text) { got = text; });
+                     [&](const std::optional<QString> &text) { got = text; });
     auto *input = m_window->findChild<QLineEdit *>(QStringLiteral("dlgInput"));
     QVERIFY(input && input->hasFocus());
     QTest::keyClicks(input, typed);
@@ -353,7 +384,7 @@ void TestDialogs::theDialogIsGoneWhenItAnswers()
 {
     for (QWidget *parent : {m_window.get(), static_cast<QWidget *>(nullptr)}) {
         bool answered = false;
-        dialogs::message(parent, Icon::Information, QStringLiteral("a"), {}, darkTheme(), [&] {
+        dialogs::message(parent, Icon::Information, QStringLiteral("a"), {}, [&] {
             answered = true;
             QVERIFY(!shownCard(*m_window) && !floating());
             QCOMPARE(dialogs::openDialogCount(), 0);
@@ -369,7 +400,7 @@ void TestDialogs::anAnswerMayAskAgainOrDeleteTheWindow()
 {
     QStringList order;
     const auto ask = [&](const QString &title, std::function<void()> then) {
-        dialogs::message(m_window.get(), Icon::None, title, {}, lightTheme(), [&order, title, then] {
+        dialogs::message(m_window.get(), Icon::None, title, {}, [&order, title, then] {
             order.append(title);
             then();
         });
@@ -497,7 +528,7 @@ void TestDialogs::aFloatClosedFromOutsideCancels()
     floating()->close();
     QCOMPARE(m_answers, (QStringList{QStringLiteral("a no")}));
     // A card that Escape does not end answers with no button's id.
-    auto *card = new DialogCard(lightTheme());
+    auto *card = new DialogCard(dialogs::themes());
     card->setButtons({{QStringLiteral("one"), dialogs::ButtonSpec::Primary, true, 1},
                       {QStringLiteral("two"), dialogs::ButtonSpec::Primary, false, 2}});
     int ended = 0;
@@ -540,7 +571,7 @@ void TestDialogs::focusStaysInTheCardAndComesBack()
     before.show();
     after.show();
     before.setFocus();
-    dialogs::askText(m_window.get(), QStringLiteral("a"), {}, {}, lightTheme(), {});
+    dialogs::askText(m_window.get(), QStringLiteral("a"), {}, {}, {});
     const DialogCard *card = shownCard(*m_window);
     QList<QWidget *> visited;
     for (int i = 0; i < 4; ++i) {
@@ -591,7 +622,7 @@ void TestDialogs::theSheetFollowsItsWindow()
 
 void TestDialogs::longTextsStayInBounds()
 {
-    DialogCard card(lightTheme());
+    DialogCard card(dialogs::themes());
     card.setIcon(Icon::Error);
     card.setTitle(QStringLiteral("title"));
     card.setButtons({{QStringLiteral("ok"), dialogs::ButtonSpec::Primary, true, 1}});
@@ -632,7 +663,7 @@ void TestDialogs::readableByAssistiveTools()
     QCOMPARE(buttons, (QStringList{QStringLiteral("取消"), QStringLiteral("确定")}));
     press(shownCard(*m_window), Qt::Key_Escape);
 
-    dialogs::askText(m_window.get(), QStringLiteral("Rename"), {}, {}, lightTheme(), {});
+    dialogs::askText(m_window.get(), QStringLiteral("Rename"), {}, {}, {});
     auto *input = QAccessible::queryAccessibleInterface(m_window->findChild<QLineEdit *>());
     QCOMPARE(input->role(), QAccessible::EditableText);
     QCOMPARE(input->text(QAccessible::Name), QStringLiteral("Rename"));

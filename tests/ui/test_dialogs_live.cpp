@@ -49,7 +49,7 @@ void TestDialogsLive::aFloatTakesTheKeyboard()
     QVERIFY(QTest::qWaitForWindowActive(&window));
 
     std::optional<QString> answer;
-    dialogs::askText(nullptr, QStringLiteral("Rename"), {}, QStringLiteral("old"), darkTheme(),
+    dialogs::askText(nullptr, QStringLiteral("Rename"), {}, QStringLiteral("old"),
                      [&](const std::optional<QString> &text) { answer = text; });
     QTRY_VERIFY(qobject_cast<dialogs::FloatingDialog *>(QApplication::activeWindow()));
     type({QStringLiteral("type"), QStringLiteral("new name")});
@@ -58,7 +58,7 @@ void TestDialogsLive::aFloatTakesTheKeyboard()
     QTRY_VERIFY(window.isActiveWindow());
 
     int answers = 0;
-    dialogs::message(&window, Icon::Information, QStringLiteral("Done"), {}, lightTheme(), [&] { ++answers; });
+    dialogs::message(&window, Icon::Information, QStringLiteral("Done"), {}, [&] { ++answers; });
     type({QStringLiteral("key"), QStringLiteral("Escape")});
     QTRY_COMPARE(answers, 1);
 }

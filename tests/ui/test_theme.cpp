@@ -3,6 +3,7 @@
 #include "ui/paint_helpers.h"
 #include "ui/system_color_scheme.h"
 #include "ui/theme.h"
+#include "ui/theme_source.h"
 
 #include <QDBusConnection>
 #include <QDBusVariant>
@@ -82,6 +83,11 @@ void TestTheme::theSystemDecidesForAnyOtherName()
     SystemColorScheme &system = SystemColorScheme::shared();
     QSignalSpy changes(&system, &SystemColorScheme::changed);
     QVERIFY(!themeFor(QStringLiteral("system")).dark);
+    ThemeSource followed;
+    ThemeSource fixed(QStringLiteral("light"));
+    QList<bool> told; // whether it is dark now
+    connect(&followed, &ThemeSource::changed, this, [&told](const Theme &theme) { told.append(theme.dark); });
+    QSignalSpy fixedTold(&fixed, &ThemeSource::changed);
 
     palette.setColor(QPalette::Window, QColor(30, 30, 30));
     palette.setColor(QPalette::WindowText, Qt::white);
@@ -90,6 +96,17 @@ void TestTheme::theSystemDecidesForAnyOtherName()
     QCOMPARE(themeFor(QStringLiteral("system")), darkTheme());
     QCOMPARE(themeFor(QStringLiteral("no such theme")), darkTheme());
     QCOMPARE(themeFor(QStringLiteral("light")), lightTheme());
+
+    QTRY_COMPARE(told, QList<bool>{true});
+    QCOMPARE(followed.current(), darkTheme());
+    QCOMPARE(fixedTold.size(), 0);
+    followed.setSetting(QStringLiteral("dark")); // which it is
+    QCOMPARE(told.size(), 1);
+    followed.setSetting(QStringLiteral("light"));
+    QCOMPARE(told, QList<bool>({true, false}));
+    fixed.setSetting(QStringLiteral("system"));
+    QCOMPARE(fixedTold.size(), 1);
+    QCOMPARE(fixed.current(), darkTheme());
 }
 
 void TestTheme::thePortalGoesBeforeThePalette()

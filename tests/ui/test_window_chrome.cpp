@@ -2,6 +2,7 @@
 
 #include "ui/dialog_hosts.h"
 #include "ui/dialogs.h"
+#include "ui/theme_source.h"
 #include "ui/window_border.h"
 #include "ui/window_buttons.h"
 #include "ui/window_chrome.h"
@@ -67,6 +68,7 @@ private Q_SLOTS:
     void closingMayDeleteTheWindow();
 
 private:
+    ThemeSource m_themes{QStringLiteral("light")};
     std::unique_ptr<QWidget> m_window;
     WindowChrome *m_chrome = nullptr;
 };
@@ -76,7 +78,7 @@ void TestWindowChrome::init()
     QTest::failOnWarning(QRegularExpression(QStringLiteral("^(?!This plugin does not support)")));
     m_window = std::make_unique<QWidget>();
     m_window->setGeometry(100, 100, 600, 400);
-    m_chrome = WindowChrome::install(m_window.get(), lightTheme(), kTitle);
+    m_chrome = WindowChrome::install(m_window.get(), m_themes, kTitle);
     m_window->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
     QCoreApplication::processEvents();
@@ -102,7 +104,7 @@ void TestWindowChrome::partsFollowTheWindow()
                 m_window->childAt(QPoint(700 - 20, 26)) == control(*m_window, "windowClose"));
 
     QWidget low;
-    WindowChrome *chrome = WindowChrome::install(&low, lightTheme(), 20); // lower than the buttons
+    WindowChrome *chrome = WindowChrome::install(&low, m_themes, 20); // lower than the buttons
     low.resize(300, 100);
     low.show();
     QTRY_COMPARE(chrome->buttons()->y(), 0);
@@ -260,7 +262,7 @@ void TestWindowChrome::resizedKeepsLimitsAndTheOtherEdges()
 
 void TestWindowChrome::sheetLeavesSizeAndPlaceToTheUser()
 {
-    dialogs::message(m_window.get(), dialogs::Icon::Information, QStringLiteral("a"), {}, lightTheme(), {});
+    dialogs::message(m_window.get(), dialogs::Icon::Information, QStringLiteral("a"), {}, {});
     QCoreApplication::processEvents();
     QVERIFY(qobject_cast<WindowGrip *>(m_window->childAt(0, 200)));
     QVERIFY(qobject_cast<dialogs::DialogSheet *>(m_window->childAt(m_window->width() - 20, 26))); // not the buttons
@@ -275,7 +277,7 @@ void TestWindowChrome::aFixedSizeStays()
 {
     QWidget fixed;
     fixed.setFixedSize(300, 200);
-    WindowChrome::install(&fixed, darkTheme(), 40);
+    WindowChrome::install(&fixed, m_themes, 40);
     fixed.show();
     QVERIFY(QTest::qWaitForWindowExposed(&fixed));
     QVERIFY(!qobject_cast<WindowGrip *>(fixed.childAt(0, 100)));
@@ -290,7 +292,7 @@ void TestWindowChrome::closingMayDeleteTheWindow()
     auto *window = new QWidget;
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->resize(300, 200);
-    const QPointer<WindowChrome> chrome = WindowChrome::install(window, lightTheme(), 40);
+    const QPointer<WindowChrome> chrome = WindowChrome::install(window, m_themes, 40);
     window->show();
     QTest::mouseClick(control(*window, "windowClose"), Qt::LeftButton);
     QTRY_VERIFY(!chrome);

@@ -1,5 +1,6 @@
 #include "support/test_main.h"
 
+#include "ui/theme_source.h"
 #include "ui/window_border.h"
 #include "ui/window_buttons.h"
 #include "ui/window_chrome.h"
@@ -92,6 +93,7 @@ private:
     bool isWith(const QPoint &point, const QRect &wanted);
 
     QSet<int> m_seen; ///< types of the events that the program has got
+    ThemeSource m_themes{QStringLiteral("light")};
     std::unique_ptr<QWidget> m_window;
     WindowChrome *m_chrome = nullptr;
 };
@@ -101,7 +103,7 @@ void TestWindowChromeLive::init()
     m_window = std::make_unique<QWidget>();
     m_window->setMinimumSize(kLeast);
     m_window->setGeometry(kStart);
-    m_chrome = WindowChrome::install(m_window.get(), lightTheme(), kTitle);
+    m_chrome = WindowChrome::install(m_window.get(), m_themes, kTitle);
     qApp->installEventFilter(this);
     m_window->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
