@@ -12,13 +12,14 @@ set(TAVREL_ARROWS
   "platform/synthetic|base settings platform"
   "platform/unsupported|base settings platform"
   "platform/linux|base settings platform platform/unsupported"
+  "net|base"
   "process|base settings platform"
   "annotate|base"
   "ui|base settings platform annotate"
   "output|base settings"
   "overlay|base settings platform annotate record ui"
   "diagnostics|base settings platform platform/synthetic platform/unsupported process annotate ui overlay"
-  "app|base settings platform platform/synthetic process annotate ui output overlay record diagnostics")
+  "app|base settings platform platform/synthetic net process annotate ui output overlay record diagnostics")
 
 function(tavrel_allowed folder out)
   foreach(row IN LISTS TAVREL_ARROWS)

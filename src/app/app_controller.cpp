@@ -1,9 +1,9 @@
 #include "app/app_controller.h"
 
+#include "app/feed_updater.h"
 #include "app/update_messages.h"
 #include "app/update_source.h"
 #include "overlay/capture_overlay.h"
-#include "platform/feed_updater.h"
 #include "settings/settings_store.h"
 #include "ui/color_library.h"
 #include "ui/dialog_services.h"
@@ -106,15 +106,15 @@ void AppController::start()
 
 std::unique_ptr<platform::IUpdater> AppController::makeUpdater()
 {
-    platform::FeedUpdater::Options options;
+    FeedUpdater::Options options;
     options.config = updateSource();
     options.buildNumber = buildNumber();
-    options.present = [this](const platform::UpdateReport &report) { showUpdate(report); };
+    options.present = [this](const UpdateReport &report) { showUpdate(report); };
     options.lookUp = m_services.lookUpHost;
-    return std::make_unique<platform::FeedUpdater>(std::move(options));
+    return std::make_unique<FeedUpdater>(std::move(options));
 }
 
-void AppController::showUpdate(const platform::UpdateReport &report)
+void AppController::showUpdate(const UpdateReport &report)
 {
     if (report.isAsked)
         m_messages.show(updateMessage(report, [this](const QUrl &page) { openPage(page); }));

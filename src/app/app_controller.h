@@ -25,10 +25,7 @@ class QWindow;
 namespace tavrel {
 
 class SettingsStore;
-
-namespace platform {
 struct UpdateReport;
-}
 
 /// Owns the running program: services, roles and windows, and how they come up and go down. Each role is a class of
 /// its own; this one only joins them. GUI thread only.
@@ -71,7 +68,7 @@ public:
 private:
     void applySettings();
     void storePalette();
-    void showUpdate(const platform::UpdateReport &report);
+    void showUpdate(const UpdateReport &report);
     void openPage(const QUrl &page);
     [[nodiscard]] std::unique_ptr<platform::IUpdater> makeUpdater();
     void setCommands();

@@ -5,7 +5,7 @@
 namespace tavrel {
 namespace {
 
-using Outcome = platform::UpdateReport::Outcome;
+using Outcome = UpdateReport::Outcome;
 
 QString text(const char *source)
 {
@@ -26,7 +26,7 @@ QString describe(const platform::UpdateEntry &entry)
 
 } // namespace
 
-MessageBoard::Message updateMessage(const platform::UpdateReport &report, std::function<void(const QUrl &)> openPage)
+MessageBoard::Message updateMessage(const UpdateReport &report, std::function<void(const QUrl &)> openPage)
 {
     MessageBoard::Message message{.topic = QStringLiteral("update"), .title = {}, .text = {}};
     switch (report.outcome) {

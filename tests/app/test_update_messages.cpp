@@ -8,11 +8,11 @@
 #include <QPushButton>
 
 using namespace tavrel;
-using Outcome = platform::UpdateReport::Outcome;
+using Outcome = UpdateReport::Outcome;
 
 namespace {
 
-platform::UpdateReport newVersion()
+UpdateReport newVersion()
 {
     return {.outcome = Outcome::NewVersion,
             .entry = {.build = 200,
@@ -56,7 +56,7 @@ private Q_SLOTS:
         message.answer(true);
         QCOMPARE(opened, QList{QUrl(u"https://example.org/get"_qs)});
 
-        platform::UpdateReport bare = newVersion();
+        UpdateReport bare = newVersion();
         bare.entry.page.clear();
         bare.entry.published = {};
         bare.entry.notes.clear();

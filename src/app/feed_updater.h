@@ -3,7 +3,6 @@
 #include "platform/update_feed.h"
 #include "platform/updater.h"
 
-#include <QPointer>
 #include <QTimer>
 
 #include <chrono>
@@ -11,19 +10,21 @@
 #include <memory>
 #include <optional>
 
-class QNetworkAccessManager;
-class QNetworkReply;
+namespace tavrel {
 
-namespace tavrel::platform {
+namespace net {
+class BoundedFetch;
+struct FetchResult;
+} // namespace net
 
 /// What a check has to tell the user.
 struct UpdateReport
 {
     enum class Outcome { NewVersion, UpToDate, Failed };
     Outcome outcome = Outcome::Failed;
-    UpdateEntry entry;   ///< the new version
-    QString problem;     ///< a sentence for the user
-    bool isAsked = true; ///< false when the program looked by itself: nobody waits for the answer
+    platform::UpdateEntry entry; ///< the new version
+    QString problem;             ///< a sentence for the user
+    bool isAsked = true;         ///< false when the program looked by itself: nobody waits for the answer
 };
 
 /// Looks for new versions in a signed feed, and leaves it to the user to install them.
@@ -32,14 +33,14 @@ struct UpdateReport
 /// check that reached the server is remembered, so that there is one a day; one that did not is tried again within the
 /// hour. Nothing is presented while the program is busy (setCanShutdown(false)), and no automatic check begins then.
 /// Never asks for a shutdown. GUI thread only; nothing here blocks.
-class FeedUpdater final : public IUpdater
+class FeedUpdater final : public platform::IUpdater
 {
     Q_OBJECT
 
 public:
     struct Options
     {
-        UpdateConfig config;
+        platform::UpdateConfig config;
         qint64 buildNumber = 0; ///< of this program
         /// Shows a report. An automatic check reports new versions only.
         std::function<void(const UpdateReport &)> present;
@@ -65,40 +66,21 @@ public:
     void setCanShutdown(bool can) override;
 
 private:
-    /// What becomes of a body that is being read.
-    struct Step
-    {
-        void (FeedUpdater::*received)(const QByteArray &body);
-        qint64 maxBytes;
-        int redirects; ///< that may still follow
-    };
-
     void look();
     void start(bool isInteractive);
-    void fetch(const QUrl &url, const Step &step);
-    void send(const QUrl &url, const Step &step);
-    void onFinished(const Step &step);
-    void follow(const QUrl &from, const QUrl &to, Step step);
-    void refuse(int status, const Step &step);
-    void takeFeed(const QByteArray &body);
-    void takeSignature(const QByteArray &body);
+    void takeFeed(const net::FetchResult &feed);
+    void takeSignature(const QByteArray &feed, const net::FetchResult &signature);
     void fail(const QString &problem);
     void finish(const UpdateReport &report);
     void deliver();
 
     Options m_options;
-    std::unique_ptr<QNetworkAccessManager> m_network; ///< made by the first check
-    QPointer<QNetworkReply> m_reply;
-    QByteArray m_feed; ///< while its signature is on the way
-    QString m_knownHost;
+    std::unique_ptr<net::BoundedFetch> m_fetch; ///< made by the first check
     std::optional<UpdateReport> m_held;
-    QTimer m_deadline;
     QTimer m_looks;
-    int m_checks = 0; ///< begun so far
     bool m_isRunning = false;
     bool m_isInteractive = false;
-    bool m_isReached = false; ///< the server has answered in this check
     bool m_canShutdown = true;
 };
 
-} // namespace tavrel::platform
+} // namespace tavrel
