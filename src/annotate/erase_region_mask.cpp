@@ -194,6 +194,30 @@ PixelBuffer predict(const PixelBuffer &buffer, const QRect &box, const Ring &rin
     return predicted;
 }
 
+/// 255 where the picture is farther than `threshold` from what is expected there.
+std::vector<std::uint8_t> differences(const PixelBuffer &buffer, const PixelBuffer &background, int threshold)
+{
+    std::vector<std::uint8_t> differs;
+    differs.reserve(static_cast<std::size_t>(buffer.width) * static_cast<std::size_t>(buffer.height));
+    for (int y = 0; y < buffer.height; ++y) {
+        for (int x = 0; x < buffer.width; ++x)
+            differs.push_back(distance(buffer.at(x, y), background.at(x, y)) > threshold ? 255 : 0);
+    }
+    return differs;
+}
+
+/// Takes the background for what strays from it outside the mask.
+void cleanOutside(PixelBuffer &buffer, const Mask &mask, const PixelBuffer &background)
+{
+    for (int y = 0; y < buffer.height; ++y) {
+        for (int x = 0; x < buffer.width; ++x) {
+            const Rgb expected = background.at(x, y);
+            if (!mask.has(x, y) && distance(buffer.at(x, y), expected) > kCleanDifference)
+                buffer.set(x, y, expected);
+        }
+    }
+}
+
 /// Follows the object from the mask over the edge of the box.
 void grow(Mask &mask, const QRect &limits, const std::vector<std::uint8_t> &differs)
 {
@@ -250,11 +274,7 @@ Mask buildRegionMask(const PixelBuffer &buffer, const QRect &wanted, RegionMaskS
     found.threshold = std::clamp(static_cast<int>(std::lround(2.0 * found.noise)), kLowestThreshold, kHighestThreshold);
     const PixelBuffer background = predict(buffer, box, ring);
 
-    std::vector<std::uint8_t> differs(mask.bytes.size());
-    for (int y = 0; y < buffer.height; ++y) {
-        for (int x = 0; x < buffer.width; ++x)
-            differs[mask.index(x, y)] = distance(buffer.at(x, y), background.at(x, y)) > found.threshold ? 255 : 0;
-    }
+    const std::vector<std::uint8_t> differs = differences(buffer, background, found.threshold);
     for (int y = box.top(); y <= box.bottom(); ++y) {
         const auto from = differs.begin() + static_cast<std::ptrdiff_t>(mask.index(box.left(), y));
         const auto to = mask.bytes.begin() + static_cast<std::ptrdiff_t>(mask.index(box.left(), y));
@@ -272,15 +292,8 @@ Mask buildRegionMask(const PixelBuffer &buffer, const QRect &wanted, RegionMaskS
     grow(mask, limits, differs);
     found.maskPixels = mask.count();
 
-    if (cleaned) {
-        for (int y = 0; y < buffer.height; ++y) {
-            for (int x = 0; x < buffer.width; ++x) {
-                const Rgb expected = background.at(x, y);
-                if (!mask.has(x, y) && distance(buffer.at(x, y), expected) > kCleanDifference)
-                    cleaned->set(x, y, expected);
-            }
-        }
-    }
+    if (cleaned)
+        cleanOutside(*cleaned, mask, background);
     if (stats)
         *stats = found;
     if (predicted)

@@ -202,13 +202,69 @@ void StrokeLayer::merge(Tiles &tiles, const QImage &drawn, const QRect &area, co
     }
 }
 
+/// Puts tiles on a painter in the colour or texture of a brush.
+class StrokeLayer::TilePainter final
+{
+public:
+    /// device  of the painter, which is set to the layer's pixels
+    /// base    where the layer's origin lies on the device
+    TilePainter(QPainter &painter, const QTransform &device, const QPoint &base, const QBrush &brush,
+                const ShapeRenderContext &context)
+        : m_painter(painter),
+          m_toDevice(device * QTransform::fromTranslate(-base.x(), -base.y())),
+          m_toUnits(QTransform::fromTranslate(base.x(), base.y()) * device.inverted()),
+          m_brush(brush),
+          m_context(context)
+    {
+        const QColor color = brush.color();
+        for (int i = 0; i < 256; ++i) {
+            const auto alpha = static_cast<int>(std::lround(color.alpha() * i / 255.0));
+            m_shades[static_cast<std::size_t>(i)] =
+                qPremultiply(qRgba(color.red(), color.green(), color.blue(), alpha));
+        }
+        painter.setWorldTransform(m_toUnits * painter.worldTransform());
+    }
+
+    void put(const QPoint &at, const Tile &tile)
+    {
+        const QRect area(at * kSide, QSize(kSide, kSide));
+        if (!m_context.isExposed(m_toUnits.mapRect(QRectF(area))))
+            return;
+        const bool isTexture = m_brush.style() == Qt::TexturePattern;
+        if (isTexture)
+            fill(area);
+        for (int y = 0; y < kSide; ++y) {
+            auto *to = reinterpret_cast<QRgb *>(m_shaded.scanLine(y));
+            const uchar *coverage = tile.coverage.data() + static_cast<std::size_t>(y * kSide);
+            for (int x = 0; x < kSide; ++x)
+                to[x] = isTexture ? fadedPixel(to[x], coverage[x]) : m_shades[coverage[x]];
+        }
+        m_painter.drawImage(area.topLeft(), m_shaded);
+    }
+
+private:
+    void fill(const QRect &area)
+    {
+        QPainter texture(&m_shaded);
+        texture.setCompositionMode(QPainter::CompositionMode_Source);
+        texture.setTransform(m_toDevice * QTransform::fromTranslate(-area.x(), -area.y()));
+        texture.fillRect(m_toUnits.mapRect(QRectF(area)).adjusted(-1, -1, 1, 1), m_brush);
+    }
+
+    QPainter &m_painter;
+    const QTransform m_toDevice;
+    const QTransform m_toUnits;
+    const QBrush m_brush;
+    const ShapeRenderContext &m_context;
+    std::array<QRgb, 256> m_shades{};
+    QImage m_shaded{kSide, kSide, QImage::Format_ARGB32_Premultiplied};
+};
+
 void StrokeLayer::paint(QPainter &painter, const QList<QPointF> &points, double width, const QBrush &brush,
                         const ShapeRenderContext &context)
 {
     if (points.size() < 2 || brush.style() == Qt::NoBrush)
         return;
-    const QColor color = brush.color();
-    const bool isTexture = brush.style() == Qt::TexturePattern;
     const QTransform device = painter.deviceTransform();
     const double scale = device.m11();
     const bool isPlain = device.type() <= QTransform::TxScale && scale > 0 && qFuzzyCompare(scale, device.m22());
@@ -235,39 +291,14 @@ void StrokeLayer::paint(QPainter &painter, const QList<QPointF> &points, double 
     Tiles tail = tilesUnder(rest);
     draw(tail, rest);
 
-    std::array<QRgb, 256> shades;
-    for (int i = 0; i < 256; ++i) {
-        const auto alpha = static_cast<int>(std::lround(color.alpha() * i / 255.0));
-        shades[static_cast<std::size_t>(i)] = qPremultiply(qRgba(color.red(), color.green(), color.blue(), alpha));
-    }
-    QImage shaded(kSide, kSide, QImage::Format_ARGB32_Premultiplied);
-    const QTransform toUnits = QTransform::fromTranslate(base.x(), base.y()) * device.inverted();
     painter.save();
-    painter.setWorldTransform(toUnits * painter.worldTransform());
-    const auto put = [&](const QPoint &at, const Tile &tile) {
-        const QRect area(at * kSide, QSize(kSide, kSide));
-        if (!context.isExposed(toUnits.mapRect(QRectF(area))))
-            return;
-        if (isTexture) {
-            QPainter texture(&shaded);
-            texture.setCompositionMode(QPainter::CompositionMode_Source);
-            texture.setTransform(device * QTransform::fromTranslate(-base.x() - area.x(), -base.y() - area.y()));
-            texture.fillRect(toUnits.mapRect(QRectF(area)).adjusted(-1, -1, 1, 1), brush);
-        }
-        for (int y = 0; y < kSide; ++y) {
-            auto *to = reinterpret_cast<QRgb *>(shaded.scanLine(y));
-            const auto row = static_cast<std::size_t>(y * kSide);
-            for (std::size_t x = 0; x < kSide; ++x)
-                to[x] = isTexture ? fadedPixel(to[x], tile.coverage[row + x]) : shades[tile.coverage[row + x]];
-        }
-        painter.drawImage(area.topLeft(), shaded);
-    };
+    TilePainter tiles(painter, device, base, brush, context);
     for (auto it = m_tiles.cbegin(); it != m_tiles.cend(); ++it) {
         if (!tail.contains(it.key()))
-            put(it.key(), *it.value());
+            tiles.put(it.key(), *it.value());
     }
     for (auto it = tail.cbegin(); it != tail.cend(); ++it)
-        put(it.key(), *it.value());
+        tiles.put(it.key(), *it.value());
     painter.restore();
 }
 

@@ -46,6 +46,7 @@ private:
     {
         std::array<uchar, static_cast<std::size_t>(kSide *kSide)> coverage{};
     };
+    class TilePainter;
     using Tiles = QHash<QPoint, std::shared_ptr<Tile>>;
     struct Look
     {

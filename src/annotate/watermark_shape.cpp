@@ -61,6 +61,37 @@ QString expandGroup(QStringView group, const QDateTime &time)
     return out;
 }
 
+/// Tilted rows over all of `area`, every other one shifted by half a step. The painter keeps the tilt.
+void paintTiled(QPainter &painter, const TextStamp &text, const QRectF &area, double fontSize)
+{
+    const QRectF box = text.box();
+    const double reach = std::hypot(area.width(), area.height()) / 2;
+    const double stepX = box.width() + std::max(fontSize * 3.0, box.width() * 0.6);
+    const double stepY = box.height() + fontSize * 3.2;
+    painter.translate(area.center());
+    painter.rotate(kTilt);
+    const QRectF visible = painter.clipBoundingRect();
+    int count = 0;
+    int row = 0;
+    for (double y = -reach; y <= reach && count < kMostTexts; y += stepY, ++row) {
+        for (double x = -reach - stepX + (row % 2) * stepX / 2; x <= reach && count < kMostTexts; x += stepX, ++count)
+            text.draw(painter, QPointF(x, y) - box.topLeft(), visible);
+    }
+}
+
+/// The top left of a single text of some size.
+QPointF cornerOf(const QString &mode, const QSizeF &size, const QRectF &area, double fontSize)
+{
+    const double margin = std::max(fontSize * 0.6, 8.0);
+    const bool isCorner = mode == u"tl" || mode == u"bl" || mode == u"tr" || mode == u"br";
+    QPointF at = area.center() - QPointF(size.width(), size.height()) / 2;
+    if (isCorner)
+        at.setX(mode.endsWith(u'l') ? area.left() + margin : area.right() - margin - size.width());
+    if (isCorner || mode == u"tc" || mode == u"bc")
+        at.setY(mode.startsWith(u't') ? area.top() + margin : area.bottom() - margin - size.height());
+    return at;
+}
+
 } // namespace
 
 WatermarkShape::WatermarkShape() : BaseShape(ToolType::Watermark), stamp(QDateTime::currentMSecsSinceEpoch())
@@ -107,29 +138,10 @@ void WatermarkShape::paint(QPainter &painter, const ShapeRenderContext &context)
     painter.setClipRect(area, Qt::IntersectClip);
     painter.setFont(font);
     painter.setPen(ink);
-    if (mode == u"tile") {
-        const double d = std::hypot(area.width(), area.height()) / 2;
-        const double stepX = box.width() + std::max(size * 3.0, box.width() * 0.6);
-        const double stepY = box.height() + size * 3.2;
-        painter.translate(area.center());
-        painter.rotate(kTilt);
-        const QRectF visible = painter.clipBoundingRect();
-        int count = 0;
-        int row = 0;
-        for (double y = -d; y <= d && count < kMostTexts; y += stepY, ++row) {
-            for (double x = -d - stepX + (row % 2) * stepX / 2; x <= d && count < kMostTexts; x += stepX, ++count)
-                m_stamp.draw(painter, QPointF(x, y) - box.topLeft(), visible);
-        }
-    } else {
-        const double margin = std::max(size * 0.6, 8.0);
-        const bool isCorner = mode == u"tl" || mode == u"bl" || mode == u"tr" || mode == u"br";
-        QPointF at = area.center() - QPointF(box.width(), box.height()) / 2;
-        if (isCorner)
-            at.setX(mode.endsWith(u'l') ? area.left() + margin : area.right() - margin - box.width());
-        if (isCorner || mode == u"tc" || mode == u"bc")
-            at.setY(mode.startsWith(u't') ? area.top() + margin : area.bottom() - margin - box.height());
-        m_stamp.draw(painter, at - box.topLeft(), painter.clipBoundingRect());
-    }
+    if (mode == u"tile")
+        paintTiled(painter, m_stamp, area, size);
+    else
+        m_stamp.draw(painter, cornerOf(mode, box.size(), area, size) - box.topLeft(), painter.clipBoundingRect());
     painter.restore();
 }
 
