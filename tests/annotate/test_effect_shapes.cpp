@@ -65,44 +65,19 @@ private Q_SLOTS:
         QCOMPARE(qRed(means.pixel(4, 0)), 40);
     }
 
-    /// Three rounds of plain means, rounded to nearest, with the edge repeated; along a line and across one.
+    /// Three rounds of plain means along and across, rounded to nearest, with the edge repeated. Of sizes that are no
+    /// multiple of what is worked on at once, where lines and bands meet.
     void blurIsThreeRoundsOfMeans()
     {
-        for (const int radius : {1, 2, 127, 128, 900}) {
-            const QImage image = noise({300, 1});
-            QList<int> values;
-            for (int x = 0; x < image.width(); ++x)
-                values.append(qGreen(image.pixel(x, 0)));
-            for (int round = 0; round < 3; ++round) {
-                QList<int> means;
-                for (int x = 0; x < values.size(); ++x) {
-                    qint64 sum = radius; // half of the width
-                    for (int i = x - radius; i <= x + radius; ++i)
-                        sum += values[std::clamp(i, 0, static_cast<int>(values.size()) - 1)];
-                    means.append(static_cast<int>(sum / (2 * radius + 1)));
-                }
-                values = means;
-            }
-            const QImage along = boxBlur(image, radius);
-            const QImage across = boxBlur(image.transformed(QTransform().rotate(90)), radius);
-            for (int x = 0; x < values.size(); ++x) {
-                QCOMPARE(qGreen(along.pixel(x, 0)), values[x]);
-                QCOMPARE(qGreen(across.pixel(0, x)), values[x]);
-            }
-        }
-    }
-
-    /// Also where several lines and bands meet: sizes that are no multiple of what is worked on at once.
-    void blurRunsAlongAndAcrossInTurns()
-    {
-        for (const int radius : {1, 9, 127, 140}) {
-            const QImage image = noise({21, 230});
+        for (const auto &[size, radius] : QList<QPair<QSize, int>>{
+                 {{21, 230}, 1}, {{21, 230}, 9}, {{21, 230}, 127}, {{21, 230}, 140}, {{300, 1}, 2}, {{300, 1}, 900}}) {
+            const QImage image = noise(size);
             QImage expected = image;
-            const auto mean = [&](bool isAlong) {
+            const auto mean = [&expected, radius = radius](bool isAlong) {
                 const QImage from = expected;
                 for (int y = 0; y < from.height(); ++y) {
                     for (int x = 0; x < from.width(); ++x) {
-                        int sum = radius;
+                        int sum = radius; // half of the width
                         for (int i = -radius; i <= radius; ++i) {
                             const int fromX = isAlong ? std::clamp(x + i, 0, from.width() - 1) : x;
                             const int fromY = isAlong ? y : std::clamp(y + i, 0, from.height() - 1);
@@ -124,23 +99,17 @@ private Q_SLOTS:
         }
     }
 
-    void blurOfAPartIsThePartOfTheBlur_data()
-    {
-        QTest::addColumn<int>("radius");
-        for (const int radius : {1, 2, 7, 130})
-            QTest::addRow("radius %d", radius) << radius;
-    }
-
     void blurOfAPartIsThePartOfTheBlur()
     {
-        QFETCH(int, radius);
-        const QImage image = noise({900, 12});
-        const QRect part(0, 0, 440 + 3 * radius, 12);
-        const QRect seen(0, 0, 440, 12);
-        QCOMPARE(boxBlur(image.copy(part), radius).copy(seen), boxBlur(image, radius).copy(seen));
-        QImage plain(90, 3, QImage::Format_ARGB32_Premultiplied);
-        plain.fill(qRgb(255, 128, 1));
-        QCOMPARE(boxBlur(plain, radius), plain);
+        for (const int radius : {1, 2, 7, 130}) {
+            const QImage image = noise({900, 12});
+            const QRect part(0, 0, 440 + 3 * radius, 12);
+            const QRect seen(0, 0, 440, 12);
+            QCOMPARE(boxBlur(image.copy(part), radius).copy(seen), boxBlur(image, radius).copy(seen));
+            QImage plain(90, 3, QImage::Format_ARGB32_Premultiplied);
+            plain.fill(qRgb(255, 128, 1));
+            QCOMPARE(boxBlur(plain, radius), plain);
+        }
     }
 
     void previewAndFileAreTheSamePixels_data()
@@ -242,9 +211,10 @@ private Q_SLOTS:
     void poorShapesAreHarmless_data()
     {
         QTest::addColumn<QString>("type");
-        for (const char *type : {"rect", "circle", "line", "arrow", "pen", "marker", "sequence", "text", "mosaic",
-                                 "mosaic_pen", "smart_erase", "spotlight", "magnifier", "watermark"})
-            QTest::newRow(type) << QString::fromLatin1(type);
+        for (int tool = 0; tool < 64; ++tool) {
+            if (const auto type = static_cast<ToolType>(tool); ShapeFactory::standard().knows(type))
+                QTest::newRow(qPrintable(toolTypeName(type))) << toolTypeName(type);
+        }
     }
 
     void poorShapesAreHarmless()
@@ -253,34 +223,9 @@ private Q_SLOTS:
         const QImage picture = noise({40, 30});
         rendered(picture, QStringLiteral(R"([{"type":"%1"}])").arg(type), picture.rect(), {});
         QJsonObject in{{QStringLiteral("type"), type}};
-        const QStringList keys{u"x"_qs,
-                               u"y"_qs,
-                               u"w"_qs,
-                               u"h"_qs,
-                               u"ax"_qs,
-                               u"ay"_qs,
-                               u"bx"_qs,
-                               u"by"_qs,
-                               u"cx"_qs,
-                               u"cy"_qs,
-                               u"ex"_qs,
-                               u"ey"_qs,
-                               u"offX"_qs,
-                               u"textOffX"_qs,
-                               u"zoom"_qs,
-                               u"dash"_qs,
-                               u"fontSize"_qs,
-                               u"rotation"_qs,
-                               u"padX"_qs,
-                               u"padY"_qs,
-                               u"thickness"_qs,
-                               u"opacity"_qs,
-                               u"mosaicIntensity"_qs,
-                               u"dim"_qs,
-                               u"stamp"_qs,
-                               u"startX"_qs,
-                               u"endY"_qs,
-                               u"x1"_qs};
+        const QStringList keys =
+            u"x y w h ax ay bx by cx cy ex ey offX textOffX zoom dash fontSize rotation padX padY thickness opacity mosaicIntensity dim stamp startX endY x1"_qs
+                .split(u' ');
         for (const double odd : {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(),
                                  -std::numeric_limits<double>::infinity(), -1.0}) {
             for (const QString &key : keys)
@@ -298,21 +243,14 @@ private Q_SLOTS:
         }
     }
 
-    void oddBoxesPaintNothing_data()
-    {
-        QTest::addColumn<QString>("shapes");
-        QTest::newRow("outside") << QStringLiteral(R"([{"type":"mosaic","x":900,"y":900,"w":60,"h":50}])");
-        QTest::newRow("no size") << QStringLiteral(R"([{"type":"mosaic","x":20,"y":20}])");
-        QTest::newRow("one point") << QStringLiteral(R"([{"type":"mosaic_pen","points":[{"x":9,"y":9}]}])");
-        QTest::newRow("absurd") << QStringLiteral(
-            R"([{"type":"mosaic","x":1e300,"y":-1e18,"w":3,"h":4,"mosaicIntensity":1e300,"mosaicMode":7}])");
-    }
-
     void oddBoxesPaintNothing()
     {
-        QFETCH(QString, shapes);
         const QImage picture = noise({160, 100});
-        QCOMPARE(rendered(picture, shapes, picture.rect(), {}), picture);
+        for (const char *shape :
+             {R"({"type":"mosaic","x":900,"y":900,"w":60,"h":50})", R"({"type":"mosaic","x":20,"y":20})",
+              R"({"type":"mosaic_pen","points":[{"x":9,"y":9}]})",
+              R"({"type":"mosaic","x":1e300,"y":-1e18,"w":3,"h":4,"mosaicIntensity":1e300,"mosaicMode":7})"})
+            QCOMPARE(rendered(picture, u"[%1]"_qs.arg(QLatin1String(shape)), picture.rect(), {}), picture);
     }
 
     void spotlightsDarkenOnceByTheStrongest()
@@ -328,22 +266,16 @@ private Q_SLOTS:
         QVERIFY(std::abs(qRed(result.pixel(45, 20)) - 76) <= 1);
     }
 
-    void fillsInTokens_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("shown");
-        QTest::newRow("date") << QStringLiteral("on {{yyyy-MM-dd}}!") << QStringLiteral("on 2026-03-04!");
-        QTest::newRow("clock") << QStringLiteral("{{hh:mm:ss a}} {{HH}}") << QStringLiteral("12:05:09 上午 00");
-        QTest::newRow("never closed") << QStringLiteral("{{yy}} {{MM") << QStringLiteral("26 {{MM");
-        QTest::newRow("unknown letter") << QStringLiteral("{{q}}") << QStringLiteral("q");
-        QTest::newRow("no braces") << QStringLiteral("yyyy}}") << QStringLiteral("yyyy}}");
-    }
-
     void fillsInTokens()
     {
-        QFETCH(QString, text);
         const qint64 stamp = QDateTime(QDate(2026, 3, 4), QTime(0, 5, 9)).toMSecsSinceEpoch();
-        QTEST(WatermarkShape::expand(text, stamp), "shown");
+        for (const auto &[text, shown] : QList<QPair<QString, QString>>{
+                 {u"on {{yyyy-MM-dd}}!"_qs, u"on 2026-03-04!"_qs},
+                 {u"{{hh:mm:ss a}} {{HH}}"_qs, u"12:05:09 上午 00"_qs},
+                 {u"{{yy}} {{MM"_qs, u"26 {{MM"_qs},
+                 {u"{{q}} yyyy}}"_qs, u"q yyyy}}"_qs},
+             })
+            QCOMPARE(WatermarkShape::expand(text, stamp), shown);
     }
 
     /// A repaint of a part leaves no seam, however long the text is and whatever is in it.

@@ -48,6 +48,15 @@ int worst(const PixelBuffer &a, const PixelBuffer &b, const QRect &area, bool in
     return most;
 }
 
+PixelBuffer withHole(PixelBuffer buffer, const QRect &hole)
+{
+    for (int y = hole.top(); y <= hole.bottom(); ++y) {
+        for (int x = hole.left(); x <= hole.right(); ++x)
+            buffer.set(x, y, {255, 0, 255});
+    }
+    return buffer;
+}
+
 Rgb ramp(int x, int y)
 {
     return {40 + x / 2, 200 - y / 2, 90 + (x + y) / 4};
@@ -170,65 +179,40 @@ private Q_SLOTS:
         QVERIFY(std::abs(one.negativeLogLikelihood({16, 20, 30}) - (peak + 2)) < 1e-6);
     }
 
-    void aRampIsContinued_data()
-    {
-        QTest::addColumn<QSize>("size");
-        QTest::addColumn<QRect>("hole");
-        QTest::newRow("inside") << QSize(200, 160) << QRect(50, 40, 100, 80);
-        QTest::newRow("odd") << QSize(131, 77) << QRect(33, 21, 61, 29);
-        QTest::newRow("narrow") << QSize(200, 20) << QRect(20, 6, 160, 6);
-        QTest::newRow("one pixel") << QSize(9, 9) << QRect(4, 4, 1, 1);
-        QTest::newRow("large") << QSize(340, 340) << QRect(20, 20, 300, 300);
-    }
-
     void aRampIsContinued()
     {
-        QFETCH(QSize, size);
-        QFETCH(QRect, hole);
-        const PixelBuffer truth = paintedBuffer(size, ramp);
-        PixelBuffer buffer = truth;
-        for (int y = hole.top(); y <= hole.bottom(); ++y) {
-            for (int x = hole.left(); x <= hole.right(); ++x)
-                buffer.set(x, y, {255, 0, 255});
+        for (const auto &[size, hole] : QList<QPair<QSize, QRect>>{{{200, 160}, {50, 40, 100, 80}},
+                                                                   {{131, 77}, {33, 21, 61, 29}},
+                                                                   {{200, 20}, {20, 6, 160, 6}},
+                                                                   {{9, 9}, {4, 4, 1, 1}},
+                                                                   {{340, 340}, {20, 20, 300, 300}}}) {
+            const PixelBuffer truth = paintedBuffer(size, ramp);
+            PixelBuffer buffer = withHole(truth, hole);
+            harmonicFill(buffer, maskOf(buffer, hole), 8);
+            QCOMPARE(worst(buffer, truth, hole, false), 0);
+            QVERIFY2(worst(buffer, truth, hole) <= 4, qPrintable(QString::number(worst(buffer, truth, hole))));
         }
-        harmonicFill(buffer, maskOf(buffer, hole), 8);
-        QCOMPARE(worst(buffer, truth, hole, false), 0);
-        QVERIFY2(worst(buffer, truth, hole) <= 4, qPrintable(QString::number(worst(buffer, truth, hole))));
-    }
-
-    void holesAtTheEdge_data()
-    {
-        QTest::addColumn<QSize>("size");
-        QTest::addColumn<QRect>("hole");
-        QTest::addColumn<bool>("isAnyKnown");
-        QTest::newRow("corner") << QSize(60, 50) << QRect(0, 0, 25, 25) << true;
-        QTest::newRow("right half") << QSize(60, 50) << QRect(30, 0, 30, 50) << true;
-        QTest::newRow("all but one column") << QSize(60, 50) << QRect(1, 0, 59, 50) << true;
-        QTest::newRow("everything") << QSize(60, 50) << QRect(0, 0, 60, 50) << false;
-        QTest::newRow("1 x 1") << QSize(1, 1) << QRect(0, 0, 1, 1) << false;
-        QTest::newRow("2 x 1") << QSize(2, 1) << QRect(1, 0, 1, 1) << true;
-        QTest::newRow("one row") << QSize(70, 1) << QRect(20, 0, 30, 1) << true;
     }
 
     void holesAtTheEdge()
     {
-        QFETCH(QSize, size);
-        QFETCH(QRect, hole);
-        QFETCH(bool, isAnyKnown);
-        const PixelBuffer before = paintedBuffer(size, [&](int x, int y) {
-            return hole.contains(x, y) ? Rgb{250, 0, 0} : Rgb{30, 60, 90};
-        });
-        PixelBuffer harmonic = before;
-        harmonicFill(harmonic, maskOf(before, hole), 8);
-        PixelBuffer patched = before;
-        patchFill(patched, maskOf(before, hole));
-        for (const PixelBuffer &filled : {harmonic, patched}) {
-            const PixelBuffer expected = isAnyKnown ? paintedBuffer(size,
-                                                                    [](int, int) {
-                                                                        return Rgb{30, 60, 90};
-                                                                    })
-                                                    : before;
-            QCOMPARE(worst(filled, expected, {}, false), 0);
+        constexpr Rgb known{30, 60, 90};
+        for (const auto &[size, hole] : QList<QPair<QSize, QRect>>{{{60, 50}, {0, 0, 25, 25}},
+                                                                   {{60, 50}, {30, 0, 30, 50}},
+                                                                   {{60, 50}, {1, 0, 59, 50}},
+                                                                   {{60, 50}, {0, 0, 60, 50}}, // nothing is known
+                                                                   {{1, 1}, {0, 0, 1, 1}},
+                                                                   {{2, 1}, {1, 0, 1, 1}},
+                                                                   {{70, 1}, {20, 0, 30, 1}}}) {
+            const PixelBuffer truth = paintedBuffer(size, [&](int, int) { return known; });
+            const PixelBuffer before = withHole(truth, hole);
+            PixelBuffer harmonic = before;
+            harmonicFill(harmonic, maskOf(before, hole), 8);
+            PixelBuffer patched = before;
+            patchFill(patched, maskOf(before, hole));
+            const bool isAnyKnown = hole.size() != size;
+            for (const PixelBuffer &filled : {harmonic, patched})
+                QCOMPARE(worst(filled, isAnyKnown ? truth : before, {}, false), 0);
         }
     }
 
@@ -236,11 +220,7 @@ private Q_SLOTS:
     {
         const PixelBuffer truth = paintedBuffer({150, 130}, checks);
         const QRect hole(50, 40, 45, 40);
-        PixelBuffer buffer = truth;
-        for (int y = hole.top(); y <= hole.bottom(); ++y) {
-            for (int x = hole.left(); x <= hole.right(); ++x)
-                buffer.set(x, y, {255, 0, 0});
-        }
+        PixelBuffer buffer = withHole(truth, hole);
         PixelBuffer again = buffer;
         patchFill(buffer, maskOf(buffer, hole));
         QCOMPARE(worst(buffer, truth, hole, false), 0);
@@ -297,25 +277,17 @@ private Q_SLOTS:
             QCOMPARE(stats.subjectPixels, (object & box).width() * (object & box).height());
     }
 
-    void aBoxOutsideHasNoMask_data()
-    {
-        QTest::addColumn<QSize>("size");
-        QTest::addColumn<QRect>("box");
-        QTest::newRow("beside") << QSize(40, 30) << QRect(50, 5, 10, 10);
-        QTest::newRow("empty") << QSize(40, 30) << QRect(5, 5, 0, 10);
-        QTest::newRow("no picture") << QSize(0, 0) << QRect(0, 0, 10, 10);
-    }
-
     void aBoxOutsideHasNoMask()
     {
-        QFETCH(QSize, size);
-        QFETCH(QRect, box);
-        const PixelBuffer buffer(size.width(), size.height());
-        RegionMaskStats stats;
-        QCOMPARE(buildRegionMask(buffer, box, &stats, nullptr, nullptr).count(), 0);
-        SubjectStats subject;
-        QCOMPARE(segmentSubject(buffer, box, &subject).count(), 0);
-        QVERIFY(!subject.ok);
+        for (const auto &[size, box] : QList<QPair<QSize, QRect>>{
+                 {{40, 30}, {50, 5, 10, 10}}, {{40, 30}, {5, 5, 0, 10}}, {{0, 0}, {0, 0, 10, 10}}}) {
+            const PixelBuffer buffer(size.width(), size.height());
+            RegionMaskStats stats;
+            QCOMPARE(buildRegionMask(buffer, box, &stats, nullptr, nullptr).count(), 0);
+            SubjectStats subject;
+            QCOMPARE(segmentSubject(buffer, box, &subject).count(), 0);
+            QVERIFY(!subject.ok);
+        }
     }
 
     void aSubjectIsCutOut_data()
@@ -416,32 +388,25 @@ private Q_SLOTS:
         }
     }
 
-    void boxesThatLeaveNothingToFillFrom_data()
-    {
-        QTest::addColumn<QSize>("size");
-        QTest::addColumn<QRect>("box");
-        QTest::newRow("whole picture") << QSize(90, 70) << QRect(0, 0, 90, 70);
-        QTest::newRow("larger than the picture") << QSize(90, 70) << QRect(-50, -50, 400, 400);
-        QTest::newRow("1 x 1") << QSize(1, 1) << QRect(0, 0, 1, 1);
-        QTest::newRow("1 x 1, larger box") << QSize(1, 1) << QRect(-3, -3, 9, 9);
-        QTest::newRow("one column") << QSize(1, 200) << QRect(0, 20, 1, 40);
-        QTest::newRow("outside") << QSize(90, 70) << QRect(200, 200, 20, 20);
-        QTest::newRow("tiny box") << QSize(90, 70) << QRect(40, 30, 1, 1);
-    }
-
     void boxesThatLeaveNothingToFillFrom()
     {
-        QFETCH(QSize, size);
-        QFETCH(QRect, box);
-        QImage image(size, QImage::Format_RGB32);
-        image.fill(QColor(90, 120, 150));
-        for (const EraseSolver solver :
-             {EraseSolver::Auto, EraseSolver::Smooth, EraseSolver::Texture, EraseSolver::WholeBox}) {
-            const RegionResult result = eraseRegion(image, {box, solver});
-            QVERIFY(result.window.isEmpty() || image.rect().contains(result.window));
-            QImage filled = image;
-            result.pasteInto(filled, filled.rect());
-            QCOMPARE(filled, image);
+        for (const auto &[size, box] : QList<QPair<QSize, QRect>>{{{90, 70}, {0, 0, 90, 70}},
+                                                                  {{90, 70}, {-50, -50, 400, 400}},
+                                                                  {{90, 70}, {200, 200, 20, 20}},
+                                                                  {{90, 70}, {40, 30, 1, 1}},
+                                                                  {{1, 1}, {0, 0, 1, 1}},
+                                                                  {{1, 1}, {-3, -3, 9, 9}},
+                                                                  {{1, 200}, {0, 20, 1, 40}}}) {
+            QImage image(size, QImage::Format_RGB32);
+            image.fill(QColor(90, 120, 150));
+            for (const EraseSolver solver :
+                 {EraseSolver::Auto, EraseSolver::Smooth, EraseSolver::Texture, EraseSolver::WholeBox}) {
+                const RegionResult result = eraseRegion(image, {box, solver});
+                QVERIFY(result.window.isEmpty() || image.rect().contains(result.window));
+                QImage filled = image;
+                result.pasteInto(filled, filled.rect());
+                QCOMPARE(filled, image);
+            }
         }
     }
 

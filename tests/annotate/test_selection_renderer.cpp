@@ -1,6 +1,7 @@
 // What is cut out of a picture, and the shapes painted on it.
 #include "annotate/crop_rect.h"
 #include "annotate/effect_image_cache.h"
+#include "annotate/erase_pictures.h"
 #include "annotate/flatten.h"
 #include "annotate/selection_renderer.h"
 #include "annotate/shape_document.h"
@@ -10,7 +11,6 @@
 
 #include <QGuiApplication>
 #include <QPainter>
-#include <QRandomGenerator>
 
 #include <optional>
 #include <thread>
@@ -20,26 +20,11 @@ using namespace tavrel;
 
 namespace {
 
-QImage speckled(const QSize &size, double ratio)
-{
-    QImage image(size, QImage::Format_ARGB32_Premultiplied);
-    for (int y = 0; y < size.height(); ++y) {
-        for (int x = 0; x < size.width(); ++x)
-            image.setPixel(x, y, qRgb((x * 37) & 0xff, (y * 53) & 0xff, ((x + y) * 91) & 0xff));
-    }
-    image.setDevicePixelRatio(ratio);
-    return image;
-}
-
-/// Paper with grain that no solver has done with at once.
+/// Grain that no solver has done with at once.
 QImage grain(const QSize &size, double ratio)
 {
     QImage image(size, QImage::Format_RGB32);
-    QRandomGenerator random(7);
-    for (int y = 0; y < size.height(); ++y) {
-        for (int x = 0; x < size.width(); ++x)
-            image.setPixel(x, y, qRgb(180 + random.bounded(40), 150 + (x / 9 + y / 7) % 40, 90 + random.bounded(30)));
-    }
+    test::backgrounds().at(6).draw(image, 1);
     image.setDevicePixelRatio(ratio);
     return image;
 }
@@ -136,7 +121,7 @@ private Q_SLOTS:
 
     void theResultHasThePixelsBetweenTheRoundedEdges()
     {
-        const QImage image = speckled({125, 125}, 1.25);
+        const QImage image = grain({125, 125}, 1.25);
         const QImage result = renderSelection(image, {1, 10, 1.2, 20}, {}, ShapeFactory::standard());
         QCOMPARE(result.size(), QSize(2, 25)); // 1.25 to 2.75, 12.5 to 37.5
         QCOMPARE(result.devicePixelRatio(), 1.25);

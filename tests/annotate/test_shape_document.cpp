@@ -501,53 +501,7 @@ private Q_SLOTS:
         QCOMPARE(board.count(), 3);
     }
 
-    void aMarkerIsPulledOntoTheLinesItTouches()
-    {
-        Board board;
-        const QList<QRectF> lines{{0, 0, 100, 20}, {0, 30, 100, 20}, {0, 300, 100, 20}};
-        board.document.setTextLineProvider([&lines] { return lines; });
-        BaseShape *free = board.draw(ToolType::Marker, {10, 10}, {90, 45});
-        QVERIFY(stroke(free));
-        board.document.removeSelected();
-        board.document.setMarkerSnapText(true);
-        BaseShape *last = board.draw(ToolType::Marker, {10, 10}, {90, 45});
-        QCOMPARE(board.count(), 2);
-        QCOMPARE(board.at(1), last);
-        QCOMPARE(board.document.selected(), last);
-        QCOMPARE(box(last)->box, lines.at(1));
-        QVERIFY(stroke(board.draw(ToolType::Marker, {500, 100}, {590, 145})));
-    }
-
     // --- whole picture -------------------------------------------------------------------------------------------
-
-    void everyShapeFollowsThePicture()
-    {
-        Board board;
-        board.draw(ToolType::Rect, {10, 20}, {40, 30});
-        board.document.clearSelection();
-        board.draw(ToolType::Pen, {10, 20}, {40, 30});
-        const auto check = [&board](const QRectF &rect, const QList<QPointF> &ends) {
-            QCOMPARE(box(board.at(0))->box, rect);
-            const QList<QPointF> points = stroke(board.at(1))->points.list();
-            QCOMPARE(QList<QPointF>({points.first(), points.last()}), ends);
-        };
-        board.document.rotateAllCW(100); // of a picture 200 x 100
-        check({70, 10, 10, 30}, {{80, 10}, {70, 40}});
-        board.document.rotateAllCCW(100);
-        check({10, 20, 30, 10}, {{10, 20}, {40, 30}});
-        board.document.flipAllH(200);
-        check({160, 20, 30, 10}, {{190, 20}, {160, 30}});
-        board.document.scaleAll(2);
-        check({320, 40, 60, 20}, {{380, 40}, {320, 60}});
-        QCOMPARE(board.at(0)->thickness, 6.0);
-        for (const double odd : {0.0, -2.0, 1.0, std::nan(""), std::numeric_limits<double>::infinity()})
-            board.document.scaleAll(odd);
-        check({320, 40, 60, 20}, {{380, 40}, {320, 60}});
-        board.document.translateAll(-320, -40);
-        check({0, 0, 60, 20}, {{60, 0}, {0, 20}});
-        board.document.commit();
-        QVERIFY(board.document.undoStack().last().contains(u"\"w\":60"));
-    }
 
     void cropKeepsWhatTouchesTheRest_data()
     {

@@ -230,40 +230,34 @@ private Q_SLOTS:
         QCOMPARE(document.boundsPadded(), QRectF(QPointF(22, 32), QPointF(145.5, 145.5)));
     }
 
-    void marksKeepTheirSizeOnTheScreen_data()
-    {
-        QTest::addColumn<double>("handleScale");
-        for (const double handleScale : {0.5, 1.0, 2.0})
-            QTest::newRow(qPrintable(QString::number(handleScale))) << handleScale;
-    }
-
     void marksKeepTheirSizeOnTheScreen()
     {
-        QFETCH(double, handleScale);
-        QImage image = canvas();
-        {
-            QPainter painter(&image);
-            painter.setPen(Qt::red);
-            paintRoundHandle(painter, {100, 100}, handleScale);
-            QCOMPARE(painter.pen().color(), QColor(Qt::red));
-        }
-        QCOMPARE(image.pixelColor(100, 100), QColor(Qt::white));
-        const double radius = 8.2 * handleScale; // white disc and the widest ring
-        QCOMPARE(inked(image), QRectF(100 - radius, 100 - radius, 2 * radius, 2 * radius).toAlignedRect());
+        for (const double handleScale : {0.5, 1.0, 2.0}) {
+            QImage image = canvas();
+            {
+                QPainter painter(&image);
+                painter.setPen(Qt::red);
+                paintRoundHandle(painter, {100, 100}, handleScale);
+                QCOMPARE(painter.pen().color(), QColor(Qt::red));
+            }
+            QCOMPARE(image.pixelColor(100, 100), QColor(Qt::white));
+            const double radius = 8.2 * handleScale; // white disc and the widest ring
+            QCOMPARE(inked(image), QRectF(100 - radius, 100 - radius, 2 * radius, 2 * radius).toAlignedRect());
 
-        image.fill(Qt::transparent);
-        {
-            QPainter painter(&image);
-            paintCornerBrackets(painter, {50, 50, 100, 20}, handleScale);
-            paintEdgeTicks(painter, {50, 50, 100, 20}, 6, 4 * handleScale, handleScale);
+            image.fill(Qt::transparent);
+            {
+                QPainter painter(&image);
+                paintCornerBrackets(painter, {50, 50, 100, 20}, handleScale);
+                paintEdgeTicks(painter, {50, 50, 100, 20}, 6, 4 * handleScale, handleScale);
+            }
+            const double arm = std::min(12 * handleScale, 8.0);
+            const double reach = (5.0 + 4.4) / 2 * handleScale;
+            QCOMPARE(inked(image), QRectF(50 - reach, 50 - reach, 100 + 2 * reach, 20 + 2 * reach).toAlignedRect());
+            QCOMPARE(image.pixelColor(static_cast<int>(50 + arm) - 1, 50), QColor(Qt::white));
+            QCOMPARE(image.pixelColor(75, 50).alpha(), 0);
+            QCOMPARE(image.pixelColor(100, 50), QColor(Qt::white));
+            QCOMPARE(image.pixelColor(150, 60), QColor(Qt::white));
         }
-        const double arm = std::min(12 * handleScale, 8.0);
-        const double reach = (5.0 + 4.4) / 2 * handleScale;
-        QCOMPARE(inked(image), QRectF(50 - reach, 50 - reach, 100 + 2 * reach, 20 + 2 * reach).toAlignedRect());
-        QCOMPARE(image.pixelColor(static_cast<int>(50 + arm) - 1, 50), QColor(Qt::white));
-        QCOMPARE(image.pixelColor(75, 50).alpha(), 0);
-        QCOMPARE(image.pixelColor(100, 50), QColor(Qt::white));
-        QCOMPARE(image.pixelColor(150, 60), QColor(Qt::white));
     }
 };
 

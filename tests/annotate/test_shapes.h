@@ -45,11 +45,6 @@ public:
     }
     void pressAt(double x, double y) override { pressed = {x, y}; }
     void transform(const ImageTransform &transform) override { box = transform.mapBox(box); }
-    void scale(double factor) override
-    {
-        BaseShape::scale(factor);
-        box = QRectF(box.topLeft() * factor, box.size() * factor);
-    }
     void toJson(QJsonObject &out) const override
     {
         writeBase(out);
@@ -132,11 +127,6 @@ public:
     void translate(double dx, double dy) override { points.translate(dx, dy); }
     std::optional<QRectF> bounds() const override { return points.box(); }
     void transform(const ImageTransform &transform) override { points.transform(transform); }
-    void scale(double factor) override
-    {
-        BaseShape::scale(factor);
-        points.scale(factor);
-    }
     void toJson(QJsonObject &out) const override
     {
         writeBase(out);
@@ -156,18 +146,6 @@ public:
     {
         points.assign({from, to});
         return true;
-    }
-    QList<std::shared_ptr<BaseShape>> snappedTo(const QList<QRectF> &lines, const ShapeAttributes &) const override
-    {
-        QList<std::shared_ptr<BaseShape>> pieces;
-        for (const QRectF &line : lines) {
-            if (!points.box() || !points.box()->intersects(line))
-                continue;
-            auto piece = std::make_shared<BoxShape>(ToolType::Marker);
-            piece->box = line;
-            pieces.append(piece);
-        }
-        return pieces;
     }
 
     StrokePoints points;

@@ -89,29 +89,15 @@ private Q_SLOTS:
         }
     }
 
-    void onlyTheStrictFormIsParted_data()
-    {
-        QTest::addColumn<QByteArray>("json");
-        QTest::addColumn<bool>("parted");
-        QTest::newRow("strict") << QByteArray(R"({"a":1,"points":[{"x":1,"y":2.5}],"z":0})") << true;
-        QTest::newRow("empty") << QByteArray(R"({"points":[]})") << true;
-        QTest::newRow("none") << QByteArray(R"({"a":1})") << false;
-        QTest::newRow("inner object") << QByteArray(R"({"a":{"points":[]}})") << false;
-        QTest::newRow("in an array") << QByteArray(R"([{"points":[]}])") << false;
-        QTest::newRow("other order") << QByteArray(R"({"points":[{"y":1,"x":2}]})") << false;
-        QTest::newRow("spaces") << QByteArray(R"({"points":[ {"x":1,"y":2}]})") << false;
-        QTest::newRow("text for a number") << QByteArray(R"({"points":[{"x":"1","y":2}]})") << false;
-        QTest::newRow("not a number") << QByteArray(R"({"points":[{"x":nan,"y":2}]})") << false;
-        QTest::newRow("trailing comma") << QByteArray(R"({"points":[{"x":1,"y":2},]})") << false;
-        QTest::newRow("cut off") << QByteArray(R"({"points":[{"x":1,"y":2)") << false;
-        QTest::newRow("cut off before the end") << QByteArray(R"({"points":[{"x":1,"y":2})") << false;
-    }
-
     void onlyTheStrictFormIsParted()
     {
-        QFETCH(QByteArray, json);
-        QFETCH(bool, parted);
-        QCOMPARE(partStroke(json).has_value(), parted);
+        for (const char *json : {R"({"a":1,"points":[{"x":1,"y":2.5}],"z":0})", R"({"points":[]})"})
+            QVERIFY2(partStroke(json), json);
+        for (const char *json :
+             {R"({"a":1})", R"({"a":{"points":[]}})", R"([{"points":[]}])", R"({"points":[{"y":1,"x":2}]})",
+              R"({"points":[ {"x":1,"y":2}]})", R"({"points":[{"x":"1","y":2}]})", R"({"points":[{"x":nan,"y":2}]})",
+              R"({"points":[{"x":1,"y":2},]})", R"({"points":[{"x":1,"y":2)", R"({"points":[{"x":1,"y":2})"})
+            QVERIFY2(!partStroke(json), json);
     }
 
     void absurdCoordinatesAreBroughtIntoRange()

@@ -10,6 +10,7 @@
 #include <QJsonDocument>
 
 #include <cmath>
+#include <limits>
 
 using namespace tavrel;
 
@@ -203,7 +204,14 @@ private Q_SLOTS:
         QCOMPARE(*box->bounds(), QRectF(140, 20, 50, 20));
         QCOMPARE(stroke->bounds()->topRight(), QPointF(201.5, -1.5));
         document.scaleAll(2);
-        QCOMPARE(arrow->handles().at(1), QPointF(280, 100));
+        for (const double odd : {0.0, -2.0, 1.0, std::nan(""), std::numeric_limits<double>::infinity()})
+            document.scaleAll(odd);
+        document.translateAll(-80, 5);
+        QCOMPARE(arrow->handles().at(1), QPointF(200, 105));
+        QCOMPARE(*box->bounds(), QRectF(200, 45, 100, 40));
+        QCOMPARE(box->thickness, 6.0);
+        document.commit();
+        QVERIFY(document.undoStack().last().contains(u"\"w\":100"));
     }
 
     void readBackTheyLookTheSame()
@@ -425,11 +433,13 @@ private Q_SLOTS:
     void markersSnapToTheTextTheyTouch()
     {
         ShapeDocument document;
-        document.setMarkerSnapText(true);
         QList<QRectF> lines{{20, 40, 200, 16}, {20, 70, 180, 16}, {20, 100, 90, 16}};
         document.setTextLineProvider([&lines] { return lines; });
         document.setThickness(12);
         document.setColor(QStringLiteral("#80ff00"));
+        QVERIFY(dynamic_cast<PathShape *>(drawn(document, ToolType::Marker, {{100, 30}, {100, 97}})));
+        document.removeShape(document.shapes().first().get());
+        document.setMarkerSnapText(true);
         // One segment that crosses two lines between its points, and ends 3 above the third.
         BaseShape *last = drawn(document, ToolType::Marker, {{100, 30}, {100, 97}});
         QCOMPARE(document.shapes().size(), 3);
