@@ -272,6 +272,10 @@ private Q_SLOTS:
         QCOMPARE(stats.maskPixels, found.count());
         QCOMPARE(stats.threshold, 12);
         QVERIFY(stats.noise < 8);
+        for (int y = 0; y < buffer.height; ++y) {
+            for (int x = 0; x < buffer.width; ++x)
+                QVERIFY(!found.has(x, y) || distance(cleaned.at(x, y), buffer.at(x, y)) == 0);
+        }
         // The rows of the object lie between the dilated ones.
         if (!stats.fellBack)
             QCOMPARE(stats.subjectPixels, (object & box).width() * (object & box).height());
