@@ -17,9 +17,10 @@ set(TAVREL_ARROWS
   "annotate|base"
   "ui|base settings platform annotate"
   "output|base settings"
-  "overlay|base settings platform annotate record ui"
+  "capture|base settings platform annotate output"
+  "overlay|base settings platform annotate output capture ui"
   "diagnostics|base settings platform platform/synthetic platform/unsupported process annotate ui overlay"
-  "app|base settings platform platform/synthetic net process annotate ui output overlay record diagnostics")
+  "app|base settings platform platform/synthetic net process annotate ui output capture overlay diagnostics")
 
 function(tavrel_allowed folder out)
   foreach(row IN LISTS TAVREL_ARROWS)

@@ -67,15 +67,17 @@ AppController::AppController(SettingsStore &settings, platform::Services service
         updateCanShutdown();
         scheduleRelease();
     });
-    connect(&m_flow, &CaptureFlow::copyReady, &m_results, &ResultActions::copyImage);
     connect(&m_flow, &CaptureFlow::textReady, &m_results, &ResultActions::copyText);
-    connect(&m_flow, &CaptureFlow::saveReady, &m_results,
-            [this](const QImage &image, const FilenameContext &context, const QString &uuid) {
-                m_results.saveImage(image, context, false, nullptr, [this, uuid](const QString &path) {
-                    if (!uuid.isEmpty())
-                        m_history->setSavedPath(uuid, path);
-                });
-            });
+    m_flow.setReceiver(CaptureOutcome::Action::Copy, [this](const CaptureFlow::Finished &finished) {
+        m_results.copyImage(finished.image, finished.context);
+    });
+    m_flow.setReceiver(CaptureOutcome::Action::Save, [this](const CaptureFlow::Finished &finished) {
+        m_results.saveImage(finished.image, finished.context, false, nullptr,
+                            [this, uuid = finished.record](const QString &path) {
+                                if (!uuid.isEmpty())
+                                    m_history->setSavedPath(uuid, path);
+                            });
+    });
     connect(&m_settings, &SettingsStore::changed, this, &AppController::applySettings);
 }
 
@@ -93,7 +95,7 @@ AppController::~AppController()
     const QDeadlineTimer deadline(kFlushTime);
     if (!m_results.finish(deadline))
         qWarning().noquote() << QStringLiteral("退出时仍有截图没有写完");
-    m_history->flush(static_cast<int>(deadline.remainingTime()));
+    m_history->finish(deadline);
     m_notices.setReceiver(nullptr);
 }
 

@@ -2,7 +2,7 @@
 
 #include "app/capture_flow.h"
 #include "app/desktop_notices.h"
-#include "app/history_keeper.h"
+#include "capture/history_keeper.h"
 #include "app/message_board.h"
 #include "app/result_actions.h"
 #include "app/tray_menu.h"

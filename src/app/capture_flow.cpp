@@ -1,8 +1,8 @@
 #include "app/capture_flow.h"
 
 #include "annotate/tool_memory.h"
-#include "app/history_keeper.h"
 #include "app/user_notices.h"
+#include "capture/history_keeper.h"
 #include "overlay/capture_overlay.h"
 #include "overlay/element_probe.h"
 #include "platform/window_controller.h"
@@ -49,6 +49,32 @@ private:
     std::function<void()> m_done;
 };
 
+/// Where the picture was taken.
+FilenameContext contextOf(const CaptureOutcome &outcome)
+{
+    FilenameContext context;
+    if (outcome.window) {
+        context.window = outcome.window->title.isEmpty() ? outcome.window->applicationName : outcome.window->title;
+        context.app = outcome.window->applicationName;
+    }
+    return context;
+}
+
+/// The word of an action in the history; empty for one that leaves no record.
+QString sourceWord(CaptureOutcome::Action action)
+{
+    switch (action) {
+    case CaptureOutcome::Action::Copy:
+        return QStringLiteral("copy");
+    case CaptureOutcome::Action::Save:
+        return QStringLiteral("save");
+    case CaptureOutcome::Action::Pin:
+        return QStringLiteral("pin");
+    default:
+        return {};
+    }
+}
+
 QWidget *applicationModalWidget()
 {
     QWidget *modal = QApplication::activeModalWidget();
@@ -72,7 +98,11 @@ CaptureFlow::CaptureFlow(Services services, QObject *parent)
       m_pump(m_services.capturer, m_services.windows, m_services.detector),
       m_toolMemory(std::make_shared<ToolMemory>())
 {
-    takeRecordPrefs();
+    connect(&m_walk, &HistoryWalk::imageMissing, this, [this] {
+        m_services.notices.show(QCoreApplication::translate("AppController", "截图历史"),
+                                QCoreApplication::translate("AppController", "该历史记录的图像文件缺失"),
+                                IUserNotices::Kind::Warning, 3000ms);
+    });
 }
 
 CaptureFlow::~CaptureFlow()
@@ -161,7 +191,6 @@ void CaptureFlow::openOverlay(const platform::CapturedDisplay &display)
     connectResults(overlay);
     connectSettings(overlay);
     connectLong(overlay);
-    overlay->setRecordPrefs(m_recordPrefs);
     logFirstPaint(overlay);
 
     overlay->winId();
@@ -189,30 +218,37 @@ void CaptureFlow::connectResults(ui::CaptureOverlay *overlay)
                 other->clearSelection();
         }
     });
-    connect(overlay, &ui::CaptureOverlay::copyRequested, this, [this, overlay](const QImage &image) {
-        remember(overlay, QStringLiteral("copy"), image);
-        const FilenameContext context = contextOf(overlay);
-        closeSession();
-        Q_EMIT copyReady(image, context);
-    });
-    connect(overlay, &ui::CaptureOverlay::saveRequested, this, [this, overlay](const QImage &image) {
-        const QString uuid = remember(overlay, QStringLiteral("save"), image);
-        const FilenameContext context = contextOf(overlay);
-        closeSession();
-        Q_EMIT saveReady(image, context, uuid);
-    });
-    connect(overlay, &ui::CaptureOverlay::closeRequested, this, &CaptureFlow::closeSession);
-    connect(overlay, &ui::CaptureOverlay::colorCopied, this, [this](const QString &text) {
-        closeSession();
-        Q_EMIT textReady(text);
-    });
+    // The receivers' keys are what can be asked for: nothing is offered that leads nowhere.
+    const auto taken = m_receivers.keys();
+    overlay->setOffered(QSet<CaptureOutcome::Action>(taken.begin(), taken.end()));
+    connect(overlay, &ui::CaptureOverlay::finished, this, &CaptureFlow::finish);
     connect(overlay, &ui::CaptureOverlay::historyNavigate, this,
-            [this, overlay](int delta) { navigateHistory(overlay, delta); });
-    // The picture stays on the overlay, so that it can still be copied or saved.
-    connect(overlay, &ui::CaptureOverlay::pinRequested, overlay,
-            [overlay] { overlay->showToast(QCoreApplication::translate("AppController", "此版本还不能贴图")); });
-    connect(overlay, &ui::CaptureOverlay::editRequested, overlay,
-            [overlay] { overlay->showToast(QCoreApplication::translate("AppController", "此版本还不能编辑图片")); });
+            [this, overlay](int delta) { m_walk.step(overlay, delta, [overlay] { return overlay->snapshot(); }); });
+    connect(&m_walk, &HistoryWalk::arrived, overlay, &ui::CaptureOverlay::loadSnapshot);
+}
+
+void CaptureFlow::setReceiver(CaptureOutcome::Action action, Receiver receiver)
+{
+    m_receivers.insert(action, std::move(receiver));
+}
+
+void CaptureFlow::finish(const CaptureOutcome &outcome)
+{
+    const QString walked = m_walk.record();
+    closeSession();
+    switch (outcome.action) {
+    case CaptureOutcome::Action::Leave:
+        return;
+    case CaptureOutcome::Action::CopyColor:
+        Q_EMIT textReady(outcome.text);
+        return;
+    default:
+        break;
+    }
+    const Receiver receiver = m_receivers.value(outcome.action);
+    const Finished finished{outcome.picture, contextOf(outcome), outcome.rectangle, remember(outcome, walked)};
+    if (receiver)
+        receiver(finished);
 }
 
 void CaptureFlow::connectLong(ui::CaptureOverlay *overlay)
@@ -243,8 +279,6 @@ void CaptureFlow::connectSettings(ui::CaptureOverlay *overlay)
             [change] { change([](SettingsConfig &config) { config.toolGuideShown = true; }); });
     connect(overlay, &ui::CaptureOverlay::markerSnapChanged, this,
             [change](bool on) { change([on](SettingsConfig &config) { config.markerSnapText = on; }); });
-    connect(overlay, &ui::CaptureOverlay::recordPrefsChanged, this,
-            [this](const record::RecordPrefs &prefs) { m_recordPrefs = prefs; });
 }
 
 void CaptureFlow::logFirstPaint(ui::CaptureOverlay *overlay)
@@ -254,54 +288,18 @@ void CaptureFlow::logFirstPaint(ui::CaptureOverlay *overlay)
     });
 }
 
-void CaptureFlow::navigateHistory(ui::CaptureOverlay *overlay, int delta)
+QString CaptureFlow::remember(const CaptureOutcome &outcome, const QString &walked)
 {
-    const HistoryWalk::Step step = m_walk.step(overlay, delta, [overlay] { return overlay->snapshot(); });
-    switch (step.outcome) {
-    case HistoryWalk::Step::Outcome::Stay:
-        break;
-    case HistoryWalk::Step::Outcome::Show:
-        overlay->loadSnapshot(step.snapshot);
-        break;
-    case HistoryWalk::Step::Outcome::ImageMissing:
-        m_services.notices.show(QCoreApplication::translate("AppController", "截图历史"),
-                                QCoreApplication::translate("AppController", "该历史记录的图像文件缺失"),
-                                IUserNotices::Kind::Warning, 3000ms);
-        break;
-    }
-}
-
-FilenameContext CaptureFlow::contextOf(const ui::CaptureOverlay *overlay) const
-{
-    FilenameContext context;
-    if (const auto window = overlay->windowUnderSelection()) {
-        context.window = window->title.isEmpty() ? window->applicationName : window->title;
-        context.app = window->applicationName;
-    }
-    return context;
-}
-
-QString CaptureFlow::remember(ui::CaptureOverlay *overlay, const QString &source, const QImage &rendered)
-{
-    if (!m_services.settings.config().saveHistory)
+    const QString source = sourceWord(outcome.action);
+    if (source.isEmpty() || !m_services.settings.config().saveHistory || outcome.snapshot.image.isNull() ||
+        outcome.snapshot.selection.isEmpty())
         return {};
-    const OverlaySnapshot snapshot = overlay->snapshot();
-    if (snapshot.image.isNull() || snapshot.selection.isEmpty())
-        return {};
-    return m_services.history.add(snapshot, source, rendered, contextOf(overlay));
-}
-
-void CaptureFlow::takeRecordPrefs()
-{
-    const SettingsConfig &config = m_services.settings.config();
-    m_recordPrefs.systemAudio = config.recordSystemAudio;
-    m_recordPrefs.mouse = config.recordClickEffect;
-    m_recordPrefs.keys = config.recordKeyOsd;
+    const HistoryEntry entry{outcome.snapshot, source, outcome.picture, contextOf(outcome)};
+    return walked.isEmpty() ? m_services.history.add(entry) : m_services.history.update(walked, entry);
 }
 
 void CaptureFlow::applySettings()
 {
-    takeRecordPrefs();
     for (const auto &overlay : std::as_const(m_overlays)) {
         if (overlay)
             overlay->setConfig(m_services.settings.config());

@@ -2,17 +2,19 @@
 
 #include "app/history_walk.h"
 #include "app/long_frame_pump.h"
+#include "capture/capture_outcome.h"
 #include "output/name_template.h"
 #include "platform/element_detector.h"
 #include "platform/screen_capturer.h"
-#include "record/record_request.h"
 
 #include <QElapsedTimer>
 #include <QImage>
 #include <QList>
+#include <QMap>
 #include <QObject>
 #include <QPoint>
 #include <QPointer>
+#include <QRect>
 
 #include <functional>
 #include <memory>
@@ -20,7 +22,6 @@
 
 namespace tavrel {
 
-class IHistoryKeeper;
 class IUserNotices;
 class SettingsStore;
 class ToolMemory;
@@ -36,9 +37,8 @@ class ElementProbe;
 
 /// One capture after the other: from the request over the grab to the overlay, and from its result back to idle.
 ///
-/// A session is active from the request until the overlay is taken down. Results leave through signals after the
-/// session has been closed; the record of the result has been handed to the history before that, because it reads
-/// the overlay. GUI thread only.
+/// A session is active from the request until the overlay is taken down. What it came to leaves after that, through the
+/// receiver of its action; an overlay offers the actions that have one. GUI thread only.
 class CaptureFlow final : public QObject
 {
     Q_OBJECT
@@ -56,8 +56,21 @@ public:
         ui::ElementProbe *probe = nullptr;      ///< asked for elements while the settings say so; may be null
     };
 
+    /// A picture that a session came to.
+    struct Finished
+    {
+        QImage image;
+        FilenameContext context;
+        QRect rectangle; ///< of the selection, global logical coordinates
+        QString record;  ///< uuid in the history; empty when it is not kept there
+    };
+    using Receiver = std::function<void(const Finished &finished)>;
+
     explicit CaptureFlow(Services services, QObject *parent = nullptr);
     ~CaptureFlow() override;
+
+    /// Who takes the pictures of an action, called after the session. To be set before the first capture.
+    void setReceiver(CaptureOutcome::Action action, Receiver receiver);
 
     /// Does nothing while a session is active.
     void startCapture();
@@ -80,22 +93,19 @@ Q_SIGNALS:
     /// The session has ended, with or without an overlay: the program may release its activation.
     void idleReached();
     void accessRefused();
-    void copyReady(const QImage &image, const tavrel::FilenameContext &context);
     void textReady(const QString &text); ///< for the clipboard
-    void saveReady(const QImage &image, const tavrel::FilenameContext &context, const QString &historyUuid);
 
 private:
     void onCaptured(const platform::CaptureResult &result);
     void openOverlay(const platform::CapturedDisplay &display);
     void connectResults(ui::CaptureOverlay *overlay);
+    void finish(const CaptureOutcome &outcome);
     void connectSettings(ui::CaptureOverlay *overlay);
     void connectLong(ui::CaptureOverlay *overlay);
-    void takeRecordPrefs();
     void onOverlayGone(const QObject *gone);
     void logFirstPaint(ui::CaptureOverlay *overlay);
-    void navigateHistory(ui::CaptureOverlay *overlay, int delta);
-    [[nodiscard]] FilenameContext contextOf(const ui::CaptureOverlay *overlay) const;
-    QString remember(ui::CaptureOverlay *overlay, const QString &source, const QImage &rendered);
+    /// Hands a result to the history, as a change of the record that was walked to, if there was one.
+    QString remember(const CaptureOutcome &outcome, const QString &walked);
 
     Services m_services;
     HistoryWalk m_walk;
@@ -104,7 +114,7 @@ private:
     std::unique_ptr<QObject> m_grab; ///< one on its way; it answers nobody when this goes
     QList<platform::WindowInfo> m_windows;
     QList<QPointer<ui::CaptureOverlay>> m_overlays;
-    record::RecordPrefs m_recordPrefs;
+    QMap<CaptureOutcome::Action, Receiver> m_receivers;
     std::shared_ptr<ToolMemory> m_toolMemory; ///< of all sessions
     bool m_longPending = false;               ///< the next overlay begins a scrolling capture
     bool m_wasApplicationActive = true;

@@ -1,38 +1,73 @@
 #include "app/history_walk.h"
 
-#include "app/history_keeper.h"
-
 #include <algorithm>
 
 namespace tavrel {
 
-HistoryWalk::Step HistoryWalk::step(const QObject *walker, int delta, const std::function<OverlaySnapshot()> &live)
+HistoryWalk::HistoryWalk(IHistoryKeeper &history, QObject *parent) : QObject(parent), m_history(history) {}
+
+void HistoryWalk::step(const QObject *walker, int delta, const Present &present)
 {
-    if (m_live && m_walker != walker)
-        return {};
-    const int next = std::clamp(m_index - delta, -1, m_history.count() - 1);
-    if (next == m_index)
-        return {};
-    if (!m_live) {
-        m_live = live();
+    if (!m_isWalking) {
+        m_isWalking = true;
         m_walker = walker;
+        m_records = m_history.records();
     }
-    if (next == -1) {
-        m_index = next;
-        return {Step::Outcome::Show, *m_live};
+    if (m_walker != walker)
+        return;
+    m_present = present;
+    const int next = std::clamp(m_wanted - delta, -1, static_cast<int>(m_records.size()) - 1);
+    if (next == m_wanted)
+        return;
+    m_wanted = next;
+    if (next == m_place)
+        return; // back before it came
+    if (const auto kept = m_kept.constFind(next); kept != m_kept.constEnd())
+        show(next, OverlaySnapshot(*kept));
+    else
+        m_history.load(m_records.at(next), this,
+                       [this, next, records = m_records](const std::optional<OverlaySnapshot> &snapshot) {
+                           if (m_records == records)
+                               take(next, snapshot);
+                       });
+}
+
+void HistoryWalk::take(int place, const std::optional<OverlaySnapshot> &snapshot)
+{
+    if (place != m_wanted || place == m_place)
+        return; // the walk has gone on
+    if (snapshot && !snapshot->image.isNull()) {
+        show(place, *snapshot);
+        return;
     }
-    auto record = m_history.load(next);
-    if (!record || record->image.isNull())
-        return {Step::Outcome::ImageMissing, {}};
-    m_index = next;
-    return {Step::Outcome::Show, std::move(*record)};
+    m_wanted = m_place;
+    Q_EMIT imageMissing();
+}
+
+void HistoryWalk::show(int place, const OverlaySnapshot &snapshot)
+{
+    const OverlaySnapshot left = m_present();
+    if (m_place == -1 || m_kept.contains(m_place) || !isSame(left, m_shown))
+        m_kept.insert(m_place, left);
+    m_place = place;
+    m_shown = snapshot;
+    Q_EMIT arrived(snapshot);
+}
+
+bool HistoryWalk::isSame(const OverlaySnapshot &a, const OverlaySnapshot &b)
+{
+    return a.selection == b.selection && a.shapesJson == b.shapesJson;
 }
 
 void HistoryWalk::reset()
 {
+    m_isWalking = false;
     m_walker.clear();
-    m_live.reset();
-    m_index = -1;
+    m_present = {};
+    m_records.clear();
+    m_kept.clear();
+    m_shown = {};
+    m_place = m_wanted = -1;
 }
 
 } // namespace tavrel

@@ -1,40 +1,59 @@
 #pragma once
 
-#include "overlay/overlay_snapshot.h"
+#include "capture/history_keeper.h"
+#include "capture/overlay_snapshot.h"
 
+#include <QHash>
+#include <QObject>
 #include <QPointer>
+#include <QStringList>
 
-#include <optional>
+#include <functional>
 
 namespace tavrel {
 
-class IHistoryKeeper;
-
-/// The walk through earlier captures while an overlay stands. Index -1 is the live capture, 0 the newest record.
-class HistoryWalk final
+/// The walk through earlier captures while an overlay stands. Place -1 is the live capture, 0 the newest record.
+///
+/// The records are those of the first step: what is added meanwhile shifts nothing. What was drawn on a record is there
+/// again when the walk comes back to it. Records are read behind the walk; steps made meanwhile go on from where the
+/// user means to be. GUI thread only.
+class HistoryWalk final : public QObject
 {
+    Q_OBJECT
+
 public:
-    struct Step
-    {
-        enum class Outcome { Stay, Show, ImageMissing };
-        Outcome outcome = Outcome::Stay;
-        OverlaySnapshot snapshot; ///< set for Show
-    };
+    using Present = std::function<OverlaySnapshot()>;
 
-    explicit HistoryWalk(const IHistoryKeeper &history) : m_history(history) {}
+    explicit HistoryWalk(IHistoryKeeper &history, QObject *parent = nullptr);
 
-    /// One step: delta -1 goes to the older capture, 1 back towards the live one. `walker` is the overlay that asks;
-    /// once one has begun, others are ignored. `live` is read on the first step only.
-    [[nodiscard]] Step step(const QObject *walker, int delta, const std::function<OverlaySnapshot()> &live);
+    /// delta    -1 goes to the older capture, 1 back towards the live one
+    /// walker   the overlay that asks; once one has begun, others are ignored
+    /// present  reads what it shows, when it is about to show something else
+    void step(const QObject *walker, int delta, const Present &present);
     void reset();
 
-    [[nodiscard]] int index() const { return m_index; }
+    /// The record that is shown; empty for the live capture.
+    [[nodiscard]] QString record() const { return m_records.value(m_place); }
+
+Q_SIGNALS:
+    /// To be shown in place of what is.
+    void arrived(const tavrel::OverlaySnapshot &snapshot);
+    void imageMissing();
 
 private:
-    const IHistoryKeeper &m_history;
+    void take(int place, const std::optional<OverlaySnapshot> &snapshot);
+    void show(int place, const OverlaySnapshot &snapshot);
+    [[nodiscard]] static bool isSame(const OverlaySnapshot &a, const OverlaySnapshot &b);
+
+    IHistoryKeeper &m_history;
     QPointer<const QObject> m_walker;
-    std::optional<OverlaySnapshot> m_live;
-    int m_index = -1;
+    Present m_present;
+    bool m_isWalking = false;
+    QStringList m_records;
+    QHash<int, OverlaySnapshot> m_kept; ///< by place: the live capture, and records that were drawn on
+    OverlaySnapshot m_shown;            ///< as it came
+    int m_place = -1;                   ///< shown
+    int m_wanted = -1;                  ///< where the steps lead; another one while it is read
 };
 
 } // namespace tavrel

@@ -1,21 +1,27 @@
 #include "overlay/capture_overlay.h"
 
-#include "annotate/effect_image_cache.h"
-#include "annotate/smart_erase_engine.h"
-#include "annotate/tool_memory.h"
-
+#include "annotate/crop_rect.h"
 #include "annotate/selection_renderer.h"
+#include "annotate/smart_erase_engine.h"
 #include "overlay/element_probe.h"
 #include "overlay/long_capture_mode.h"
+#include "overlay/long_capture_toolbar.h"
+#include "overlay/overlay_marks.h"
 #include "overlay/overlay_panels.h"
-#include "overlay/selection_geometry.h"
 #include "platform/window_controller.h"
-#include "ui/shape_text_editor.h"
+#include "ui/eyedropper_sample.h"
+#include "ui/toolbar_layout.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QEnterEvent>
+#include <QKeyEvent>
 #include <QMouseEvent>
+#include <QNativeGestureEvent>
+#include <QPainter>
+#include <QScreen>
+#include <QTimer>
+#include <QWheelEvent>
 
 #include <cmath>
 #include <utility>
@@ -23,7 +29,31 @@
 namespace tavrel::ui {
 namespace {
 
-constexpr double kSmallestBand = 4; ///< a shorter drag is a click
+constexpr double kSmallestSearched = 10;
+constexpr int kGestureSlowness = 4; ///< of a zoom gesture that walks the hovered rectangle
+
+/// Where the pointer is. Widgets get every position but this one rounded to whole units, which at a fractional ratio is
+/// a pixel beside the one under the pointer. The overlay is a window, so its scene is itself.
+QPointF pointOf(const QWidget &overlay, const QMouseEvent &event)
+{
+    return overlay.isWindow() ? event.scenePosition() : event.position();
+}
+
+/// The buttons of toolbars whose outcome nobody takes.
+QSet<ToolType> toolsWithout(const QSet<CaptureOutcome::Action> &offered, bool canRecognise)
+{
+    // Recordings and uploads are no outcomes yet.
+    QSet<ToolType> absent{ToolType::Record, ToolType::Cloud};
+    if (!canRecognise)
+        absent.insert(ToolType::Ocr);
+    for (const auto &[tool, action] : {std::pair(ToolType::Copy, CaptureOutcome::Action::Copy),
+                                       std::pair(ToolType::Save, CaptureOutcome::Action::Save),
+                                       std::pair(ToolType::Pin, CaptureOutcome::Action::Pin)}) {
+        if (!offered.contains(action))
+            absent.insert(tool);
+    }
+    return absent;
+}
 
 } // namespace
 
@@ -31,14 +61,12 @@ CaptureOverlay::CaptureOverlay(const platform::CapturedDisplay &display, const S
     : QWidget(parent, Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint),
       m_display(static_cast<const platform::DisplayInfo &>(display)),
       m_config(config),
-      m_picture(display.image),
-      m_toolMemory(std::make_shared<ToolMemory>()),
-      m_panels(new OverlayPanels(this, m_document, config)),
+      m_livePicture(display.image.cacheKey()),
+      m_drawing(this),
+      m_detection(
+          display, [this] { return isVisible() && !hasSelection(); }, this),
+      m_panels(new OverlayPanels(this, m_drawing.document(), config)),
       m_long(new LongCaptureMode(this)),
-      m_effects(std::make_unique<EffectImageCache>(m_picture.image())),
-      m_textEditor(new ShapeTextEditor(this, m_document)),
-      m_markerLines(new MarkerLines(this)),
-      m_livePicture(m_picture.image().cacheKey()),
       m_colorFormat(config.colorFormat)
 {
     setAttribute(Qt::WA_TranslucentBackground);
@@ -50,20 +78,10 @@ CaptureOverlay::CaptureOverlay(const platform::CapturedDisplay &display, const S
     setWindowTitle(QStringLiteral("Tavrel"));
     setAccessibleName(QCoreApplication::translate("CaptureOverlay", "截图选区"));
     setAccessibleDescription(QCoreApplication::translate("CaptureOverlay", "拖拽选择区域，Enter 复制，Esc 取消"));
-    connect(&m_toast, &Toast::changed, this, [this] {
-        updateLongHole();
-        scheduleUpdate();
-    });
-    connect(m_long, &LongCaptureMode::actionTriggered, this, &CaptureOverlay::runLongAction);
-    connect(m_long, &LongCaptureMode::troubled, this, &CaptureOverlay::showToast);
-    connect(m_long, &LongCaptureMode::changed, this, [this](const QRect &area) {
-        updateLongHole();
-        update(area);
-    });
+    m_drawing.setMarkerSnap(config.markerSnapText);
+    showPicture(OverlayPicture(display.image));
+    connectParts();
     setStarter(AutoStart::LongCapture, [this] { startLongMode(); });
-    connect(&m_hover, &HoverTracker::changed, this, &CaptureOverlay::scheduleUpdate);
-    refreshHoverScene();
-    connectTools();
     rebuildHints();
 }
 
@@ -73,13 +91,48 @@ CaptureOverlay::~CaptureOverlay()
     hide();
 }
 
+void CaptureOverlay::connectParts()
+{
+    connect(&m_toast, &Toast::changed, this, [this] {
+        updateLongHole();
+        scheduleUpdate();
+    });
+    connect(&m_detection.tracker(), &HoverTracker::changed, this, &CaptureOverlay::scheduleUpdate);
+
+    connect(&m_drawing, &DrawingSession::changed, this, &CaptureOverlay::scheduleUpdate);
+    connect(&m_drawing, &DrawingSession::stateChanged, this, [this] {
+        layoutPanels();
+        updateCursor(m_pointer);
+    });
+    connect(&m_drawing, &DrawingSession::keyboardReturned, this, [this] { setFocus(Qt::OtherFocusReason); });
+    connect(&m_drawing, &DrawingSession::markerSnapChanged, this, &CaptureOverlay::markerSnapChanged);
+    connect(&m_drawing, &DrawingSession::linesUnavailable, this,
+            [this] { showToast(QCoreApplication::translate("CaptureOverlay", "本版本不含文字识别组件")); });
+
+    m_panels->setEyedropperSource(
+        [this](const QPointF &point) { return eyedropperSample(m_picture.image(), point - m_picture.origin()); });
+    connect(m_panels, &OverlayPanels::toolChosen, this, &CaptureOverlay::setTool);
+    connect(m_panels, &OverlayPanels::actionChosen, this, &CaptureOverlay::runAction);
+    connect(m_panels, &OverlayPanels::attributesChanged, &m_drawing, &DrawingSession::takeAttributes);
+    connect(m_panels, &OverlayPanels::configChanged, this, &CaptureOverlay::toolbarConfigChanged);
+    connect(m_panels, &OverlayPanels::guideDismissed, this, &CaptureOverlay::toolGuideDismissed);
+    connect(m_panels, &OverlayPanels::placed, this, &CaptureOverlay::scheduleUpdate);
+    connect(m_panels, &OverlayPanels::keyboardReturned, this, [this] { setFocus(Qt::OtherFocusReason); });
+
+    connect(m_long, &LongCaptureMode::actionTriggered, this, &CaptureOverlay::runLongAction);
+    connect(m_long, &LongCaptureMode::troubled, this, &CaptureOverlay::showToast);
+    connect(m_long, &LongCaptureMode::changed, this, [this](const QRect &area) {
+        updateLongHole();
+        update(area);
+    });
+}
+
 void CaptureOverlay::setConfig(const SettingsConfig &config)
 {
     m_config = config;
-    m_document.setMarkerSnapText(config.markerSnapText);
+    m_drawing.setMarkerSnap(config.markerSnapText);
     m_panels->setConfig(config);
     m_hintKey = -1;
-    rebuildHints();
     scheduleUpdate();
 }
 
@@ -88,38 +141,16 @@ void CaptureOverlay::setWindowController(std::shared_ptr<platform::IWindowContro
     m_windowController = std::move(controller);
 }
 
+void CaptureOverlay::setOffered(const QSet<Action> &offered)
+{
+    m_offered = offered;
+    layoutPanels();
+}
+
 void CaptureOverlay::setDetection(const QList<platform::WindowInfo> &windows, ElementProbe *probe)
 {
-    m_windows = windows;
-    connectProbe(probe);
-    refreshHoverScene();
-}
-
-void CaptureOverlay::connectProbe(ElementProbe *probe)
-{
-    if (m_probe)
-        disconnect(m_probe, nullptr, this, nullptr);
-    m_probe = probe;
-    if (!probe) {
-        m_hover.setElementSource({});
-        return;
-    }
-    connect(probe, &ElementProbe::ready, this,
-            [this](const QPointF &global, qint64 processId, const QList<QRectF> &chain) {
-                if (isVisible() && !hasSelection())
-                    m_hover.takeElements(global, processId, chain);
-            });
-    m_hover.setElementSource([this](const QPointF &global, qint64 processId) {
-        // A picture of the past does not show the elements of now.
-        if (m_probe && m_picture.image().cacheKey() == m_livePicture)
-            m_probe->request(global, processId);
-    });
-}
-
-void CaptureOverlay::refreshHoverScene()
-{
-    m_hover.setPicture(m_picture.image(), m_picture.origin());
-    m_hover.setSurroundings(m_windows, globalOrigin(), area());
+    m_detection.setProbe(probe);
+    m_detection.setWindows(windows);
 }
 
 void CaptureOverlay::setPickMode(bool pick)
@@ -129,33 +160,7 @@ void CaptureOverlay::setPickMode(bool pick)
     scheduleUpdate();
 }
 
-void CaptureOverlay::setToolMemory(std::shared_ptr<ToolMemory> memory)
-{
-    m_toolMemory = std::move(memory);
-    m_toolMemory->begin(m_document);
-}
-
-// --- selection -------------------------------------------------------------------------------------------------------
-
-QRectF CaptureOverlay::area() const
-{
-    // A live capture covers the display, also where rounding leaves its logical size a fraction short.
-    return m_picture.origin().isNull() ? QRectF(rect()) : m_picture.area().intersected(QRectF(rect()));
-}
-
-void CaptureOverlay::changeMode(OverlayMode mode)
-{
-    m_mode = mode;
-    if (mode != OverlayMode::Resizing)
-        m_activeHandle = kNoHit;
-}
-
-QPointF CaptureOverlay::pointOf(const QMouseEvent &event) const
-{
-    // Widgets get every position but this one rounded to whole units, which at a fractional ratio is a pixel beside
-    // the one under the pointer. The overlay is a window, so its scene is itself.
-    return isWindow() ? event.scenePosition() : event.position();
-}
+// --- what the pointer does -------------------------------------------------------------------------------------------
 
 void CaptureOverlay::mousePressEvent(QMouseEvent *event)
 {
@@ -163,10 +168,10 @@ void CaptureOverlay::mousePressEvent(QMouseEvent *event)
         setFocus(Qt::MouseFocusReason);
         return;
     }
-    m_pointer = pointOf(*event);
+    m_pointer = pointOf(*this, *event);
     m_pointerInside = true;
     if (event->button() == Qt::LeftButton) {
-        if (m_mode == OverlayMode::Idle && isHovering())
+        if (mode() == OverlayMode::Idle && isHovering())
             updateHover(m_pointer); // a press need not follow a move
         pressLeft(m_pointer);
     }
@@ -179,105 +184,75 @@ void CaptureOverlay::mousePressEvent(QMouseEvent *event)
 void CaptureOverlay::pressLeft(const QPointF &point)
 {
     setFocus(Qt::MouseFocusReason);
-    endTextEdit(isOnEditedHandle(point));
-    m_pressPoint = point;
-    m_pressSelection = m_selection;
-    if (!hasSelection()) {
-        beginSelection(point);
-        return;
-    }
-    const int hit = hasTool() ? hitNarrow(m_selection, point) : hitBroad(m_selection, point);
-    if (hit >= 0 && hit < kInsideHit) {
+    m_drawing.settle(point);
+    switch (m_gesture.press(point, hasTool(), m_drawing.meets(point))) {
+    case SelectionGesture::Press::Band:
+        dropWork();
+        Q_EMIT selectionStarted();
+        break;
+    case SelectionGesture::Press::Adjust:
         if (hasTool())
-            m_document.cancelCreation();
-        changeMode(OverlayMode::Resizing);
-        m_activeHandle = hit;
-    } else if (hasTool()) {
-        // Beside the selection only a shape can be taken, so that a stray click does not lose the selection.
-        const QPointF inside = inPicture(point);
-        if (m_selection.contains(point) || m_document.hitAny(inside.x(), inside.y(), kShapeHandleTolerance))
-            beginDrawing(point);
-    } else if (hit == kInsideHit) {
-        changeMode(OverlayMode::Moving);
-    } else {
-        beginSelection(point);
+            m_drawing.cancelDrawing();
+        break;
+    case SelectionGesture::Press::Draw:
+        m_drawing.press(point);
+        break;
+    case SelectionGesture::Press::Nothing:
+        break;
     }
 }
 
 void CaptureOverlay::pressRight()
 {
-    if (isEditingText())
-        endTextEdit();
+    if (m_drawing.isEditingText())
+        m_drawing.endTextEdit();
     else if (hasSelection())
         clearSelection();
     else
-        Q_EMIT closeRequested();
-}
-
-void CaptureOverlay::beginSelection(const QPointF &point)
-{
-    clearSelection();
-    changeMode(OverlayMode::Selecting);
-    m_selection = QRectF(point, QSizeF(0, 0));
-    Q_EMIT selectionStarted();
+        leave();
 }
 
 void CaptureOverlay::mouseMoveEvent(QMouseEvent *event)
 {
-    const QPointF point = pointOf(*event);
+    const QPointF point = pointOf(*this, *event);
     m_pointer = point;
     m_pointerInside = true;
-    const QPointF delta = point - m_pressPoint;
-    switch (m_mode) {
-    case OverlayMode::Idle:
+    if (mode() == OverlayMode::Idle) {
         updateCursor(point);
         updateHover(point);
-        break;
-    case OverlayMode::Selecting:
-        m_selection = bandSelection(m_pressPoint, point, area());
-        break;
-    case OverlayMode::Moving:
-        m_selection = movedSelection(m_pressSelection, delta, area());
-        layoutPanels();
-        break;
-    case OverlayMode::Resizing: {
-        const QRectF whole = area();
-        const QPointF clamped(std::clamp(point.x(), whole.left(), whole.right()),
-                              std::clamp(point.y(), whole.top(), whole.bottom()));
-        m_selection = resizedSelection(m_pressSelection, m_activeHandle, clamped - m_pressPoint, whole);
-        layoutPanels();
-        break;
-    }
-    case OverlayMode::Drawing: {
-        const QPointF from = inPicture(m_pressPoint);
-        const QPointF to = inPicture(point);
-        m_document.move(from.x(), from.y(), to.x(), to.y(), event->modifiers().testFlag(Qt::ShiftModifier));
-        break;
-    }
+    } else if (mode() == OverlayMode::Drawing) {
+        m_drawing.move(point, event->modifiers().testFlag(Qt::ShiftModifier));
+    } else {
+        m_gesture.move(point, area());
+        followSelection();
+        if (mode() != OverlayMode::Selecting)
+            layoutPanels();
     }
     scheduleUpdate();
 }
 
 void CaptureOverlay::mouseReleaseEvent(QMouseEvent *event)
 {
-    if (event->button() != Qt::LeftButton)
+    if (event->button() != Qt::LeftButton || mode() == OverlayMode::Idle)
         return;
-    m_pointer = pointOf(*event);
-    switch (m_mode) {
-    case OverlayMode::Idle:
-        return;
-    case OverlayMode::Selecting:
+    m_pointer = pointOf(*this, *event);
+    switch (m_gesture.release()) {
+    case SelectionGesture::Release::Selected:
+        followSelection();
         endSelecting();
         break;
-    case OverlayMode::Moving:
-    case OverlayMode::Resizing:
-        changeMode(OverlayMode::Idle);
-        if (m_selection.width() < 1 || m_selection.height() < 1)
-            m_selection = m_pressSelection;
+    case SelectionGesture::Release::Clicked:
+        followSelection();
+        clickHovered();
+        break;
+    case SelectionGesture::Release::Adjusted:
+        followSelection();
         layoutPanels();
         break;
-    case OverlayMode::Drawing:
-        endDrawing();
+    case SelectionGesture::Release::Drawn:
+        m_drawing.release(m_pointer);
+        break;
+    case SelectionGesture::Release::Nothing:
         break;
     }
     updateCursor(m_pointer);
@@ -286,42 +261,29 @@ void CaptureOverlay::mouseReleaseEvent(QMouseEvent *event)
 
 void CaptureOverlay::endSelecting()
 {
-    changeMode(OverlayMode::Idle);
-    if (m_selection.width() >= kSmallestBand && m_selection.height() >= kSmallestBand) {
-        m_hover.clear();
-        layoutPanels();
-        consumeArmedStarts();
-        if (m_pickMode)
-            finishPick();
-        return;
-    }
-    // A click takes what is under the pointer.
-    m_selection = {};
-    const QRectF hover = m_hover.target();
+    m_detection.tracker().clear();
+    layoutPanels();
+    consumeArmedStarts();
+    if (m_pickMode)
+        finish(Action::Pick);
+}
+
+void CaptureOverlay::clickHovered()
+{
+    const QRectF hover = hoverRect();
     if (hover.isEmpty())
         return;
     Q_EMIT selectionStarted();
     setSelectionRect(hover);
     if (m_pickMode)
-        finishPick();
-}
-
-void CaptureOverlay::finishPick()
-{
-    // The first receiver may close the session: the picture is cut before that.
-    const QImage image =
-        renderSelection(m_picture.image(), m_selection.translated(-m_picture.origin()), {}, ShapeFactory::standard());
-    if (image.isNull())
-        return;
-    Q_EMIT regionRectPicked(globalSelectionRect());
-    Q_EMIT regionPicked(image);
+        finish(Action::Pick);
 }
 
 void CaptureOverlay::enterEvent(QEnterEvent *event)
 {
     // The overlay comes up under a pointer that may not move before it is clicked.
     m_pointerInside = true;
-    if (m_mode == OverlayMode::Idle) {
+    if (mode() == OverlayMode::Idle) {
         m_pointer = event->position();
         updateCursor(m_pointer);
         updateHover(m_pointer);
@@ -333,57 +295,122 @@ void CaptureOverlay::enterEvent(QEnterEvent *event)
 void CaptureOverlay::leaveEvent(QEvent *event)
 {
     m_pointerInside = false;
-    m_hover.clear();
-    m_document.setHovered(nullptr);
+    m_detection.tracker().clear();
+    m_drawing.leave();
     scheduleUpdate();
     QWidget::leaveEvent(event);
 }
 
-void CaptureOverlay::resizeEvent(QResizeEvent *event)
+void CaptureOverlay::updateHover(const QPointF &point)
 {
-    QWidget::resizeEvent(event);
-    m_painted.everything = true;
-    refreshHoverScene();
-    layoutPanels();
+    if (hasSelection() && hasTool())
+        m_drawing.hover(point);
+    else
+        m_drawing.leave();
+    if (isHovering() && m_config.autoDetectWindow)
+        m_detection.tracker().update(point);
+    else
+        m_detection.tracker().clear();
 }
 
-void CaptureOverlay::closeEvent(QCloseEvent *event)
+void CaptureOverlay::updateCursor(const QPointF &point)
 {
-    // A session manager or the user by way of the window list; the session has to end with its overlay.
+    QCursor wanted(Qt::CrossCursor);
+    if (mode() == OverlayMode::Moving)
+        wanted = Qt::ClosedHandCursor;
+    else if (mode() == OverlayMode::Resizing)
+        wanted = cursorOfHit(m_gesture.handle());
+    else if (mode() == OverlayMode::Drawing)
+        return; // keeps the one it began with
+    else if (mode() == OverlayMode::Idle && hasSelection())
+        wanted = hasTool() ? toolCursor(point) : QCursor(cursorOfHit(hitBroad(selection(), point)));
+    if (cursor() != wanted)
+        setCursor(wanted);
+}
+
+QCursor CaptureOverlay::toolCursor(const QPointF &point)
+{
+    if (const int hit = hitNarrow(selection(), point); hit >= 0 && hit < kInsideHit)
+        return cursorOfHit(hit);
+    if (!selection().contains(point) && !m_drawing.meets(point))
+        return Qt::ArrowCursor;
+    return m_drawing.cursor(point);
+}
+
+void CaptureOverlay::wheelEvent(QWheelEvent *event)
+{
+    if (event->phase() == Qt::ScrollBegin)
+        m_drawing.forgetWheel();
     event->accept();
-    Q_EMIT closeRequested();
+    if (isLongActive())
+        return;
+    if (isHovering())
+        m_detection.tracker().wheel(*event, m_config.wheelZoomReversed);
+    else
+        m_drawing.wheel(*event, m_config.wheelZoomReversed);
 }
 
-void CaptureOverlay::hideEvent(QHideEvent *event)
+bool CaptureOverlay::event(QEvent *event)
 {
-    finishLongMode(false); // its toolbar is a window of its own
-    QWidget::hideEvent(event);
+    if (event->type() == QEvent::NativeGesture) {
+        const auto *gesture = static_cast<QNativeGestureEvent *>(event);
+        if (gesture->gestureType() == Qt::ZoomNativeGesture) {
+            const int value = gestureValue(gesture->value());
+            if (isHovering())
+                m_detection.tracker().walkSmoothly(value / kGestureSlowness);
+            else
+                m_drawing.gesture(value, gesture->modifiers().testFlag(Qt::ShiftModifier));
+            return true;
+        }
+    }
+    return QWidget::event(event);
+}
+
+// --- selection, picture and panels -----------------------------------------------------------------------------------
+
+QRectF CaptureOverlay::area() const
+{
+    // A live capture covers the display, also where rounding leaves its logical size a fraction short.
+    return m_picture.origin().isNull() ? QRectF(rect()) : m_picture.area().intersected(QRectF(rect()));
+}
+
+void CaptureOverlay::showPicture(const OverlayPicture &picture)
+{
+    m_picture = picture;
+    m_drawing.setPicture(m_picture.image());
+    m_drawing.setView({.zoom = 1, .origin = m_picture.origin()});
+    m_detection.setPicture(m_picture, m_picture.image().cacheKey() == m_livePicture);
+    m_detection.setArea(area());
+    m_painted.everything = true;
+}
+
+void CaptureOverlay::followSelection()
+{
+    m_drawing.setArea(hasSelection() ? inPicture(selection()) : QRectF());
+}
+
+void CaptureOverlay::dropWork()
+{
+    finishLongMode(false);
+    m_page = {};
+    m_panels->forgetPosition();
+    followSelection();
+    m_drawing.clear();
 }
 
 void CaptureOverlay::clearSelection()
 {
-    finishLongMode(false);
-    m_longResult = {};
-    endTextEdit();
-    m_panels->forgetPosition();
-    m_selection = {};
-    changeMode(OverlayMode::Idle);
-    m_document.loadState(QStringLiteral("[]"), QStringLiteral("{}"), {}, 0);
-    m_document.setTool(ToolType::None);
-    refreshErase();
-    layoutPanels();
-    scheduleUpdate();
+    m_gesture.clear();
+    dropWork();
 }
 
 void CaptureOverlay::setSelectionRect(const QRectF &rect)
 {
-    // A key may come while a button is held.
-    if (m_mode == OverlayMode::Drawing)
-        endDrawing();
-    m_hover.clear();
-    m_longResult = {};
-    m_selection = rect.intersected(area());
-    changeMode(OverlayMode::Idle);
+    m_drawing.finishDrawing(); // a key may come while a button is held
+    m_detection.tracker().clear();
+    m_page = {};
+    m_gesture.select(rect.intersected(area()));
+    followSelection();
     layoutPanels();
     updateCursor(m_pointer);
     scheduleUpdate();
@@ -392,49 +419,153 @@ void CaptureOverlay::setSelectionRect(const QRectF &rect)
 
 QRect CaptureOverlay::globalSelectionRect() const
 {
-    return m_selection.toAlignedRect().translated(m_display.geometry.topLeft());
-}
-
-void CaptureOverlay::updateHover(const QPointF &point)
-{
-    m_document.setHovered(nullptr);
-    if (hasSelection() && hasTool()) {
-        const QPointF inside = inPicture(point);
-        m_document.setHovered(m_document.pickAt(inside.x(), inside.y()));
-    }
-    if (isHovering() && m_config.autoDetectWindow)
-        m_hover.update(point);
-    else
-        m_hover.clear();
-}
-
-void CaptureOverlay::updateCursor(const QPointF &point)
-{
-    QCursor wanted(Qt::CrossCursor);
-    if (m_mode == OverlayMode::Moving)
-        wanted = Qt::ClosedHandCursor;
-    else if (m_mode == OverlayMode::Resizing)
-        wanted = cursorOfHit(m_activeHandle);
-    else if (m_mode == OverlayMode::Drawing)
-        return; // keeps the one it began with
-    else if (m_mode == OverlayMode::Idle && hasSelection())
-        wanted = hasTool() ? toolCursor(point) : QCursor(cursorOfHit(hitBroad(m_selection, point)));
-    if (cursor() != wanted)
-        setCursor(wanted);
+    return selection().toAlignedRect().translated(m_display.geometry.topLeft());
 }
 
 void CaptureOverlay::layoutPanels()
 {
-    m_panels->show({.selection = m_selection,
-                    .isShown = !m_pickMode && hasSelection() && m_mode != OverlayMode::Selecting && !isLongActive(),
-                    .tool = m_document.tool(),
-                    .canUndo = m_document.canUndo(),
-                    .canRedo = m_document.canRedo()});
+    m_panels->show(
+        {.selection = selection(),
+         .isShown = !m_pickMode && hasSelection() && mode() != OverlayMode::Selecting && !isLongActive(),
+         .tool = document().tool(),
+         .canUndo = document().canUndo(),
+         .canRedo = document().canRedo(),
+         .absent = toolsWithout(m_offered, static_cast<bool>(m_starts[size_t(AutoStart::TextRecognition)].starter))});
+}
+
+void CaptureOverlay::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    m_painted.everything = true;
+    m_detection.setArea(area());
+    layoutPanels();
+}
+
+void CaptureOverlay::closeEvent(QCloseEvent *event)
+{
+    // A session manager or the user by way of the window list; the session has to end with its overlay.
+    event->accept();
+    leave();
+}
+
+void CaptureOverlay::hideEvent(QHideEvent *event)
+{
+    finishLongMode(false); // its toolbar is a window of its own
+    QWidget::hideEvent(event);
+}
+
+// --- keys and buttons ------------------------------------------------------------------------------------------------
+
+void CaptureOverlay::keyPressEvent(QKeyEvent *event)
+{
+    if (m_drawing.isEditingText()) {
+        QWidget::keyPressEvent(event);
+        return;
+    }
+    if (handleLongKey(event->key()))
+        return;
+    const KeyCombo combo = KeyCombo::fromEvent(*event);
+    OverlayCommand command =
+        event->key() == Qt::Key_Escape ? OverlayCommand::Leave : boundCommand(combo, m_config.builtin, hasSelection());
+    if (command == OverlayCommand::None && m_drawing.key(combo))
+        return;
+    if (command == OverlayCommand::None)
+        command = fixedCommand(combo, event->key(),
+                               {.hasSelection = hasSelection(), .hasTool = hasTool(), .picksColor = picksColor()});
+    if (command == OverlayCommand::None)
+        QWidget::keyPressEvent(event);
+    else
+        run(command);
+}
+
+void CaptureOverlay::run(OverlayCommand command)
+{
+    switch (command) {
+    case OverlayCommand::Leave:
+        leave();
+        break;
+    case OverlayCommand::SelectAll:
+        setSelectionRect(QRectF(rect()));
+        Q_EMIT selectionStarted();
+        if (m_pickMode)
+            finish(Action::Pick);
+        break;
+    case OverlayCommand::Copy:
+        finish(Action::Copy);
+        break;
+    case OverlayCommand::Save:
+        finish(Action::Save);
+        break;
+    case OverlayCommand::Pin:
+        finish(Action::Pin);
+        break;
+    case OverlayCommand::Older:
+        Q_EMIT historyNavigate(-1);
+        break;
+    case OverlayCommand::Newer:
+        Q_EMIT historyNavigate(1);
+        break;
+    case OverlayCommand::SwitchColorFormat:
+        m_colorFormat = m_colorFormat == u"rgb" ? QStringLiteral("hex") : QStringLiteral("rgb");
+        scheduleUpdate();
+        break;
+    case OverlayCommand::CopyColor:
+        copyColor();
+        break;
+    case OverlayCommand::ToggleWindow:
+        m_detection.tracker().toggleWindow();
+        break;
+    case OverlayCommand::None:
+        break;
+    }
+}
+
+void CaptureOverlay::runAction(ToolType action)
+{
+    switch (action) {
+    case ToolType::Ocr:
+        startTextRecognition();
+        break;
+    case ToolType::Undo:
+        m_drawing.undo();
+        break;
+    case ToolType::Redo:
+        m_drawing.redo();
+        break;
+    case ToolType::Cancel:
+        leave();
+        break;
+    case ToolType::Save:
+        finish(Action::Save);
+        break;
+    case ToolType::Copy:
+        finish(Action::Copy);
+        break;
+    case ToolType::Pin:
+        finish(Action::Pin);
+        break;
+    case ToolType::LongScreenshot:
+        startLongMode();
+        break;
+    default:
+        break;
+    }
+}
+
+void CaptureOverlay::startTextRecognition()
+{
+    if (selection().width() <= kSmallestSearched || selection().height() <= kSmallestSearched) {
+        showToast(QCoreApplication::translate("CaptureOverlay", "请先拖拽选定识别区域"));
+        return;
+    }
+    setTool(ToolType::None);
+    armStart(AutoStart::TextRecognition);
 }
 
 void CaptureOverlay::setStarter(AutoStart what, std::function<void()> starter)
 {
     m_starts[static_cast<std::size_t>(what)].starter = std::move(starter);
+    layoutPanels();
 }
 
 void CaptureOverlay::armStart(AutoStart what)
@@ -445,7 +576,7 @@ void CaptureOverlay::armStart(AutoStart what)
 
 void CaptureOverlay::consumeArmedStarts()
 {
-    if (!hasSelection() || m_pickMode || m_mode == OverlayMode::Selecting)
+    if (!hasSelection() || m_pickMode || mode() == OverlayMode::Selecting)
         return;
     for (Start &start : m_starts) {
         if (!std::exchange(start.isArmed, false) || !start.starter)
@@ -460,103 +591,292 @@ void CaptureOverlay::consumeArmedStarts()
 
 // --- results ---------------------------------------------------------------------------------------------------------
 
-std::optional<platform::WindowInfo> CaptureOverlay::windowUnderSelection() const
+void CaptureOverlay::finish(Action action)
+{
+    m_drawing.endTextEdit();
+    CaptureOutcome outcome{.action = action,
+                           .picture = {},
+                           .snapshot = snapshot(),
+                           .window = hasSelection() ? m_detection.windowAt(selection().center()) : std::nullopt,
+                           .rectangle = globalSelectionRect(),
+                           .text = {}};
+    if (action != Action::Leave) {
+        if (!m_offered.contains(action)) {
+            showToast(QCoreApplication::translate("CaptureOverlay", "此版本还没有这个功能"));
+            return;
+        }
+        outcome.picture = renderedResult(action);
+        if (outcome.picture.isNull())
+            return;
+    }
+    Q_EMIT finished(outcome);
+}
+
+void CaptureOverlay::copyColor()
+{
+    CaptureOutcome outcome;
+    outcome.action = Action::CopyColor;
+    outcome.text = colorText(m_picture.colorAt(m_pointer), m_colorFormat);
+    Q_EMIT finished(outcome);
+}
+
+QImage CaptureOverlay::renderedResult(Action action) const
 {
     if (!hasSelection())
         return {};
-    const platform::WindowInfo *window = windowAt(m_windows, m_selection.center() + globalOrigin());
-    return window ? std::optional(*window) : std::nullopt;
-}
-
-QImage CaptureOverlay::renderedSelection() const
-{
-    if (!hasSelection())
-        return {};
-    if (!m_longResult.isNull())
-        return m_longResult;
-    if (m_eraseEngine)
-        m_eraseEngine->solve(m_document.eraseRegions(m_eraseEngine->scale()));
-    return renderSelection(m_picture.image(), m_selection.translated(-m_picture.origin()), m_document.shapesJson(),
-                           ShapeFactory::standard(), m_effects.get(), m_eraseEngine.get());
-}
-
-void CaptureOverlay::requestCopy()
-{
-    endTextEdit();
-    const QImage image = renderedSelection();
-    if (!image.isNull())
-        Q_EMIT copyRequested(image);
-}
-
-void CaptureOverlay::requestSave()
-{
-    endTextEdit();
-    const QImage image = renderedSelection();
-    if (!image.isNull())
-        Q_EMIT saveRequested(image);
-}
-
-void CaptureOverlay::requestPin()
-{
-    endTextEdit();
-    const QImage image = renderedSelection();
-    if (!image.isNull())
-        Q_EMIT pinRequested(image, globalSelectionRect());
+    if (!m_page.isNull())
+        return m_page;
+    if (action == Action::Pick)
+        return renderSelection(m_picture.image(), inPicture(selection()), {}, ShapeFactory::standard());
+    if (SmartEraseEngine *engine = m_drawing.eraseEngine())
+        engine->solve(m_drawing.document().eraseRegions(engine->scale()));
+    return renderSelection(m_picture.image(), inPicture(selection()), m_drawing.document().shapesJson(),
+                           ShapeFactory::standard(), m_drawing.effects(), m_drawing.eraseEngine());
 }
 
 OverlaySnapshot CaptureOverlay::snapshot() const
 {
-    if (!m_longResult.isNull()) {
-        const double ratio = m_longResult.devicePixelRatio() > 0 ? m_longResult.devicePixelRatio() : 1.0;
+    if (!m_page.isNull()) {
+        const double ratio = m_page.devicePixelRatio() > 0 ? m_page.devicePixelRatio() : 1.0;
         OverlaySnapshot page;
-        page.image = m_longResult;
-        page.selection = QRectF(QPointF(), QSizeF(m_longResult.size()) / ratio);
+        page.image = m_page;
+        page.selection = QRectF(QPointF(), QSizeF(m_page.size()) / ratio);
         page.shapesJson = QStringLiteral("[]");
         page.countersJson = QStringLiteral("{}");
         return page;
     }
+    const ShapeDocument &document = m_drawing.document();
     return {.image = m_picture.image(),
-            .selection = m_selection.isEmpty() ? QRectF() : m_selection.translated(-m_picture.origin()),
-            .shapesJson = m_document.shapesJson(),
-            .countersJson = m_document.countersJson(),
-            .undoStack = m_document.undoStack(),
-            .undoIndex = m_document.undoIndex(),
-            .windows = m_windows};
+            .selection = hasSelection() ? inPicture(selection()) : QRectF(),
+            .shapesJson = document.shapesJson(),
+            .countersJson = document.countersJson(),
+            .undoStack = document.undoStack(),
+            .undoIndex = document.undoIndex(),
+            .windows = m_detection.windows()};
 }
 
 void CaptureOverlay::loadSnapshot(const OverlaySnapshot &snapshot)
 {
     if (snapshot.image.isNull())
         return;
-    endTextEdit();
-    m_hover.clear();
-    m_longResult = {};
+    m_drawing.endTextEdit();
+    m_detection.tracker().clear();
+    m_page = {};
     const double ratio = snapshot.image.devicePixelRatio();
     const QSizeF logical = QSizeF(snapshot.image.size()) / ratio;
     const bool covers = std::abs(logical.width() - width()) < 1 && std::abs(logical.height() - height()) < 1;
-    m_picture = OverlayPicture(snapshot.image,
-                               covers ? QPointF() : centredOrigin(logical, QSizeF(size()), devicePixelRatioF()));
-    m_textEditor->setView({.zoom = 1, .origin = m_picture.origin()});
-    m_effects = std::make_unique<EffectImageCache>(m_picture.image());
-    m_eraseEngine.reset();
-    m_markerLines->forget();
-    m_windows = snapshot.windows;
-    refreshHoverScene();
-    m_document.loadState(snapshot.shapesJson, snapshot.countersJson, snapshot.undoStack, snapshot.undoIndex);
-    refreshErase();
-    m_document.setTool(ToolType::None);
-    changeMode(OverlayMode::Idle);
-    m_selection =
-        snapshot.selection.isEmpty() ? QRectF() : snapshot.selection.translated(m_picture.origin()).intersected(area());
-    m_painted.everything = true;
-    layoutPanels();
-    updateCursor(m_pointer);
-    scheduleUpdate();
+    showPicture(OverlayPicture(snapshot.image,
+                               covers ? QPointF() : centredOrigin(logical, QSizeF(size()), devicePixelRatioF())));
+    m_detection.setWindows(snapshot.windows);
+    m_gesture.select(snapshot.selection.isEmpty()
+                         ? QRectF()
+                         : snapshot.selection.translated(m_picture.origin()).intersected(area()));
+    followSelection();
+    m_drawing.load(snapshot.shapesJson, snapshot.countersJson, snapshot.undoStack, snapshot.undoIndex);
 }
 
-void CaptureOverlay::showToast(const QString &text)
+// --- scrolling capture -----------------------------------------------------------------------------------------------
+
+bool CaptureOverlay::isLongActive() const
 {
-    m_toast.show(text);
+    return m_long->isActive();
+}
+
+bool CaptureOverlay::startLongMode()
+{
+    if (m_long->isActive())
+        return true;
+    if (!hasSelection()) {
+        showToast(QCoreApplication::translate("CaptureOverlay", "请先框选要拼接的区域"));
+        return false;
+    }
+    if (!m_long->begin(
+            m_picture.image(), inPicture(selection()),
+            {.theme = themeFor(m_config.theme), .showLabels = m_config.showToolbarText, .offered = m_offered},
+            m_windowController)) {
+        showToast(QCoreApplication::translate("CaptureOverlay", "选区太小，长截图需要一块足够大的区域"));
+        return false;
+    }
+    m_drawing.setTool(ToolType::None);
+    m_detection.tracker().clear();
+    m_page = {};
+    layoutPanels();
+    updateLongHole();
+    Q_EMIT longCaptureStarted();
+    update();
+    return true;
+}
+
+bool CaptureOverlay::addLongFrame(const platform::CapturedDisplay &display)
+{
+    if (display.id != m_display.id)
+        return false;
+    m_long->addFrame(display.image);
+    return true;
+}
+
+void CaptureOverlay::missLongFrame()
+{
+    m_long->missFrame();
+}
+
+void CaptureOverlay::finishLongMode(bool commit)
+{
+    if (!m_long->isActive())
+        return;
+    const LongCaptureMode::Result result = m_long->finish(commit);
+    m_page = result.page;
+    if (commit && m_page.isNull())
+        showToast(QCoreApplication::translate("CaptureOverlay", "没有拼出内容：滚动页面后再试"));
+    else if (commit)
+        qInfo().noquote() << QStringLiteral("长截图完成：%1×%2 像素（%3 帧，填补 %4 行）")
+                                 .arg(m_page.width())
+                                 .arg(m_page.height())
+                                 .arg(result.frames)
+                                 .arg(result.filledRows);
+    Q_EMIT longCaptureFinished();
+    layoutPanels();
+    update();
+}
+
+void CaptureOverlay::updateLongHole()
+{
+    if (m_long->isActive())
+        m_long->cutHole(m_toast.box(QSizeF(size())));
+}
+
+void CaptureOverlay::runLongAction(int action)
+{
+    if (!m_long->isActive())
+        return;
+    finishLongMode(action != LongCaptureToolbar::Cancel);
+    switch (action) {
+    case LongCaptureToolbar::Save:
+        finish(Action::Save);
+        break;
+    case LongCaptureToolbar::Pin:
+        finish(Action::Pin);
+        break;
+    case LongCaptureToolbar::Copy:
+        finish(Action::Copy);
+        break;
+    case LongCaptureToolbar::Edit:
+        if (!m_page.isNull())
+            finish(Action::Edit);
+        break;
+    case LongCaptureToolbar::Cancel:
+        leave();
+        break;
+    default:
+        break;
+    }
+}
+
+bool CaptureOverlay::handleLongKey(int key)
+{
+    if (!m_long->isActive())
+        return false;
+    if (key == Qt::Key_Escape) {
+        finishLongMode(false);
+        leave();
+    } else if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+        finishLongMode(true);
+    }
+    return true;
+}
+
+// --- painting --------------------------------------------------------------------------------------------------------
+
+void CaptureOverlay::paintEvent(QPaintEvent *event)
+{
+    QPainter painter(this);
+    if (isLongActive()) {
+        painter.setClipRegion(event->region());
+        m_picture.paintDimmed(painter, devicePixelRatioF());
+        m_long->paint(painter);
+        m_toast.paint(painter, QSizeF(size()));
+        return;
+    }
+    const OverlayScene now = scene();
+    paintScene(painter, now, event->region(), m_magnifier, [&] { m_drawing.paint(painter, event->region()); });
+    m_painted = regionsOf(now);
+}
+
+OverlayScene CaptureOverlay::scene() const
+{
+    OverlayScene scene{.picture = m_picture, .hints = m_hints, .toast = m_toast, .page = m_page, .size = size()};
+    scene.ratio = devicePixelRatioF();
+    if (hasSelection()) {
+        scene.selection = selection();
+        scene.isSelectionChanging = m_gesture.isChanging();
+        scene.sizeText = sizeText();
+        scene.sizeLabel = sizeLabel(scene.sizeText);
+    } else if (mode() != OverlayMode::Selecting) {
+        scene.hover = m_detection.tracker().shown();
+    }
+    scene.hintBox = hintBox();
+    scene.hintKey = m_hintKey;
+    scene.magnifier = {
+        .lens = m_config.showMagnifier, .colors = m_config.showColorPicker, .colorFormat = m_colorFormat};
+    if (scene.magnifier.isShown() && mode() != OverlayMode::Drawing && picksColor())
+        scene.magnifierBox = magnifierBox(m_pointer, scene.magnifier, QSizeF(size()));
+    scene.pointer = m_pointer;
+    return scene;
+}
+
+QString CaptureOverlay::sizeText() const
+{
+    if (!m_page.isNull())
+        return sizeLabelText(m_page.size());
+    return sizeLabelText(cropRect(inPicture(selection()), m_picture.ratio(), m_picture.image().size()).size());
+}
+
+QRectF CaptureOverlay::sizeLabel(const QString &text) const
+{
+    const QRectF box = sizeLabelBox(selection(), text, width());
+    if (!m_panels->cover(box))
+        return box;
+    // Panels above the selection reach over its place there.
+    const double top = selection().top();
+    const QRectF inside = sizeLabelBox(selection().translated(0, -top), text, width()).translated(0, top);
+    return m_panels->cover(inside) ? box : inside;
+}
+
+bool CaptureOverlay::picksColor() const
+{
+    // A stitched page hides the picture below it.
+    const bool onPage = !m_page.isNull() && selection().contains(m_pointer);
+    return m_pointerInside && !hasTool() && !onPage && m_picture.hasPixelAt(m_pointer);
+}
+
+void CaptureOverlay::rebuildHints()
+{
+    const ShapeDocument &document = m_drawing.document();
+    const int key = static_cast<int>(document.tool()) * 2 + (document.attributes().markerRectMode ? 1 : 0);
+    if (key == m_hintKey)
+        return;
+    m_hintKey = key;
+    m_hints = HintCard(hintRows(document.tool(), document.attributes().markerRectMode, m_config.builtin));
+}
+
+QRectF CaptureOverlay::hintBox() const
+{
+    if (!m_config.showOperationTips || m_hints.isEmpty())
+        return {};
+    const QScreen *display = screen();
+    const double inset = display ? display->geometry().bottom() - display->availableGeometry().bottom() : 0;
+    const QRectF box = m_hints.place(height(), inset);
+    const QRectF reach = box.adjusted(-8, -8, 8, 8);
+    const auto isCovered = [&reach](const QRectF &other) { return !other.isEmpty() && reach.intersects(other); };
+    if (box.top() < 0 || isCovered(selection()) || isCovered(hoverRect()) || m_panels->cover(reach))
+        return {};
+    return box;
+}
+
+void CaptureOverlay::scheduleUpdate()
+{
+    rebuildHints();
+    update(dirtyRegion(m_painted, regionsOf(scene()), rect()) + m_drawing.takeDamage());
 }
 
 } // namespace tavrel::ui

@@ -87,6 +87,7 @@ bool LongCaptureMode::begin(const QImage &image, const QRectF &selection, const 
     }
     m_toolbar->setMixed(isMixed());
     m_toolbar->setTheme(look.theme);
+    m_toolbar->setOffered(look.offered);
     m_toolbar->setShowLabels(look.showLabels);
     m_toolbar->setBounds(m_overlay->geometry());
     m_toolbar->winId();

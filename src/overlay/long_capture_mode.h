@@ -1,5 +1,6 @@
 #pragma once
 
+#include "capture/capture_outcome.h"
 #include "overlay/long_preview_place.h"
 #include "overlay/scroll_preview.h"
 #include "overlay/scroll_stitcher.h"
@@ -10,6 +11,7 @@
 #include <QPointer>
 #include <QRectF>
 #include <QRegion>
+#include <QSet>
 #include <QTimer>
 
 #include <memory>
@@ -38,6 +40,7 @@ public:
     {
         Theme theme;
         bool showLabels = true;
+        QSet<CaptureOutcome::Action> offered; ///< what its toolbar has buttons for
     };
 
     explicit LongCaptureMode(QWidget *overlay);

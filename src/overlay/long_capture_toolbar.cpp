@@ -58,6 +58,15 @@ void LongCaptureToolbar::setTheme(const Theme &theme)
     update();
 }
 
+void LongCaptureToolbar::setOffered(const QSet<CaptureOutcome::Action> &offered)
+{
+    using Outcome = CaptureOutcome::Action;
+    for (const auto &[button, action] : {std::pair(Save, Outcome::Save), std::pair(Pin, Outcome::Pin),
+                                         std::pair(Copy, Outcome::Copy), std::pair(Edit, Outcome::Edit)})
+        m_buttons[button]->setVisible(offered.contains(action));
+    adjustSize();
+}
+
 void LongCaptureToolbar::setShowLabels(bool show)
 {
     for (ToolbarButton *button : std::as_const(m_buttons))

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "capture/capture_outcome.h"
 #include "ui/theme.h"
 
 #include <QFrame>
 #include <QList>
 #include <QPoint>
 #include <QRect>
+#include <QSet>
 
 namespace tavrel::ui {
 
@@ -23,6 +25,8 @@ public:
     explicit LongCaptureToolbar(QWidget *owner);
 
     void setTheme(const Theme &theme);
+    /// What somebody takes; there is always a way to cancel.
+    void setOffered(const QSet<CaptureOutcome::Action> &offered);
     void setShowLabels(bool show);
     /// Whether what is below shows through its corners; they are cut off otherwise.
     void setMixed(bool isMixed);

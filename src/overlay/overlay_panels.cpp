@@ -114,6 +114,7 @@ void OverlayPanels::show(const State &state)
     if (state.isShown)
         prepare();
     if (m_toolbar) {
+        m_toolbar->setAbsent(state.absent);
         m_toolbar->setHistoryState(state.canUndo, state.canRedo);
         // May expand the toolbar, which places it.
         m_toolbar->setCurrentTool(state.tool);

@@ -8,6 +8,7 @@
 #include <QObject>
 #include <QPoint>
 #include <QRectF>
+#include <QSet>
 #include <QWidget>
 
 #include <optional>
@@ -40,6 +41,7 @@ public:
         ToolType tool = ToolType::None;
         bool canUndo = false;
         bool canRedo = false;
+        QSet<ToolType> absent; ///< tools and actions that nobody takes here
     };
 
     /// document  whose attributes the bar sets; has to outlive the panels' use

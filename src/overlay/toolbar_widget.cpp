@@ -118,6 +118,21 @@ void ToolbarWidget::setConfig(const ToolbarLayout &layout)
     refresh();
 }
 
+void ToolbarWidget::setAbsent(const QSet<ToolType> &absent)
+{
+    if (m_absent == absent)
+        return;
+    m_absent = absent;
+    refresh();
+}
+
+ToolbarLayout ToolbarWidget::shownLayout() const
+{
+    ToolbarLayout layout = m_config;
+    layout.removeIf([this](const ToolbarItem &item) { return m_absent.contains(item.tool); });
+    return layout;
+}
+
 void ToolbarWidget::setRoom(int width)
 {
     if (m_room == width)
@@ -155,7 +170,8 @@ void ToolbarWidget::setExpanded(bool expanded)
 
 bool ToolbarWidget::hasHiddenTools() const
 {
-    return std::any_of(m_config.begin(), m_config.end(), [](const ToolbarItem &item) { return !item.visible; });
+    return std::any_of(m_config.begin(), m_config.end(),
+                       [this](const ToolbarItem &item) { return !item.visible && !m_absent.contains(item.tool); });
 }
 
 QPoint ToolbarWidget::expandCentre() const
@@ -221,21 +237,21 @@ void ToolbarWidget::rebuildOrder()
             const auto entry =
                 std::find_if(m_entries.begin(), m_entries.end(), [&](const Entry &e) { return e.tool == item.tool; });
             entry->overflow = !item.visible;
-            if (item.visible == visible && (visible || m_expanded))
+            if (item.visible == visible && (visible || m_expanded) && !m_absent.contains(item.tool))
                 placed.append(entry->button);
         }
     }
     for (ToolbarButton *button : std::as_const(placed))
         m_row->addWidget(button);
     for (const Entry &entry : std::as_const(m_entries)) {
-        if (entry.group == Group::Tools)
-            entry.button->setVisible(placed.contains(entry.button));
+        entry.button->setVisible(entry.group == Group::Tools ? placed.contains(entry.button)
+                                                             : !m_absent.contains(entry.tool));
     }
     const auto addGroup = [this](int gap, QFrame *separator, Group group) {
         m_row->addSpacing(gap);
         m_row->addWidget(separator);
         for (const Entry &entry : std::as_const(m_entries)) {
-            if (entry.group == group)
+            if (entry.group == group && !m_absent.contains(entry.tool))
                 m_row->addWidget(entry.button);
         }
     };

@@ -6,6 +6,7 @@
 #include <QFrame>
 #include <QHash>
 #include <QPoint>
+#include <QSet>
 
 class QHBoxLayout;
 
@@ -28,6 +29,8 @@ public:
     void setTheme(const Theme &theme);
     void setShowLabels(bool show);
     void setConfig(const ToolbarLayout &layout);
+    /// Tools and actions that are not to be had here: they have no button, whatever the layout says.
+    void setAbsent(const QSet<ToolType> &absent);
     /// How wide it may be. A toolbar that is wider closes up, then leaves its labels out. Raises no signal.
     void setRoom(int width);
     /// A tool behind the arrow expands the toolbar, with `layoutChanged`.
@@ -40,7 +43,7 @@ public:
     [[nodiscard]] bool hasHiddenTools() const;
     [[nodiscard]] const ToolbarLayout &toolbarLayout() const { return m_config; }
     /// Names of the tools behind the arrow.
-    [[nodiscard]] QStringList hiddenTools() const { return hiddenToolTexts(m_config); }
+    [[nodiscard]] QStringList hiddenTools() const { return hiddenToolTexts(shownLayout()); }
     /// Middle of the arrow in the parent's coordinates, for a bubble that points at it.
     [[nodiscard]] QPoint expandCentre() const;
 
@@ -71,6 +74,8 @@ private:
         bool overflow = false; ///< behind the arrow
     };
 
+    /// The layout without what is absent.
+    [[nodiscard]] ToolbarLayout shownLayout() const;
     void addButton(ToolType tool, Group group);
     [[nodiscard]] const Entry *entryOf(ToolType tool) const;
     void click(const Entry &entry);
@@ -86,6 +91,7 @@ private:
 
     Theme m_theme;
     ToolbarLayout m_config;
+    QSet<ToolType> m_absent;
     ToolType m_currentTool = ToolType::None;
     bool m_showLabels = true;
     int m_room = QWIDGETSIZE_MAX;

@@ -3,6 +3,7 @@
 #include "platform/synthetic/synthetic_global_hotkey.h"
 #include "platform/unsupported/unsupported_services.h"
 #include "settings/settings_store.h"
+#include "support/memory_history.h"
 #include "support/test_main.h"
 #include "ui/color_library.h"
 #include "ui/dialog_hosts.h"
@@ -103,27 +104,6 @@ public:
     void notify(const platform::Notification &, std::function<void(bool)> done) override { done(false); }
 };
 
-class Records final : public IHistoryKeeper
-{
-public:
-    QString add(const OverlaySnapshot &, const QString &, const QImage &, const FilenameContext &) override
-    {
-        return QStringLiteral("uuid");
-    }
-    void setSavedPath(const QString &uuid, const QString &path) override
-    {
-        events.append(uuid + u'|' + QFileInfo(path).fileName());
-    }
-    int count() const override { return 1; } // a record without its picture
-    std::optional<OverlaySnapshot> load(int) const override { return {}; }
-    bool flush(int) override
-    {
-        events.append(QStringLiteral("flush"));
-        return true;
-    }
-    QStringList events;
-};
-
 class FakeClipboard final : public IClipboard
 {
 public:
@@ -182,7 +162,7 @@ private Q_SLOTS:
         m_windows = std::make_shared<FakeWindows>();
         m_permissions = std::make_shared<FakePermissions>();
         m_notices = std::make_shared<Notices>();
-        m_records = std::make_shared<Records>();
+        m_records = std::make_shared<MemoryHistory>();
     }
 
     void cleanup()
@@ -288,7 +268,9 @@ private Q_SLOTS:
         m_controller->startCapture();
         QTRY_VERIFY(overlay());
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^截图历史：")));
+        m_records->add({}); // its picture is missing
         QTest::keyClick(overlay(), Qt::Key_Comma);
+        QCoreApplication::processEvents();
         QVERIFY(messages().isEmpty());
     }
 
@@ -382,7 +364,9 @@ private Q_SLOTS:
         QTest::keyClick(overlay(), Qt::Key_S, Qt::ControlModifier);
         m_controller.reset(); // no event loop in between
         QCOMPARE(m_settings->config().filenameCounter, 1);
-        QCOMPARE(m_records->events, (QStringList{QStringLiteral("uuid|shot_1.png"), QStringLiteral("flush")}));
+        QCOMPARE(m_records->events.last(), QStringLiteral("finish"));
+        QCOMPARE(QFileInfo(m_records->savedPaths.value(m_records->order.first())).fileName(),
+                 QStringLiteral("shot_1.png"));
         QCOMPARE(QImage(m_folder->filePath(QStringLiteral("shots/shot_1.png"))).size(), QSize(100, 50));
     }
 
@@ -437,7 +421,7 @@ private:
     std::shared_ptr<FakeWindows> m_windows;
     std::shared_ptr<FakePermissions> m_permissions;
     std::shared_ptr<Notices> m_notices;
-    std::shared_ptr<Records> m_records;
+    std::shared_ptr<MemoryHistory> m_records;
     FakeCapturer *m_capturer = nullptr;
     platform::SyntheticGlobalHotkey *m_hotkeys = nullptr;
     FakeUpdater *m_updater = nullptr;

@@ -1,10 +1,10 @@
 #include "app/capture_flow.h"
-#include "app/history_keeper.h"
 #include "app/user_notices.h"
 #include "overlay/capture_overlay.h"
 #include "overlay/long_capture_mode.h"
 #include "platform/unsupported/unsupported_services.h"
 #include "settings/settings_store.h"
+#include "support/memory_history.h"
 #include "support/test_main.h"
 
 #include <QApplication>
@@ -13,6 +13,7 @@
 #include <QWindow>
 
 using namespace tavrel;
+using Action = CaptureOutcome::Action;
 
 namespace {
 
@@ -53,34 +54,6 @@ public:
     QStringList shown;
 };
 
-class Records final : public IHistoryKeeper
-{
-public:
-    QString add(const OverlaySnapshot &snapshot, const QString &source, const QImage &rendered,
-                const FilenameContext &) override
-    {
-        events.append(QStringLiteral("add:%1:%2").arg(source).arg(rendered.width()));
-        last = snapshot;
-        return QStringLiteral("uuid");
-    }
-    void setSavedPath(const QString &, const QString &) override {}
-    int count() const override { return 1; }
-    std::optional<OverlaySnapshot> load(int) const override
-    {
-        if (!hasImage)
-            return {};
-        OverlaySnapshot snapshot;
-        snapshot.image = QImage(50, 40, QImage::Format_ARGB32_Premultiplied);
-        snapshot.image.fill(Qt::green);
-        return snapshot;
-    }
-    bool flush(int) override { return true; }
-
-    QStringList events;
-    OverlaySnapshot last;
-    bool hasImage = true;
-};
-
 platform::CapturedDisplay display(quint32 id, const QRect &geometry, double ratio = 1.0)
 {
     platform::CapturedDisplay captured;
@@ -115,12 +88,20 @@ private Q_SLOTS:
         m_settings = std::make_unique<SettingsStore>(m_folder->filePath(QStringLiteral("s.ini")));
         m_capturer = std::make_unique<FakeCapturer>();
         m_capturer->result.displays = {display(1, {0, 0, 400, 300}), display(2, {400, 0, 300, 200}, 2.0)};
-        m_records = std::make_unique<Records>();
+        m_records = std::make_unique<MemoryHistory>();
         m_notices = std::make_unique<Notices>();
         m_cursor = QPoint(10, 10);
         m_flow = std::make_unique<CaptureFlow>(
             CaptureFlow::Services{*m_capturer, platform::Unsupported::windowController(), nullptr, *m_settings,
                                   *m_records, *m_notices, [this] { return m_cursor; }});
+        m_finished.clear();
+        for (const Action action : {Action::Copy, Action::Save}) {
+            m_flow->setReceiver(action, [this](const CaptureFlow::Finished &finished) {
+                QVERIFY(!m_flow->isActive());
+                m_records->events.append(QStringLiteral("taken"));
+                m_finished.append(finished);
+            });
+        }
     }
 
     void cleanup() { m_flow.reset(); }
@@ -154,28 +135,24 @@ private Q_SLOTS:
         QVERIFY(!m_capturer->options.excludeOwnWindows);
     }
 
-    void aResultLeavesAfterTheSessionHasEndedAndTheRecordBefore()
+    void aResultIsRecordedAndLeavesAfterTheSession()
     {
         m_cursor = QPoint(450, 10);
         QStringList &order = m_records->events;
         connect(m_flow.get(), &CaptureFlow::sessionClosed, this, [&order] { order.append(QStringLiteral("closed")); });
         connect(m_flow.get(), &CaptureFlow::idleReached, this, [&order] { order.append(QStringLiteral("idle")); });
-        QImage copied;
-        connect(m_flow.get(), &CaptureFlow::copyReady, this, [&](const QImage &image) {
-            QVERIFY(!m_flow->isActive());
-            order.append(QStringLiteral("copy"));
-            copied = image;
-        });
         m_flow->startCapture();
         QTRY_VERIFY(m_flow->overlay());
         QPointer<ui::CaptureOverlay> overlay = m_flow->overlay();
         drag(overlay, {20, 20}, {120, 70});
         QTest::keyClick(overlay, Qt::Key_Return);
-        QCOMPARE(order.join(u' '), QStringLiteral("add:copy:200 closed idle copy"));
+        QCOMPARE(order.join(u' '), QStringLiteral("closed idle add:copy:200 taken"));
+        const QImage &copied = m_finished.first().image;
         QCOMPARE(copied.size(), QSize(200, 100));
         QCOMPARE(copied.devicePixelRatio(), 2.0);
         QCOMPARE(copied.pixelColor(5, 5), QColor(10, 20, 2));
-        QCOMPARE(m_records->last.selection, QRectF(20, 20, 100, 50));
+        QCOMPARE(m_finished.first().record, m_records->order.first());
+        QCOMPARE(m_records->entries.first().snapshot.selection, QRectF(20, 20, 100, 50));
         QTRY_VERIFY(!overlay);
     }
 
@@ -184,13 +161,12 @@ private Q_SLOTS:
         SettingsConfig config = m_settings->config();
         config.saveHistory = false;
         m_settings->update(config);
-        QSignalSpy saved(m_flow.get(), &CaptureFlow::saveReady);
         m_flow->startCapture();
         QTRY_VERIFY(m_flow->overlay());
         drag(m_flow->overlay(), {20, 20}, {120, 70});
         QTest::keyClick(m_flow->overlay(), Qt::Key_S, Qt::ControlModifier);
-        QCOMPARE(saved.count(), 1);
-        QVERIFY(m_records->events.isEmpty());
+        QCOMPARE(m_finished.size(), 1);
+        QVERIFY(m_finished.first().record.isEmpty() && m_records->entries.isEmpty());
     }
 
     void aRefusedOrFailedGrabLeavesTheProgramIdle()
@@ -222,19 +198,6 @@ private Q_SLOTS:
         QCOMPARE(idle.count(), 1);
         QTRY_COMPARE(m_capturer->answers, 1);
         QVERIFY(!m_flow->overlay());
-    }
-
-    void theRecordPreferencesFollowTheSettings()
-    {
-        SettingsConfig config = m_settings->config();
-        config.recordKeyOsd = false;
-        config.recordSystemAudio = false;
-        m_settings->update(config);
-        m_flow->applySettings();
-        m_flow->startCapture();
-        QTRY_VERIFY(m_flow->overlay());
-        const record::RecordPrefs &prefs = m_flow->overlay()->recordPrefs();
-        QCOMPARE(QList<bool>({prefs.systemAudio, prefs.mouse, prefs.keys}), QList<bool>({false, true, false}));
     }
 
     void onlyAnApplicationModalWidgetIsComplainedAbout_data()
@@ -292,16 +255,29 @@ private Q_SLOTS:
 
     void theHistoryCanBeWalkedFromTheOverlay()
     {
+        HistoryEntry entry;
+        m_records->add(entry); // its picture is missing
+        entry.snapshot.image = QImage(50, 40, QImage::Format_ARGB32_Premultiplied);
+        entry.snapshot.image.fill(Qt::green);
+        const QString record = m_records->add(entry);
         m_flow->startCapture();
         QTRY_VERIFY(m_flow->overlay());
+        const auto shown = [this] { return m_flow->overlay()->snapshot().image.size(); };
         QTest::keyClick(m_flow->overlay(), Qt::Key_Comma);
-        QCOMPARE(m_flow->overlay()->snapshot().image.size(), QSize(50, 40));
+        QTRY_COMPARE(shown(), QSize(50, 40));
+        QTest::keyClick(m_flow->overlay(), Qt::Key_Comma);
+        QTRY_COMPARE(m_notices->shown.size(), 1);
+        QCOMPARE(shown(), QSize(50, 40));
         QTest::keyClick(m_flow->overlay(), Qt::Key_Period);
-        QCOMPARE(m_flow->overlay()->snapshot().image.size(), QSize(400, 300));
-        m_records->hasImage = false;
+        QTRY_COMPARE(shown(), QSize(400, 300));
         QTest::keyClick(m_flow->overlay(), Qt::Key_Comma);
-        QCOMPARE(m_notices->shown.size(), 1);
-        QCOMPARE(m_flow->overlay()->snapshot().image.size(), QSize(400, 300));
+        QTRY_COMPARE(shown(), QSize(50, 40));
+        // Its result is a change of that record.
+        drag(m_flow->overlay(), {180, 135}, {200, 150});
+        QTest::keyClick(m_flow->overlay(), Qt::Key_Return);
+        QCOMPARE(m_finished.first().record, record);
+        QCOMPARE(m_records->entries.value(record).snapshot.selection.size(), QSizeF(20, 15));
+        QCOMPARE(m_records->order.size(), 2);
     }
 
     void manySessionsLeaveNothingBehind()
@@ -398,9 +374,10 @@ private:
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<SettingsStore> m_settings;
     std::unique_ptr<FakeCapturer> m_capturer;
-    std::unique_ptr<Records> m_records;
+    std::unique_ptr<MemoryHistory> m_records;
     std::unique_ptr<Notices> m_notices;
     QPoint m_cursor;
+    QList<CaptureFlow::Finished> m_finished;
     std::unique_ptr<CaptureFlow> m_flow;
 };
 

@@ -1,42 +1,17 @@
-#include "app/history_keeper.h"
 #include "app/history_walk.h"
+#include "support/memory_history.h"
 #include "support/test_main.h"
 
 using namespace tavrel;
 
 namespace {
 
-/// Records with the widths 100, 101, ... in place of pictures; one of them can be missing.
-class Shelf final : public IHistoryKeeper
-{
-public:
-    explicit Shelf(int count, int missing = -1) : m_count(count), m_missing(missing) {}
-
-    QString add(const OverlaySnapshot &, const QString &, const QImage &, const FilenameContext &) override
-    {
-        return {};
-    }
-    void setSavedPath(const QString &, const QString &) override {}
-    int count() const override { return m_count; }
-    std::optional<OverlaySnapshot> load(int index) const override
-    {
-        if (index == m_missing)
-            return {};
-        OverlaySnapshot snapshot;
-        snapshot.image = QImage(100 + index, 10, QImage::Format_ARGB32_Premultiplied);
-        return snapshot;
-    }
-    bool flush(int) override { return true; }
-
-private:
-    int m_count;
-    int m_missing;
-};
-
-OverlaySnapshot liveSnapshot()
+OverlaySnapshot picture(int width)
 {
     OverlaySnapshot snapshot;
-    snapshot.image = QImage(7, 7, QImage::Format_ARGB32_Premultiplied);
+    if (width > 0)
+        snapshot.image = QImage(width, 10, QImage::Format_ARGB32_Premultiplied);
+    snapshot.shapesJson = QStringLiteral("[]");
     return snapshot;
 }
 
@@ -47,62 +22,108 @@ class HistoryWalkTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void walksToOlderAndBackToTheLiveCapture()
+    void init()
     {
-        const Shelf shelf(3);
-        HistoryWalk walk(shelf);
-        const QObject overlay;
-        const auto width = [&](int delta) { return walk.step(&overlay, delta, liveSnapshot).snapshot.image.width(); };
-
-        QCOMPARE(walk.step(&overlay, 1, liveSnapshot).outcome, HistoryWalk::Step::Outcome::Stay);
-        QCOMPARE(width(-1), 100);
-        QCOMPARE(width(-1), 101);
-        QCOMPARE(width(-1), 102);
-        QCOMPARE(walk.step(&overlay, -1, liveSnapshot).outcome, HistoryWalk::Step::Outcome::Stay);
-        QCOMPARE(width(1), 101);
-        QCOMPARE(width(1), 100);
-        QCOMPARE(width(1), 7);
-        QCOMPARE(walk.index(), -1);
+        m_history = std::make_unique<MemoryHistory>();
+        for (const int width : {102, 101, 100}) // the newest last
+            m_history->add({.snapshot = picture(width), .source = {}, .rendered = {}, .context = {}});
+        m_walk = std::make_unique<HistoryWalk>(*m_history);
+        m_present = picture(7);
+        m_missing = 0;
+        connect(m_walk.get(), &HistoryWalk::arrived, this,
+                [this](const OverlaySnapshot &snapshot) { m_present = snapshot; });
+        connect(m_walk.get(), &HistoryWalk::imageMissing, this, [this] { ++m_missing; });
     }
 
-    void theLiveCaptureIsReadOnlyOnce()
+    void walksToOlderAndBackToTheLiveCapture()
     {
-        const Shelf shelf(1);
-        HistoryWalk walk(shelf);
-        const QObject overlay;
-        int reads = 0;
-        const auto live = [&reads] {
-            ++reads;
-            return liveSnapshot();
-        };
-        for (int i = 0; i < 3; ++i) {
-            (void)walk.step(&overlay, -1, live);
-            (void)walk.step(&overlay, 1, live);
+        step(1); // nothing is newer
+        for (const int width : {100, 101, 102}) {
+            step(-1);
+            QTRY_COMPARE(m_present.image.width(), width);
         }
-        QCOMPARE(reads, 1);
+        QCOMPARE(m_walk->record(), m_history->order.last());
+        step(-1);
+        for (const int width : {101, 100, 7}) {
+            step(1);
+            QTRY_COMPARE(m_present.image.width(), width);
+        }
+        QVERIFY(m_walk->record().isEmpty());
+    }
+
+    /// Whoever holds the key down means the record where it ends, not those on the way.
+    void stepsGoOnWhileARecordIsRead()
+    {
+        step(-1);
+        step(-1);
+        step(-1);
+        QTRY_COMPARE(m_present.image.width(), 102);
+        step(1);
+        step(1);
+        step(1);
+        step(-1);
+        step(1);
+        QTRY_COMPARE(m_present.image.width(), 7);
+        QCoreApplication::processEvents();
+        QCOMPARE(m_present.image.width(), 7);
+    }
+
+    void whatWasDrawnOnARecordIsKept()
+    {
+        step(-1);
+        QTRY_COMPARE(m_present.image.width(), 100);
+        m_present.shapesJson = QStringLiteral("[1]");
+        step(-1);
+        QTRY_COMPARE(m_present.image.width(), 101);
+        m_history->add({.snapshot = picture(99), .source = {}, .rendered = {}, .context = {}}); // shifts nothing
+        step(1);
+        QTRY_COMPARE(m_present.image.width(), 100);
+        QCOMPARE(m_present.shapesJson, QStringLiteral("[1]"));
+        step(1);
+        QTRY_COMPARE(m_present.image.width(), 7);
+        step(-1);
+        QTRY_COMPARE(m_present.shapesJson, QStringLiteral("[1]"));
     }
 
     void aMissingImageKeepsThePlace()
     {
-        const Shelf shelf(3, 1);
-        HistoryWalk walk(shelf);
-        const QObject overlay;
-        (void)walk.step(&overlay, -1, liveSnapshot);
-        QCOMPARE(walk.step(&overlay, -1, liveSnapshot).outcome, HistoryWalk::Step::Outcome::ImageMissing);
-        QCOMPARE(walk.index(), 0);
+        m_history->entries[m_history->order.at(1)].snapshot = picture(0);
+        step(-1);
+        QTRY_COMPARE(m_present.image.width(), 100);
+        step(-1);
+        QTRY_COMPARE(m_missing, 1);
+        QCOMPARE(m_present.image.width(), 100);
+        QCOMPARE(m_walk->record(), m_history->order.first());
+        step(1);
+        QTRY_COMPARE(m_present.image.width(), 7);
     }
 
     void anotherOverlayCannotTakeTheWalkOver()
     {
-        const Shelf shelf(3);
-        HistoryWalk walk(shelf);
-        const QObject first;
         const QObject second;
-        (void)walk.step(&first, -1, liveSnapshot);
-        QCOMPARE(walk.step(&second, -1, liveSnapshot).outcome, HistoryWalk::Step::Outcome::Stay);
-        walk.reset();
-        QCOMPARE(walk.step(&second, -1, liveSnapshot).outcome, HistoryWalk::Step::Outcome::Show);
+        step(-1);
+        QTRY_COMPARE(m_present.image.width(), 100);
+        m_walk->step(&second, -1, [] { return OverlaySnapshot(); });
+        QCoreApplication::processEvents();
+        QCOMPARE(m_present.image.width(), 100);
+        step(-1);
+        m_walk->reset(); // with a record on its way
+        QCoreApplication::processEvents();
+        QCOMPARE(m_present.image.width(), 100);
+        m_walk->step(&second, -1, [] { return picture(8); });
+        QTRY_COMPARE(m_present.image.width(), 100);
     }
+
+private:
+    void step(int delta)
+    {
+        m_walk->step(this, delta, [this] { return m_present; });
+    }
+
+    std::unique_ptr<MemoryHistory> m_history;
+    std::unique_ptr<HistoryWalk> m_walk;
+    OverlaySnapshot m_present;
+    int m_missing = 0;
 };
 
 TAVREL_TEST_MAIN(QGuiApplication, HistoryWalkTest)

@@ -1,4 +1,4 @@
-#include "overlay/capture_overlay.h"
+#include "outcomes.h"
 #include "overlay/element_probe.h"
 #include "overlay/overlay_panels.h"
 #include "overlay/toolbar_widget.h"
@@ -15,6 +15,7 @@
 
 using namespace tavrel;
 using ui::CaptureOverlay;
+using Action = CaptureOutcome::Action;
 using ui::OverlayMode;
 
 namespace {
@@ -103,6 +104,7 @@ private Q_SLOTS:
     void init()
     {
         m_overlay = std::make_unique<CaptureOverlay>(captured(), SettingsConfig());
+        m_outcomes = std::make_unique<Outcomes>(*m_overlay);
         m_overlay->show();
         QVERIFY(QTest::qWaitForWindowExposed(m_overlay.get()));
     }
@@ -115,7 +117,8 @@ private Q_SLOTS:
             {window({50, 60, 100, 80}, QStringLiteral("small")), window({-40, 20, 400, 300}, QStringLiteral("large"))});
         drag(*m_overlay, {100, 100}, {300, 250});
         QCOMPARE(m_overlay->selection(), QRectF(100, 100, 200, 150));
-        QCOMPARE(m_overlay->windowUnderSelection()->title, QStringLiteral("large"));
+        QTest::keyClick(m_overlay.get(), Qt::Key_Return);
+        QCOMPARE(m_outcomes->all.last().window->title, QStringLiteral("large"));
 
         m_overlay->clearSelection();
         drag(*m_overlay, {60, 170}, {63, 270}); // a band of 3 is a click
@@ -152,61 +155,71 @@ private Q_SLOTS:
 
     void theRightButtonDropsTheSelectionThenLeaves()
     {
-        QSignalSpy closed(m_overlay.get(), &CaptureOverlay::closeRequested);
         m_overlay->setSelectionRect({100, 100, 200, 150});
         QTest::mouseClick(m_overlay.get(), Qt::RightButton, {}, {10, 10});
         QVERIFY(!m_overlay->hasSelection());
-        QCOMPARE(closed.count(), 0);
+        QCOMPARE(m_outcomes->all.size(), 0);
         QTest::mouseClick(m_overlay.get(), Qt::RightButton, {}, {10, 10});
-        QCOMPARE(closed.count(), 1);
+        QCOMPARE(m_outcomes->count(Action::Leave), 1);
     }
 
-    void keysRaiseTheirSignals()
+    void keysBringTheirOutcomes()
     {
-        QSignalSpy copied(m_overlay.get(), &CaptureOverlay::copyRequested);
-        QSignalSpy saved(m_overlay.get(), &CaptureOverlay::saveRequested);
-        QSignalSpy pinned(m_overlay.get(), &CaptureOverlay::pinRequested);
         QSignalSpy walked(m_overlay.get(), &CaptureOverlay::historyNavigate);
         QTest::keyClick(m_overlay.get(), Qt::Key_Return);
         QTest::keyClick(m_overlay.get(), Qt::Key_C, Qt::ControlModifier);
         QTest::keyClick(m_overlay.get(), Qt::Key_S, Qt::ControlModifier);
-        QCOMPARE(copied.count() + saved.count(), 0);
+        QCOMPARE(m_outcomes->all.size(), 0);
         QTest::keyClick(m_overlay.get(), Qt::Key_A, Qt::ControlModifier);
         QCOMPARE(m_overlay->selection(), QRectF(m_overlay->rect()));
         for (const int key : {Qt::Key_Return, Qt::Key_Enter})
             QTest::keyClick(m_overlay.get(), static_cast<Qt::Key>(key));
         QTest::keyClick(m_overlay.get(), Qt::Key_C, Qt::ControlModifier);
-        QCOMPARE(copied.count(), 3);
+        QCOMPARE(m_outcomes->count(Action::Copy), 3);
         QTest::keyClick(m_overlay.get(), Qt::Key_S, Qt::ControlModifier);
-        QCOMPARE(saved.count(), 1);
+        QCOMPARE(m_outcomes->count(Action::Save), 1);
         QTest::keyClick(m_overlay.get(), Qt::Key_P, Qt::ControlModifier);
-        QCOMPARE(pinned.first().last().toRect(), m_overlay->rect());
+        QCOMPARE(m_outcomes->count(Action::Pin), 1);
+        QCOMPARE(m_outcomes->all.last().rectangle, m_overlay->rect());
         QTest::keyClick(m_overlay.get(), Qt::Key_Comma);
         QTest::keyClick(m_overlay.get(), Qt::Key_Period);
         QCOMPARE(walked.count(), 2);
         QCOMPARE(walked.first().first().toInt(), -1);
     }
 
+    /// What nobody takes has no button, and its key says so on the overlay.
+    void whatIsNotOfferedIsNotPretended()
+    {
+        m_overlay->setOffered({Action::Copy});
+        m_overlay->setSelectionRect({100, 100, 200, 150});
+        const auto button = [this](const char *name) {
+            return m_overlay->panels().toolbar()->findChild<QWidget *>(QString::fromLatin1(name));
+        };
+        QVERIFY(button("copy")->isVisible() && !button("save")->isVisible() && !button("cloud")->isVisible());
+        const QImage before = m_overlay->grab().toImage();
+        QTest::keyClick(m_overlay.get(), Qt::Key_S, Qt::ControlModifier);
+        QCOMPARE(m_outcomes->all.size(), 0);
+        QVERIFY(m_overlay->grab().toImage() != before);
+    }
+
     void theColourUnderThePointerIsCopied()
     {
-        QSignalSpy copied(m_overlay.get(), &CaptureOverlay::colorCopied);
         QTest::mouseMove(m_overlay.get(), {100, 50});
         const QColor color = captured().image.pixelColor(QPoint(100, 50) * static_cast<int>(qApp->devicePixelRatio()));
         QTest::keyClick(m_overlay.get(), Qt::Key_C);
         QTest::keyClick(m_overlay.get(), Qt::Key_Shift);
         QTest::keyClick(m_overlay.get(), Qt::Key_C);
-        QCOMPARE(copied.count(), 2);
+        QCOMPARE(m_outcomes->count(Action::CopyColor), 2);
         if (qFuzzyCompare(qApp->devicePixelRatio(), 1.0))
-            QCOMPARE(copied.first().first().toString(), color.name().toUpper());
-        QVERIFY(copied.last().first().toString().contains(QStringLiteral(", ")));
+            QCOMPARE(m_outcomes->all.first().text, color.name().toUpper());
+        QVERIFY(m_outcomes->all.last().text.contains(QStringLiteral(", ")));
     }
 
     void theResultIsTheSameCropOfThePicture()
     {
-        QSignalSpy copied(m_overlay.get(), &CaptureOverlay::copyRequested);
         m_overlay->setSelectionRect({33, 47, 101, 77});
         QTest::keyClick(m_overlay.get(), Qt::Key_Return);
-        const auto result = copied.first().first().value<QImage>();
+        const QImage result = m_outcomes->all.first().picture;
         const double ratio = qApp->devicePixelRatio();
         const QRect crop(QPoint(qRound(33 * ratio), qRound(47 * ratio)),
                          QPoint(qRound(134 * ratio) - 1, qRound(124 * ratio) - 1));
@@ -215,16 +228,13 @@ private Q_SLOTS:
         QCOMPARE(result, expected);
     }
 
-    void aPickGivesTheRectangleThenThePicture()
+    void aPickGivesRectangleAndPicture()
     {
         m_overlay->setPickMode(true);
-        QStringList order;
-        connect(m_overlay.get(), &CaptureOverlay::regionRectPicked, this,
-                [&order](const QRect &rect) { order.append(QStringLiteral("rect %1").arg(rect.width())); });
-        connect(m_overlay.get(), &CaptureOverlay::regionPicked, this,
-                [&order](const QImage &image) { order.append(QStringLiteral("image %1").arg(image.isNull())); });
         drag(*m_overlay, {10, 10}, {60, 60});
-        QCOMPARE(order, (QStringList{QStringLiteral("rect 50"), QStringLiteral("image 0")}));
+        QCOMPARE(m_outcomes->count(Action::Pick), 1);
+        QCOMPARE(m_outcomes->all.first().rectangle, QRect(10, 10, 50, 50));
+        QVERIFY(!m_outcomes->all.first().picture.isNull());
     }
 
     void aSnapshotBringsTheStateBack()
@@ -290,11 +300,10 @@ private Q_SLOTS:
 
     void shiftChangesTheColourFormatUnlessAToolIsInUse()
     {
-        QSignalSpy copied(m_overlay.get(), &CaptureOverlay::colorCopied);
         const auto copiesRgb = [&] {
             m_overlay->setTool(ToolType::None);
             QTest::keyClick(m_overlay.get(), Qt::Key_C);
-            return copied.last().first().toString().contains(u',');
+            return m_outcomes->all.last().text.contains(u',');
         };
         send(QEvent::MouseMove, {100, 50});
         m_overlay->setSelectionRect({100, 100, 200, 150});
@@ -307,7 +316,6 @@ private Q_SLOTS:
 
     void noColourIsCopiedWhereNoneIs()
     {
-        QSignalSpy copied(m_overlay.get(), &CaptureOverlay::colorCopied);
         send(QEvent::MouseMove, {kSize.width() + 0.0, 50});
         QTest::keyClick(m_overlay.get(), Qt::Key_C);
         send(QEvent::MouseMove, {100, 50});
@@ -318,7 +326,7 @@ private Q_SLOTS:
         QEvent leave(QEvent::Leave);
         QApplication::sendEvent(m_overlay.get(), &leave);
         QTest::keyClick(m_overlay.get(), Qt::Key_C);
-        QCOMPARE(copied.count(), 0);
+        QCOMPARE(m_outcomes->all.size(), 0);
     }
 
     void aBindingThatIsOffIsNotHeard()
@@ -328,23 +336,19 @@ private Q_SLOTS:
         config.builtin.pin.combo = KeyCombo{.key = Qt::Key_Return};
         m_overlay->setConfig(config);
         m_overlay->setSelectionRect({100, 100, 200, 150});
-        QSignalSpy copied(m_overlay.get(), &CaptureOverlay::copyRequested);
-        QSignalSpy saved(m_overlay.get(), &CaptureOverlay::saveRequested);
-        QSignalSpy pinned(m_overlay.get(), &CaptureOverlay::pinRequested);
         QTest::keyClick(m_overlay.get(), Qt::Key_S, Qt::ControlModifier);
         QTest::keyClick(m_overlay.get(), Qt::Key_Return); // the user's bindings come before the fixed keys
-        QCOMPARE(saved.count() + copied.count(), 0);
-        QCOMPARE(pinned.count(), 1);
+        QCOMPARE(m_outcomes->all.size(), 1);
+        QCOMPARE(m_outcomes->count(Action::Pin), 1);
     }
 
     void aClickPicksAWindowToo()
     {
         m_overlay->setDetection({window({50, 60, 100, 80}, QStringLiteral("small"))});
         m_overlay->setPickMode(true);
-        QSignalSpy picked(m_overlay.get(), &CaptureOverlay::regionRectPicked);
         drag(*m_overlay, {60, 70}, {60, 70});
-        QCOMPARE(picked.count(), 1);
-        QCOMPARE(picked.first().first().toRect(), QRect(50, 60, 100, 80));
+        QCOMPARE(m_outcomes->count(Action::Pick), 1);
+        QCOMPARE(m_outcomes->all.first().rectangle, QRect(50, 60, 100, 80));
     }
 
     void theWheelAndSpaceChooseWhatAClickTakes()
@@ -629,6 +633,7 @@ private:
         QApplication::sendEvent(m_overlay.get(), &event);
     }
 
+    std::unique_ptr<Outcomes> m_outcomes;
     std::unique_ptr<CaptureOverlay> m_overlay;
 };
 

@@ -1,4 +1,4 @@
-#include "overlay/capture_overlay.h"
+#include "outcomes.h"
 #include "overlay/long_capture_mode.h"
 #include "overlay/long_capture_toolbar.h"
 #include "overlay/long_preview_place.h"
@@ -18,6 +18,7 @@
 
 using namespace tavrel;
 using ui::CaptureOverlay;
+using Action = CaptureOutcome::Action;
 using ui::LongCaptureToolbar;
 
 namespace {
@@ -159,7 +160,7 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitForWindowExposed(&overlay));
         QSignalSpy started(&overlay, &CaptureOverlay::longCaptureStarted);
         QSignalSpy finished(&overlay, &CaptureOverlay::longCaptureFinished);
-        QSignalSpy copied(&overlay, &CaptureOverlay::copyRequested);
+        const Outcomes outcomes(overlay);
         QVERIFY(!overlay.startLongMode()); // nothing is selected
         overlay.setSelectionRect({100, 100, 300, 150});
         QVERIFY(!overlay.startLongMode()); // too small
@@ -182,24 +183,23 @@ private Q_SLOTS:
         QCOMPARE(overlay.selection(), QRectF(kView));
         QTest::keyClick(&overlay, Qt::Key_Return);
         QCOMPARE(finished.count(), 1);
-        QCOMPARE(copied.count(), 0);
+        QCOMPARE(outcomes.all.size(), 0);
         QVERIFY(overlay.mask().isEmpty());
         QVERIFY(overlay.panels().toolbar()->isVisible());
         overlay.addLongFrame(shot(whole, 440)); // was on its way
         QCOMPARE(overlay.snapshot().image.size(), QSize(400, 700));
         QCOMPARE(overlay.snapshot().selection, QRectF(0, 0, 400, 700));
         QTest::keyClick(&overlay, Qt::Key_Return);
-        QCOMPARE(copied.count(), 1);
-        QCOMPARE(copied.first().first().value<QImage>().convertToFormat(QImage::Format_RGB32),
+        QCOMPARE(outcomes.count(Action::Copy), 1);
+        QCOMPARE(outcomes.all.first().picture.convertToFormat(QImage::Format_RGB32),
                  whole.copy(0, 0, 400, 700).convertToFormat(QImage::Format_RGB32));
         // No colour can be read from what the page hides.
-        QSignalSpy colors(&overlay, &CaptureOverlay::colorCopied);
         QTest::mouseMove(&overlay, kView.center());
         QTest::keyClick(&overlay, Qt::Key_C);
-        QCOMPARE(colors.count(), 0);
+        QCOMPARE(outcomes.count(Action::CopyColor), 0);
         QTest::mouseMove(&overlay, {20, 20});
         QTest::keyClick(&overlay, Qt::Key_C);
-        QCOMPARE(colors.count(), 1);
+        QCOMPARE(outcomes.count(Action::CopyColor), 1);
     }
 
     /// Another selection and another picture are what they show, not the page.
@@ -209,7 +209,7 @@ private Q_SLOTS:
         const platform::CapturedDisplay display = shot(whole, 0);
         CaptureOverlay overlay(display, SettingsConfig());
         overlay.show();
-        QSignalSpy copied(&overlay, &CaptureOverlay::copyRequested);
+        const Outcomes outcomes(overlay);
         OverlaySnapshot older;
         older.image = display.image;
         older.selection = QRectF(10, 10, 50, 40);
@@ -232,7 +232,7 @@ private Q_SLOTS:
             QCOMPARE(overlay.snapshot().image.height(), kView.height() + 40);
             change();
             QTest::keyClick(&overlay, Qt::Key_Return);
-            QCOMPARE(copied.last().first().value<QImage>().size(), size);
+            QCOMPARE(outcomes.all.last().picture.size(), size);
         }
     }
 
@@ -256,9 +256,9 @@ private Q_SLOTS:
         for (int i = 0; i < 7; ++i)
             overlay.addLongFrame(far);
         QCOMPARE(troubled.count(), 2);
-        QSignalSpy closed(&overlay, &CaptureOverlay::closeRequested);
+        const Outcomes outcomes(overlay);
         QTest::keyClick(&overlay, Qt::Key_Escape);
-        QCOMPARE(closed.count(), 1);
+        QCOMPARE(outcomes.count(Action::Leave), 1);
         QVERIFY(!overlay.isLongActive());
         QCOMPARE(overlay.snapshot().image.size(), kSize); // nothing was kept
     }

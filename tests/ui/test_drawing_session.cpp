@@ -80,7 +80,7 @@ private Q_SLOTS:
         document().select(document().shapes().first().get());
         QVERIFY(session().meets({130 + 14, 100 + 14}));
         QVERIFY(!session().meets({130 + 30, 100 + 30}));
-        drag({130 + 14, 100 + 14}, {150 + 14, 120 + 14});
+        drag({130 + 14, 100 + 14}, {150, 120}); // comes to the pointer
         QCOMPARE(*document().selected()->bounds(), QRectF(10, 10, 50, 40));
         QTest::keyClick(m_host.get(), Qt::Key_Delete);
         QVERIFY(document().shapes().isEmpty());
