@@ -52,10 +52,6 @@
         <translation>Capture failed</translation>
     </message>
     <message>
-        <source>此版本还不能贴图</source>
-        <translation>Pinning is not part of this version yet</translation>
-    </message>
-    <message>
         <source>截图历史</source>
         <translation>Capture history</translation>
     </message>
@@ -138,10 +134,6 @@
     <message>
         <source>抓取屏幕失败</source>
         <translation>Screen capture failed</translation>
-    </message>
-    <message>
-        <source>此版本还不能编辑图片</source>
-        <translation>This version cannot edit pictures yet</translation>
     </message>
     <message>
         <source>此版本还没有这项功能。</source>
@@ -230,6 +222,10 @@
     <message>
         <source>在托盘菜单里选择“检查更新…”查看内容。</source>
         <translation>Choose &quot;Check for Updates…&quot; in the tray menu to read about it.</translation>
+    </message>
+    <message>
+        <source>正在生成图片…</source>
+        <translation>Making the picture…</translation>
     </message>
 </context>
 <context>

@@ -42,7 +42,9 @@ QImage flatten(const FlattenRequest &request, const erase::CancelFlag &cancel)
     const QRect crop = cropRect(request.selection, ratio, request.picture.size());
     if (crop.isEmpty())
         return {};
-    QImage result = request.picture.copy(crop).convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    // A stitched page may be half a gigabyte: whole and bare it is its own result.
+    QImage result = (crop == request.picture.rect() ? request.picture : request.picture.copy(crop))
+                        .convertToFormat(QImage::Format_ARGB32_Premultiplied);
     result.setDevicePixelRatio(ratio);
     const QList<std::shared_ptr<BaseShape>> shapes = readShapes(request.shapes);
     if (shapes.isEmpty())

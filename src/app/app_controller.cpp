@@ -36,6 +36,8 @@ AppController::AppController(SettingsStore &settings, platform::Services service
       m_history(roles.history ? std::move(roles.history) : std::make_shared<NoHistory>()),
       m_givenNotices(std::move(roles.notices)),
       m_probe(m_services.elementDetector),
+      m_busyNote({m_services.windowController, [this] { return ui::themeFor(m_settings.config().theme); },
+                  m_services.cursorPosition}),
       m_flow({*m_services.screenCapturer, m_services.windowController, m_services.elementDetector, settings, *m_history,
               m_notices, m_services.cursorPosition, &m_probe}),
       m_results(settings, m_notices, std::move(roles.clipboard)),
@@ -67,6 +69,13 @@ AppController::AppController(SettingsStore &settings, platform::Services service
         updateCanShutdown();
         scheduleRelease();
     });
+    connect(&m_flow, &CaptureFlow::finishingChanged, this, &AppController::updateCanShutdown);
+    connect(&m_flow, &CaptureFlow::lastingChanged, this, [this](bool lasting) {
+        if (lasting)
+            m_busyNote.show(QCoreApplication::translate("AppController", "正在生成图片…"));
+        else
+            m_busyNote.hide();
+    });
     connect(&m_flow, &CaptureFlow::textReady, &m_results, &ResultActions::copyText);
     m_flow.setReceiver(CaptureOutcome::Action::Copy, [this](const CaptureFlow::Finished &finished) {
         m_results.copyImage(finished.image, finished.context);
@@ -93,6 +102,8 @@ AppController::~AppController()
     ui::dialogs::setThemeSource(nullptr);
     // One deadline for both: a new start waits no longer than that for this one to go.
     const QDeadlineTimer deadline(kFlushTime);
+    if (!m_flow.finishPictures(deadline))
+        qWarning().noquote() << QStringLiteral("退出时仍有截图没有生成");
     if (!m_results.finish(deadline))
         qWarning().noquote() << QStringLiteral("退出时仍有截图没有写完");
     m_history->finish(deadline);
@@ -255,7 +266,7 @@ void AppController::onAccessRefused()
 
 void AppController::updateCanShutdown()
 {
-    m_updater->setCanShutdown(!m_flow.isActive());
+    m_updater->setCanShutdown(!m_flow.isActive() && !m_flow.isFinishing());
 }
 
 void AppController::showWarning(const QString &title, const QString &text)

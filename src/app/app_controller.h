@@ -1,11 +1,12 @@
 #pragma once
 
+#include "app/busy_note.h"
 #include "app/capture_flow.h"
 #include "app/desktop_notices.h"
-#include "capture/history_keeper.h"
 #include "app/message_board.h"
 #include "app/result_actions.h"
 #include "app/tray_menu.h"
+#include "capture/history_keeper.h"
 #include "overlay/element_probe.h"
 #include "platform/services.h"
 #include "platform/updater.h"
@@ -91,6 +92,7 @@ private:
     const std::shared_ptr<IUserNotices> m_givenNotices; ///< may be null
     NoticeRelay m_notices;
     ui::ElementProbe m_probe;
+    BusyNote m_busyNote;
     CaptureFlow m_flow;
     ResultActions m_results;
     Commands m_commands;

@@ -98,6 +98,8 @@ CaptureFlow::CaptureFlow(Services services, QObject *parent)
       m_pump(m_services.capturer, m_services.windows, m_services.detector),
       m_toolMemory(std::make_shared<ToolMemory>())
 {
+    connect(&m_flattener, &Flattener::busyChanged, this, &CaptureFlow::finishingChanged);
+    connect(&m_flattener, &Flattener::lastingChanged, this, &CaptureFlow::lastingChanged);
     connect(&m_walk, &HistoryWalk::imageMissing, this, [this] {
         m_services.notices.show(QCoreApplication::translate("AppController", "截图历史"),
                                 QCoreApplication::translate("AppController", "该历史记录的图像文件缺失"),
@@ -235,19 +237,32 @@ void CaptureFlow::setReceiver(CaptureOutcome::Action action, Receiver receiver)
 void CaptureFlow::finish(const CaptureOutcome &outcome)
 {
     const QString walked = m_walk.record();
+    const quint64 number = ++m_outcomes;
     closeSession();
-    switch (outcome.action) {
-    case CaptureOutcome::Action::Leave:
+    if (outcome.action == CaptureOutcome::Action::Leave)
         return;
-    case CaptureOutcome::Action::CopyColor:
+    if (outcome.action == CaptureOutcome::Action::CopyColor) {
+        m_clipboardOwner = number;
         Q_EMIT textReady(outcome.text);
         return;
-    default:
-        break;
     }
-    const Receiver receiver = m_receivers.value(outcome.action);
-    const Finished finished{outcome.picture, contextOf(outcome), outcome.rectangle, remember(outcome, walked)};
-    if (receiver)
+    m_flattener.flatten(outcome.picture, [this, outcome, walked, number](const QImage &picture) {
+        hand(outcome, walked, number, picture);
+    });
+}
+
+void CaptureFlow::hand(const CaptureOutcome &outcome, const QString &walked, quint64 number, const QImage &picture)
+{
+    if (picture.isNull())
+        return;
+    const Finished finished{picture, contextOf(outcome), outcome.rectangle, remember(outcome, walked, picture)};
+    if (outcome.action == CaptureOutcome::Action::Copy) {
+        // What was copied after this has the clipboard by now, and it is what the user expects there.
+        if (number < m_clipboardOwner)
+            return;
+        m_clipboardOwner = number;
+    }
+    if (const Receiver receiver = m_receivers.value(outcome.action))
         receiver(finished);
 }
 
@@ -288,13 +303,13 @@ void CaptureFlow::logFirstPaint(ui::CaptureOverlay *overlay)
     });
 }
 
-QString CaptureFlow::remember(const CaptureOutcome &outcome, const QString &walked)
+QString CaptureFlow::remember(const CaptureOutcome &outcome, const QString &walked, const QImage &picture)
 {
     const QString source = sourceWord(outcome.action);
     if (source.isEmpty() || !m_services.settings.config().saveHistory || outcome.snapshot.image.isNull() ||
         outcome.snapshot.selection.isEmpty())
         return {};
-    const HistoryEntry entry{outcome.snapshot, source, outcome.picture, contextOf(outcome)};
+    const HistoryEntry entry{outcome.snapshot, source, picture, contextOf(outcome)};
     return walked.isEmpty() ? m_services.history.add(entry) : m_services.history.update(walked, entry);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/flattener.h"
 #include "app/history_walk.h"
 #include "app/long_frame_pump.h"
 #include "capture/capture_outcome.h"
@@ -80,6 +81,10 @@ public:
     void closeSession();
     void applySettings();
 
+    /// Whether pictures of sessions that have ended are still being made.
+    [[nodiscard]] bool isFinishing() const { return m_flattener.isBusy(); }
+    /// For the end of the program: waits for them and hands them on. False when one was not done in time.
+    [[nodiscard]] bool finishPictures(const QDeadlineTimer &deadline) { return m_flattener.finish(deadline); }
     [[nodiscard]] bool isActive() const { return m_grab || !m_overlays.isEmpty(); }
     [[nodiscard]] ui::CaptureOverlay *overlay() const;
     /// Whether this application was the active one when the overlay of the session that ended came up. True for a
@@ -94,22 +99,30 @@ Q_SIGNALS:
     void idleReached();
     void accessRefused();
     void textReady(const QString &text); ///< for the clipboard
+    void finishingChanged();             ///< isFinishing() is another one
+    /// A picture takes longer than half a second, or no longer does.
+    void lastingChanged(bool lasting);
 
 private:
     void onCaptured(const platform::CaptureResult &result);
     void openOverlay(const platform::CapturedDisplay &display);
     void connectResults(ui::CaptureOverlay *overlay);
     void finish(const CaptureOutcome &outcome);
+    /// A picture is done: into the history, and to whoever takes it.
+    void hand(const CaptureOutcome &outcome, const QString &walked, quint64 number, const QImage &picture);
     void connectSettings(ui::CaptureOverlay *overlay);
     void connectLong(ui::CaptureOverlay *overlay);
     void onOverlayGone(const QObject *gone);
     void logFirstPaint(ui::CaptureOverlay *overlay);
     /// Hands a result to the history, as a change of the record that was walked to, if there was one.
-    QString remember(const CaptureOutcome &outcome, const QString &walked);
+    QString remember(const CaptureOutcome &outcome, const QString &walked, const QImage &picture);
 
     Services m_services;
     HistoryWalk m_walk;
     LongFramePump m_pump;
+    Flattener m_flattener;
+    quint64 m_outcomes = 0;       ///< counts them
+    quint64 m_clipboardOwner = 0; ///< the latest one whose result went to the clipboard
     QElapsedTimer m_timer;
     std::unique_ptr<QObject> m_grab; ///< one on its way; it answers nobody when this goes
     QList<platform::WindowInfo> m_windows;

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "annotate/flatten.h"
 #include "capture/overlay_snapshot.h"
 #include "platform/element_detector.h"
 
-#include <QImage>
 #include <QMetaType>
 #include <QRect>
 #include <QString>
@@ -27,7 +27,7 @@ struct CaptureOutcome
     };
 
     Action action = Action::Leave;
-    QImage picture;                             ///< null for Leave and CopyColor
+    FlattenRequest picture;                     ///< null for Leave and CopyColor
     OverlaySnapshot snapshot;                   ///< the state that the picture was made from
     std::optional<platform::WindowInfo> window; ///< under the middle of the selection
     QRect rectangle;                            ///< of the selection, global logical coordinates

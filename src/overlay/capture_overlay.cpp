@@ -1,8 +1,6 @@
 #include "overlay/capture_overlay.h"
 
 #include "annotate/crop_rect.h"
-#include "annotate/selection_renderer.h"
-#include "annotate/smart_erase_engine.h"
 #include "overlay/element_probe.h"
 #include "overlay/long_capture_mode.h"
 #include "overlay/long_capture_toolbar.h"
@@ -594,20 +592,21 @@ void CaptureOverlay::consumeArmedStarts()
 void CaptureOverlay::finish(Action action)
 {
     m_drawing.endTextEdit();
-    CaptureOutcome outcome{.action = action,
-                           .picture = {},
-                           .snapshot = snapshot(),
-                           .window = hasSelection() ? m_detection.windowAt(selection().center()) : std::nullopt,
-                           .rectangle = globalSelectionRect(),
-                           .text = {}};
+    CaptureOutcome outcome;
+    outcome.action = action;
+    outcome.snapshot = snapshot();
     if (action != Action::Leave) {
+        if (!hasSelection())
+            return;
         if (!m_offered.contains(action)) {
             showToast(QCoreApplication::translate("CaptureOverlay", "此版本还没有这个功能"));
             return;
         }
-        outcome.picture = renderedResult(action);
-        if (outcome.picture.isNull())
-            return;
+        outcome.picture = pictureFor(action);
+    }
+    if (hasSelection()) {
+        outcome.window = m_detection.windowAt(selection().center());
+        outcome.rectangle = globalSelectionRect();
     }
     Q_EMIT finished(outcome);
 }
@@ -620,18 +619,19 @@ void CaptureOverlay::copyColor()
     Q_EMIT finished(outcome);
 }
 
-QImage CaptureOverlay::renderedResult(Action action) const
+FlattenRequest CaptureOverlay::pictureFor(Action action) const
 {
-    if (!hasSelection())
-        return {};
-    if (!m_page.isNull())
-        return m_page;
-    if (action == Action::Pick)
-        return renderSelection(m_picture.image(), inPicture(selection()), {}, ShapeFactory::standard());
-    if (SmartEraseEngine *engine = m_drawing.eraseEngine())
-        engine->solve(m_drawing.document().eraseRegions(engine->scale()));
-    return renderSelection(m_picture.image(), inPicture(selection()), m_drawing.document().shapesJson(),
-                           ShapeFactory::standard(), m_drawing.effects(), m_drawing.eraseEngine());
+    FlattenRequest plain;
+    if (!m_page.isNull()) {
+        plain.picture = m_page;
+        plain.selection = QRectF(QPointF(), QSizeF(m_page.size()) / m_page.devicePixelRatio());
+        return plain;
+    }
+    if (action != Action::Pick)
+        return m_drawing.flattenRequest(inPicture(selection()));
+    plain.picture = m_picture.image();
+    plain.selection = inPicture(selection());
+    return plain;
 }
 
 OverlaySnapshot CaptureOverlay::snapshot() const

@@ -161,7 +161,8 @@ private:
     void finish(Action action);
     void leave() { finish(Action::Leave); }
     void copyColor();
-    [[nodiscard]] QImage renderedResult(Action action) const;
+    /// What the picture of an outcome is made from.
+    [[nodiscard]] FlattenRequest pictureFor(Action action) const;
 
     // painting
     void scheduleUpdate();

@@ -49,7 +49,7 @@ DrawingSession::~DrawingSession() = default;
 void DrawingSession::setPicture(const QImage &picture)
 {
     m_picture = picture;
-    m_effects = std::make_unique<EffectImageCache>(picture);
+    m_effects = std::make_shared<EffectImageCache>(picture);
     m_eraseEngine.reset();
     m_markerLines.forget();
     refreshErase();
@@ -352,6 +352,11 @@ void DrawingSession::paint(QPainter &painter, const QRegion &exposed) const
         context.exposed.append(QRectF(inPicture(part.topLeft()), QSizeF(part.size()) / m_view.zoom));
     m_document.paint(painter, context);
     painter.restore();
+}
+
+FlattenRequest DrawingSession::flattenRequest(const QRectF &selection) const
+{
+    return tavrel::flattenRequest(m_picture, selection, m_document, m_eraseEngine.get(), m_effects);
 }
 
 QRectF DrawingSession::inHost(const QRectF &area) const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "annotate/flatten.h"
 #include "annotate/shape_document.h"
 #include "settings/key_combo.h"
 #include "ui/brush_cursor.h"
@@ -126,8 +127,10 @@ public:
     void paint(QPainter &painter, const QRegion &exposed) const;
     /// Where the host looks different since the last call.
     [[nodiscard]] QRegion takeDamage();
-    [[nodiscard]] const EffectImageCache *effects() const { return m_effects.get(); }
-    [[nodiscard]] SmartEraseEngine *eraseEngine() const { return m_eraseEngine.get(); }
+    /// What a part of the picture with everything drawn on it is made from, for any thread.
+    ///
+    /// selection  in coordinates of the picture
+    [[nodiscard]] FlattenRequest flattenRequest(const QRectF &selection) const;
 
 Q_SIGNALS:
     void changed();      ///< something looks different
@@ -155,7 +158,7 @@ private:
     View m_view;
     QRectF m_area;
     std::shared_ptr<ToolMemory> m_toolMemory;
-    std::unique_ptr<EffectImageCache> m_effects;
+    std::shared_ptr<EffectImageCache> m_effects;
     std::unique_ptr<SmartEraseEngine> m_eraseEngine; ///< from the first box on
     QTimer m_eraseTimer;                             ///< moves the light over boxes that are being solved
     ShapeTextEditor m_textEditor;

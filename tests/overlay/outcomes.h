@@ -1,9 +1,13 @@
 #pragma once
 
+#include "annotate/flatten.h"
 #include "overlay/capture_overlay.h"
 
+#include <QImage>
 #include <QList>
 #include <QObject>
+
+#include <algorithm>
 
 namespace tavrel {
 
@@ -25,6 +29,9 @@ public:
         return std::count_if(all.begin(), all.end(),
                              [action](const CaptureOutcome &outcome) { return outcome.action == action; });
     }
+
+    /// The picture of the latest one.
+    [[nodiscard]] QImage picture() const { return flatten(all.last().picture); }
 
     QList<CaptureOutcome> all;
 };

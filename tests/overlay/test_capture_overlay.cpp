@@ -219,7 +219,7 @@ private Q_SLOTS:
     {
         m_overlay->setSelectionRect({33, 47, 101, 77});
         QTest::keyClick(m_overlay.get(), Qt::Key_Return);
-        const QImage result = m_outcomes->all.first().picture;
+        const QImage result = m_outcomes->picture();
         const double ratio = qApp->devicePixelRatio();
         const QRect crop(QPoint(qRound(33 * ratio), qRound(47 * ratio)),
                          QPoint(qRound(134 * ratio) - 1, qRound(124 * ratio) - 1));
@@ -234,7 +234,7 @@ private Q_SLOTS:
         drag(*m_overlay, {10, 10}, {60, 60});
         QCOMPARE(m_outcomes->count(Action::Pick), 1);
         QCOMPARE(m_outcomes->all.first().rectangle, QRect(10, 10, 50, 50));
-        QVERIFY(!m_outcomes->all.first().picture.isNull());
+        QVERIFY(!m_outcomes->picture().isNull());
     }
 
     void aSnapshotBringsTheStateBack()

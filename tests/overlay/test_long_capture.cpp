@@ -191,7 +191,7 @@ private Q_SLOTS:
         QCOMPARE(overlay.snapshot().selection, QRectF(0, 0, 400, 700));
         QTest::keyClick(&overlay, Qt::Key_Return);
         QCOMPARE(outcomes.count(Action::Copy), 1);
-        QCOMPARE(outcomes.all.first().picture.convertToFormat(QImage::Format_RGB32),
+        QCOMPARE(outcomes.picture().convertToFormat(QImage::Format_RGB32),
                  whole.copy(0, 0, 400, 700).convertToFormat(QImage::Format_RGB32));
         // No colour can be read from what the page hides.
         QTest::mouseMove(&overlay, kView.center());
@@ -232,7 +232,7 @@ private Q_SLOTS:
             QCOMPARE(overlay.snapshot().image.height(), kView.height() + 40);
             change();
             QTest::keyClick(&overlay, Qt::Key_Return);
-            QCOMPARE(outcomes.all.last().picture.size(), size);
+            QCOMPARE(outcomes.picture().size(), size);
         }
     }
 

@@ -100,7 +100,7 @@ private Q_SLOTS:
         m_overlay->setTool(ToolType::None);
         QTest::keyClick(m_overlay.get(), Qt::Key_Return);
         QCOMPARE(m_outcomes->count(Action::Copy), 1);
-        const QImage result = m_outcomes->all.first().picture;
+        const QImage result = m_outcomes->picture();
         const double ratio = qApp->devicePixelRatio();
         const QImage seen = m_overlay->grab(QRect(50, 50, 500, 300)).toImage();
         int inked = 0;
@@ -484,7 +484,7 @@ private Q_SLOTS:
         m_overlay->setTool(ToolType::None);
         QTest::keyClick(m_overlay.get(), Qt::Key_Return);
         QCOMPARE(m_outcomes->count(Action::Copy), 1);
-        QCOMPARE(redPixels(m_outcomes->all.first().picture), 0);
+        QCOMPARE(redPixels(m_outcomes->picture()), 0);
         QTRY_COMPARE(redPixels(m_overlay->grab(around).toImage()), 0);
         QTest::keyClick(m_overlay.get(), Qt::Key_Z, Qt::ControlModifier);
         QVERIFY(redPixels(m_overlay->grab(around).toImage()) > 1000);
