@@ -3,35 +3,18 @@
 #include "annotate/shape_document.h"
 
 namespace tavrel {
-namespace {
-
-ToolType familyOf(ToolType tool)
-{
-    switch (tool) {
-    case ToolType::Circle:
-        return ToolType::Rect;
-    case ToolType::Line:
-        return ToolType::Arrow;
-    case ToolType::MosaicPen:
-        return ToolType::Mosaic;
-    default:
-        return tool;
-    }
-}
-
-} // namespace
-
 void ToolMemory::remember(const ShapeDocument &document)
 {
     const ShapeAttributes &now = document.attributes();
     m_last = now;
     if (document.tool() != ToolType::None)
-        m_looks.insert(familyOf(document.tool()), {now.color, now.baseThickness, now.baseFontSize, now.fontFamily});
+        m_looks.insert(toolFamilyHead(document.tool()),
+                       {now.color, now.baseThickness, now.baseFontSize, now.fontFamily});
 }
 
 void ToolMemory::recall(ShapeDocument &document) const
 {
-    const auto look = m_looks.find(familyOf(document.tool()));
+    const auto look = m_looks.find(toolFamilyHead(document.tool()));
     if (look == m_looks.end())
         return;
     ShapeAttributes next = document.attributes();

@@ -28,4 +28,18 @@ ToolType toolTypeFromName(const QString &name, ToolType fallback)
     return fallback;
 }
 
+ToolType toolFamilyHead(ToolType tool)
+{
+    switch (tool) {
+    case ToolType::Circle:
+        return ToolType::Rect;
+    case ToolType::Line:
+        return ToolType::Arrow;
+    case ToolType::MosaicPen:
+        return ToolType::Mosaic;
+    default:
+        return tool;
+    }
+}
+
 } // namespace tavrel

@@ -41,4 +41,8 @@ enum class ToolType : qint32 {
 /// The tool of a stored word, `fallback` for an unknown one.
 [[nodiscard]] ToolType toolTypeFromName(const QString &name, ToolType fallback = ToolType::None);
 
+/// The first tool of a family, which stands for all of it: rectangle and circle have one button on the toolbar and
+/// share what they were set to, and so have arrow and line, mosaic and its brush. Any other tool stands for itself.
+[[nodiscard]] ToolType toolFamilyHead(ToolType tool);
+
 } // namespace tavrel

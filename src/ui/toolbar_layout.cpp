@@ -141,20 +141,6 @@ ToolbarLayout withToolShown(const ToolbarLayout &layout, ToolType tool, ToolType
     return asShown(moved) == asShown(layout) ? layout : moved;
 }
 
-ToolType toolFamilyHead(ToolType tool)
-{
-    switch (tool) {
-    case ToolType::Circle:
-        return ToolType::Rect;
-    case ToolType::Line:
-        return ToolType::Arrow;
-    case ToolType::MosaicPen:
-        return ToolType::Mosaic;
-    default:
-        return tool;
-    }
-}
-
 bool isToolbarAction(ToolType tool)
 {
     return tool == ToolType::Ocr || tool == ToolType::Record || tool == ToolType::LongScreenshot ||

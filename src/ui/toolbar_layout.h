@@ -35,8 +35,6 @@ using ToolbarLayout = QList<ToolbarItem>;
 /// when that shows nothing new.
 [[nodiscard]] ToolbarLayout withToolShown(const ToolbarLayout &layout, ToolType tool, ToolType before);
 
-/// The tool whose button stands for this one: a circle is on the button of the rectangle.
-[[nodiscard]] ToolType toolFamilyHead(ToolType tool);
 /// Whether the toolbar's button does something at once, in place of choosing a tool to draw with.
 [[nodiscard]] bool isToolbarAction(ToolType tool);
 /// What the button of a tool or action is called; empty for those without a button.
