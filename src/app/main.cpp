@@ -15,6 +15,7 @@
 #include <QTimer>
 
 #include <memory>
+#include <optional>
 #include <utility>
 
 namespace {
@@ -51,45 +52,25 @@ void carryOut(AppController &controller, const HandOver &request)
         controller.request(Command::Settings);
 }
 
-} // namespace
-
-int main(int argc, char *argv[])
+/// Claims the place of the one instance, or hands the request over to it. The exit code where this process ends with
+/// that.
+std::optional<int> claimInstance(SingleInstance &instance, const StartRequest &request)
 {
-    QApplication app(argc, argv);
-    describeApplication(app);
-    const QString log = startLogging();
-    qInfo().noquote() << QStringLiteral("Tavrel %1 启动（日志：%2）").arg(QApplication::applicationVersion(), log);
-
-    if (const int code = runOneShot(QApplication::arguments()); code >= 0)
-        return code;
-    QApplication::setQuitOnLastWindowClosed(false);
-
-    // Help and errors of the command line come before the settings are read; they follow the system.
-    LanguageApplier language;
-    language.apply(QStringLiteral("system"));
-    const StartRequest request = readCommandLine(QApplication::arguments());
-
-    SingleInstance instance;
     auto claim = SingleInstance::Claim::Held;
-    if (request.enforceSingleInstance) {
+    if (request.enforceSingleInstance)
         claim = instance.claim(request.handOver());
-        switch (claim) {
-        case SingleInstance::Claim::HandedOver:
-            return 0;
-        case SingleInstance::Claim::Held:
-        case SingleInstance::Claim::HolderUnreachable:
-            break;
-        }
-    }
-    if (request.commands.contains(Command::Quit))
-        return claim == SingleInstance::Claim::Held ? 0 : 1; // nobody to be quit, or somebody who does not answer
+    if (claim == SingleInstance::Claim::HandedOver)
+        return 0;
+    if (request.commands.contains(Command::Quit)) // nobody to be quit, or somebody who does not answer
+        return claim == SingleInstance::Claim::Held ? 0 : 1;
+    return {};
+}
 
-    SettingsStore settings((QString()));
-    language.apply(request.lang.isEmpty() ? settings.config().language : request.lang);
-    if (request.languageProbe)
-        return runLanguageProbe(language);
+/// The running program, until it is quit.
+int run(QApplication &app, SingleInstance &instance, SettingsStore &settings, LanguageApplier &language,
+        const StartRequest &request)
+{
     platform::followSystemTermination(&app);
-
     auto controller = std::make_unique<AppController>(settings, services(request), AppController::Roles{});
     controller->start();
     instance.listen();
@@ -121,4 +102,33 @@ int main(int argc, char *argv[])
     instance.close();
     controller.reset();
     return code;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QApplication app(argc, argv);
+    describeApplication(app);
+    const QString log = startLogging();
+    qInfo().noquote() << QStringLiteral("Tavrel %1 启动（日志：%2）").arg(QApplication::applicationVersion(), log);
+
+    if (const int code = runOneShot(QApplication::arguments()); code >= 0)
+        return code;
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    // Help and errors of the command line come before the settings are read; they follow the system.
+    LanguageApplier language;
+    language.apply(QStringLiteral("system"));
+    const StartRequest request = readCommandLine(QApplication::arguments());
+
+    SingleInstance instance;
+    if (const auto code = claimInstance(instance, request))
+        return *code;
+
+    SettingsStore settings((QString()));
+    language.apply(request.lang.isEmpty() ? settings.config().language : request.lang);
+    if (request.languageProbe)
+        return runLanguageProbe(language);
+    return run(app, instance, settings, language, request);
 }
