@@ -170,10 +170,10 @@ void AppController::startTray()
     });
     m_desktopNotices = std::make_unique<DesktopNotices>(DesktopNotices::Ways{
         .notifier = m_services.notifier,
-        .showBalloon =
+        .showBesideIcon =
             [this](const QString &title, const QString &text, IUserNotices::Kind kind,
-                   std::chrono::milliseconds duration) { return m_tray->showBalloon(title, text, kind, duration); },
-        .showWarning = [this](const QString &title, const QString &text) { showWarning(title, text); },
+                   std::chrono::milliseconds duration) { return m_tray->showNotice(title, text, kind, duration); },
+        .showMessage = [this](const QString &title, const QString &text) { showWarning(title, text); },
     });
     if (!m_givenNotices)
         m_notices.setReceiver(m_desktopNotices.get());

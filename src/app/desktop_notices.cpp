@@ -26,9 +26,9 @@ void DesktopNotices::show(const QString &title, const QString &text, Kind kind, 
 void DesktopNotices::showOurselves(const QString &title, const QString &text, Kind kind,
                                    std::chrono::milliseconds duration)
 {
-    const bool shown = m_ways.showBalloon && m_ways.showBalloon(title, text, kind, duration);
-    if (!shown && kind == Kind::Warning && m_ways.showWarning)
-        m_ways.showWarning(title, text);
+    const bool shown = m_ways.showBesideIcon && m_ways.showBesideIcon(title, text, kind, duration);
+    if (!shown && kind == Kind::Warning && m_ways.showMessage)
+        m_ways.showMessage(title, text);
 }
 
 } // namespace tavrel

@@ -10,8 +10,8 @@
 
 namespace tavrel {
 
-/// Messages on their way to the user: through the desktop's message service, else beside the icon in the notification
-/// area, else, for a warning, wherever the program itself can show one. All of them go to the log.
+/// Notices on their way to the user: through the desktop's own service, else beside the icon in the notification area,
+/// else, for a warning, as a message wherever the program itself can show one. All of them go to the log.
 class DesktopNotices final : public QObject, public IUserNotices
 {
     Q_OBJECT
@@ -21,8 +21,8 @@ public:
     {
         std::shared_ptr<platform::INotifier> notifier; ///< may be null
         /// False when there is no notification area.
-        std::function<bool(const QString &title, const QString &text, Kind, std::chrono::milliseconds)> showBalloon;
-        std::function<void(const QString &title, const QString &text)> showWarning;
+        std::function<bool(const QString &title, const QString &text, Kind, std::chrono::milliseconds)> showBesideIcon;
+        std::function<void(const QString &title, const QString &text)> showMessage;
     };
 
     explicit DesktopNotices(Ways ways, QObject *parent = nullptr) : QObject(parent), m_ways(std::move(ways)) {}

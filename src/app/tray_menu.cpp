@@ -157,8 +157,8 @@ void TrayMenu::refresh()
     m_guides->recentMenu()->setIcon(menuIcon("ed_folder", color, theme));
 }
 
-bool TrayMenu::showBalloon(const QString &title, const QString &text, IUserNotices::Kind kind,
-                           std::chrono::milliseconds duration)
+bool TrayMenu::showNotice(const QString &title, const QString &text, IUserNotices::Kind kind,
+                          std::chrono::milliseconds duration)
 {
     if (!QSystemTrayIcon::isSystemTrayAvailable())
         return false;

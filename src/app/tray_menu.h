@@ -48,9 +48,9 @@ public:
     ~TrayMenu() override;
 
     void refresh();
-    /// A message beside the icon. False when there is no notification area.
-    bool showBalloon(const QString &title, const QString &text, IUserNotices::Kind kind,
-                     std::chrono::milliseconds duration);
+    /// Shows a notice beside the icon. False when there is no notification area.
+    bool showNotice(const QString &title, const QString &text, IUserNotices::Kind kind,
+                    std::chrono::milliseconds duration);
 
     [[nodiscard]] QMenu *menu() const { return m_menu.get(); }
     /// The entry of a command; null when the menu has none.

@@ -6,7 +6,7 @@
 
 namespace tavrel {
 
-/// Short messages about results that have no window of their own.
+/// Notices: what is told of a result and goes away by itself. What waits for an answer is a message (MessageBoard).
 class IUserNotices
 {
 public:
@@ -20,7 +20,7 @@ public:
     virtual void show(const QString &title, const QString &text, Kind kind, std::chrono::milliseconds duration) = 0;
 };
 
-/// Passes messages on to whoever shows them; without a receiver they are dropped.
+/// Passes notices on to whoever shows them; without a receiver they are dropped.
 class NoticeRelay final : public IUserNotices
 {
 public:

@@ -7,7 +7,7 @@
 
 namespace tavrel::platform {
 
-/// A short message that the desktop shows for a while.
+/// A notice that the desktop shows for a while.
 struct Notification
 {
     QString title;
@@ -16,7 +16,7 @@ struct Notification
     std::chrono::milliseconds duration{4000};
 };
 
-/// The desktop's own way to show messages. GUI thread only.
+/// The desktop's own way to show notices. GUI thread only.
 class INotifier
 {
 public:
@@ -25,8 +25,8 @@ public:
     INotifier &operator=(const INotifier &) = delete;
     virtual ~INotifier() = default;
 
-    /// Shows the message and never waits. `done` arrives on the GUI thread, possibly within the call, with false when
-    /// the desktop has nobody who shows messages; it is dropped when the notifier goes before.
+    /// Shows the notice and never waits. `done` arrives on the GUI thread, possibly within the call, with false when
+    /// the desktop has nobody who shows notices; it is dropped when the notifier goes before.
     virtual void notify(const Notification &notification, std::function<void(bool shown)> done) = 0;
 };
 

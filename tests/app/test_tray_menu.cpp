@@ -163,7 +163,7 @@ private Q_SLOTS:
         QTest::addColumn<bool>("warning");
         QTest::addColumn<QString>("shown");
         QTest::newRow("message service") << true << true << true << QString();
-        QTest::newRow("notification area") << false << true << true << QStringLiteral("balloon");
+        QTest::newRow("notification area") << false << true << true << QStringLiteral("beside the icon");
         QTest::newRow("neither") << false << false << true << QStringLiteral("card");
         QTest::newRow("neither, no warning") << false << false << false << QString();
     }
@@ -176,22 +176,22 @@ private Q_SLOTS:
         QString shown;
         DesktopNotices notices(
             {.notifier = std::make_shared<FakeNotifier>(service),
-             .showBalloon =
+             .showBesideIcon =
                  [&shown, area](const QString &, const QString &, auto, auto) {
-                     shown = area ? QStringLiteral("balloon") : QString();
+                     shown = area ? QStringLiteral("beside the icon") : QString();
                      return area;
                  },
-             .showWarning = [&shown](const QString &, const QString &) { shown = QStringLiteral("card"); }});
+             .showMessage = [&shown](const QString &, const QString &) { shown = QStringLiteral("card"); }});
         QTest::ignoreMessage(warning ? QtWarningMsg : QtInfoMsg, "title：text");
         notices.show(QStringLiteral("title"), QStringLiteral("text"),
                      warning ? IUserNotices::Kind::Warning : IUserNotices::Kind::Information, 1000ms);
         QTEST(shown, "shown");
     }
 
-    void withoutANotificationAreaThereIsNoBalloon()
+    void withoutANotificationAreaNothingIsShownThere()
     {
         QVERIFY(!QSystemTrayIcon::isSystemTrayAvailable());
-        QVERIFY(!makeTray()->showBalloon(QStringLiteral("a"), QStringLiteral("b"), IUserNotices::Kind::Warning, 1s));
+        QVERIFY(!makeTray()->showNotice(QStringLiteral("a"), QStringLiteral("b"), IUserNotices::Kind::Warning, 1s));
     }
 
 private:
