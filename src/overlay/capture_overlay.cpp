@@ -3,7 +3,6 @@
 #include "annotate/crop_rect.h"
 #include "overlay/element_probe.h"
 #include "overlay/long_capture_mode.h"
-#include "overlay/long_capture_toolbar.h"
 #include "overlay/overlay_marks.h"
 #include "overlay/overlay_panels.h"
 #include "platform/window_controller.h"
@@ -745,31 +744,12 @@ void CaptureOverlay::updateLongHole()
         m_long->cutHole(m_toast.box(QSizeF(size())));
 }
 
-void CaptureOverlay::runLongAction(int action)
+void CaptureOverlay::runLongAction(Action action)
 {
     if (!m_long->isActive())
         return;
-    finishLongMode(action != LongCaptureToolbar::Cancel);
-    switch (action) {
-    case LongCaptureToolbar::Save:
-        finish(Action::Save);
-        break;
-    case LongCaptureToolbar::Pin:
-        finish(Action::Pin);
-        break;
-    case LongCaptureToolbar::Copy:
-        finish(Action::Copy);
-        break;
-    case LongCaptureToolbar::Edit:
-        if (!m_page.isNull())
-            finish(Action::Edit);
-        break;
-    case LongCaptureToolbar::Cancel:
-        leave();
-        break;
-    default:
-        break;
-    }
+    finishLongMode(action != Action::Leave);
+    finish(action);
 }
 
 bool CaptureOverlay::handleLongKey(int key)

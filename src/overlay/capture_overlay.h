@@ -155,7 +155,7 @@ private:
     // what is asked for
     void run(OverlayCommand command);
     void runAction(ToolType action);
-    void runLongAction(int action);
+    void runLongAction(Action action);
     [[nodiscard]] bool handleLongKey(int key);
     void startTextRecognition();
     void finish(Action action);

@@ -74,8 +74,8 @@ public:
     [[nodiscard]] QRectF previewPanel() const { return place().panel; }
 
 Q_SIGNALS:
-    void actionTriggered(int action); ///< of LongCaptureToolbar::Action
-    void changed(const QRect &area);  ///< to be painted anew
+    void actionTriggered(tavrel::CaptureOutcome::Action action);
+    void changed(const QRect &area); ///< to be painted anew
     void troubled(const QString &message);
 
 private:

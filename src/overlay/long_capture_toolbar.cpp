@@ -35,19 +35,21 @@ LongCaptureToolbar::LongCaptureToolbar(QWidget *owner)
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(8, 4, 8, 4);
     row->setSpacing(2);
-    const QList<std::pair<ToolType, QString>> buttons{{ToolType::Save, tr("保存")},
-                                                      {ToolType::Pin, tr("贴图")},
-                                                      {ToolType::Copy, tr("复制")},
-                                                      {ToolType::Pen, tr("编辑")},
-                                                      {ToolType::Cancel, tr("取消")}};
-    for (int action = 0; action < buttons.size(); ++action) {
-        auto *button = new ToolbarButton(buttons[action].first, this);
-        button->setLabel(buttons[action].second);
-        button->installEventFilter(this);
-        connect(button, &ToolbarButton::clicked, this, [this, action] { Q_EMIT actionTriggered(action); });
-        row->addWidget(button);
-        m_buttons.append(button);
-    }
+    addButton(ToolType::Save, tr("保存"), Action::Save);
+    addButton(ToolType::Pin, tr("贴图"), Action::Pin);
+    addButton(ToolType::Copy, tr("复制"), Action::Copy);
+    addButton(ToolType::Pen, tr("编辑"), Action::Edit);
+    addButton(ToolType::Cancel, tr("取消"), Action::Leave);
+}
+
+void LongCaptureToolbar::addButton(ToolType glyph, const QString &text, Action action)
+{
+    auto *button = new ToolbarButton(glyph, this);
+    button->setLabel(text);
+    button->installEventFilter(this);
+    connect(button, &ToolbarButton::clicked, this, [this, action] { Q_EMIT actionTriggered(action); });
+    layout()->addWidget(button);
+    m_buttons.insert(action, button);
 }
 
 void LongCaptureToolbar::setTheme(const Theme &theme)
@@ -58,12 +60,10 @@ void LongCaptureToolbar::setTheme(const Theme &theme)
     update();
 }
 
-void LongCaptureToolbar::setOffered(const QSet<CaptureOutcome::Action> &offered)
+void LongCaptureToolbar::setOffered(const QSet<Action> &offered)
 {
-    using Outcome = CaptureOutcome::Action;
-    for (const auto &[button, action] : {std::pair(Save, Outcome::Save), std::pair(Pin, Outcome::Pin),
-                                         std::pair(Copy, Outcome::Copy), std::pair(Edit, Outcome::Edit)})
-        m_buttons[button]->setVisible(offered.contains(action));
+    for (auto button = m_buttons.cbegin(); button != m_buttons.cend(); ++button)
+        button.value()->setVisible(button.key() == Action::Leave || offered.contains(button.key()));
     adjustSize();
 }
 
@@ -149,9 +149,9 @@ void LongCaptureToolbar::mouseReleaseEvent(QMouseEvent *)
 void LongCaptureToolbar::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
-        Q_EMIT actionTriggered(Edit);
+        Q_EMIT actionTriggered(Action::Edit);
     else if (event->key() == Qt::Key_Escape)
-        Q_EMIT actionTriggered(Cancel);
+        Q_EMIT actionTriggered(Action::Leave);
     else
         QFrame::keyPressEvent(event);
 }
@@ -181,7 +181,7 @@ void LongCaptureToolbar::cutCorners()
 void LongCaptureToolbar::closeEvent(QCloseEvent *event)
 {
     event->ignore(); // the overlay decides
-    Q_EMIT actionTriggered(Cancel);
+    Q_EMIT actionTriggered(Action::Leave);
 }
 
 void LongCaptureToolbar::paintEvent(QPaintEvent *)

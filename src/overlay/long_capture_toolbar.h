@@ -1,10 +1,11 @@
 #pragma once
 
+#include "annotate/tool_type.h"
 #include "capture/capture_outcome.h"
 #include "ui/theme.h"
 
 #include <QFrame>
-#include <QList>
+#include <QHash>
 #include <QPoint>
 #include <QRect>
 #include <QSet>
@@ -20,13 +21,13 @@ class LongCaptureToolbar final : public QFrame
     Q_OBJECT
 
 public:
-    enum Action { Save = 0, Pin = 1, Copy = 2, Edit = 3, Cancel = 4 };
+    using Action = CaptureOutcome::Action;
 
     explicit LongCaptureToolbar(QWidget *owner);
 
     void setTheme(const Theme &theme);
     /// What somebody takes; there is always a way to cancel.
-    void setOffered(const QSet<CaptureOutcome::Action> &offered);
+    void setOffered(const QSet<Action> &offered);
     void setShowLabels(bool show);
     /// Whether what is below shows through its corners; they are cut off otherwise.
     void setMixed(bool isMixed);
@@ -34,7 +35,7 @@ public:
     void setBounds(const QRect &bounds) { m_bounds = bounds; }
 
 Q_SIGNALS:
-    void actionTriggered(int action);
+    void actionTriggered(tavrel::CaptureOutcome::Action action);
     void moved();
     void pressed(); ///< anywhere on it
 
@@ -49,13 +50,14 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
+    void addButton(ToolType glyph, const QString &text, Action action);
     void press(const QPoint &global);
     void cutCorners();
     /// Whether the press has become a drag.
     bool drag(const QPoint &global);
 
     Theme m_theme;
-    QList<ToolbarButton *> m_buttons;
+    QHash<Action, ToolbarButton *> m_buttons;
     QRect m_bounds;
     QPoint m_pressPoint;
     QPoint m_pressPosition;

@@ -122,10 +122,10 @@ private Q_SLOTS:
         QCOMPARE(actions.count(), 1);
         QVERIFY(!copy->isDown());
         QCOMPARE(pressed.count(), 2);
-        for (const auto &[key, action] : {std::pair(Qt::Key_Return, LongCaptureToolbar::Edit),
-                                          std::pair(Qt::Key_Escape, LongCaptureToolbar::Cancel)}) {
+        for (const auto &[key, action] :
+             {std::pair(Qt::Key_Return, Action::Edit), std::pair(Qt::Key_Escape, Action::Leave)}) {
             QTest::keyClick(&toolbar, key);
-            QCOMPARE(actions.last().first().toInt(), int(action));
+            QCOMPARE(actions.last().first().value<Action>(), action);
         }
     }
 
