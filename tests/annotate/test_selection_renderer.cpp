@@ -41,10 +41,13 @@ void drag(ShapeDocument &document, ToolType tool, const QRectF &box)
                       box.top() + box.height() * (i % 3 + 1) / 3, false);
     document.move(box.left(), box.top(), box.right(), box.bottom(), false);
     document.release();
-    if (auto *text = dynamic_cast<TextShape *>(document.selected())) {
+    if (auto *text = dynamic_cast<TextShape *>(document.selected()))
         text->setText(QStringLiteral("Text 文字\nline"));
-        document.commit();
-    }
+    if (tool == ToolType::Arrow)
+        document.selected()->setHandle(1, box.right(), box.top()); // bent
+    if (tool == ToolType::Line)
+        document.selected()->opacity = 0.4;
+    document.commit();
 }
 
 /// Every kind of shape there is, two of each, over each other.

@@ -2,6 +2,7 @@
 #include "annotate/selection_marks.h"
 #include "annotate/shape_document.h"
 #include "annotate/test_shapes.h"
+#include "annotate/vector_shapes.h"
 #include "support/test_main.h"
 
 #include <QGuiApplication>
@@ -24,7 +25,7 @@ QImage canvas(int width = 200, int height = 200)
 BaseShape *add(ShapeDocument &document, ToolType type, const QRectF &place, const char *color)
 {
     auto shape = std::make_shared<test::BoxShape>(type);
-    shape->box = place;
+    shape->setBox(place);
     shape->color = QString::fromLatin1(color);
     BaseShape *raw = shape.get();
     document.append(std::move(shape));
@@ -133,22 +134,27 @@ private Q_SLOTS:
     {
         QFETCH(int, side);
         QFETCH(bool, isOutline);
-        const auto profile = [isOutline](int length) {
-            const double end = 20.0 + length;
-            test::BoxShape filled(ToolType::Rect);
-            filled.box = QRectF(20, 20, length, length);
-            test::StrokeShape outline(ToolType::Pen);
-            outline.points.assign({{20, 20}, {end, 20}, {end, end}, {20, end}, {20, 20}});
-            const OutlineGlow glow = isOutline ? makeOutlineGlow(outline, {}, 1.0) : makeOutlineGlow(filled, {}, 1.0);
-            const QImage &image = glow.image;
-            QList<QRgb> pixels;
-            for (int i = 0; i < 30; ++i) {
-                pixels << image.pixel(i, 50) << image.pixel(50, i) << image.pixel(image.width() - 1 - i, 50);
-                pixels << image.pixel(50, image.height() - 1 - i);
-            }
-            return pixels;
+        const auto glow = [isOutline](int length) {
+            test::BoxShape filled(ToolType::Rect, QRectF(20, 20, length, length));
+            RectShape outline;
+            outline.setBox(filled.box());
+            return isOutline ? makeOutlineGlow(outline, {}, 1.0).image : makeOutlineGlow(filled, {}, 1.0).image;
         };
-        QCOMPARE(profile(side), profile(80));
+        const QImage small = glow(80);
+        const QImage large = glow(side);
+        const int middle = small.width() / 2;
+        const int more = large.width() - small.width();
+        for (int y = 0; y < small.height(); ++y) {
+            for (int x = 0; x < small.width(); ++x)
+                QCOMPARE(large.pixel(x < middle ? x : x + more, y < middle ? y : y + more), small.pixel(x, y));
+        }
+        for (int along = middle; along < middle + more; ++along) {
+            for (int across = 0; across < small.width(); ++across) {
+                const int there = across < middle ? across : across + more;
+                QCOMPARE(large.pixel(there, along), small.pixel(across, middle));
+                QCOMPARE(large.pixel(along, there), small.pixel(middle, across));
+            }
+        }
     }
 
     void theGlowFollowsAChangedShape()
@@ -192,7 +198,7 @@ private Q_SLOTS:
         QFETCH(double, scale);
         QFETCH(bool, glows);
         test::BoxShape shape(type);
-        shape.box = place;
+        shape.setBox(place);
         QCOMPARE(!makeOutlineGlow(shape, {}, scale).image.isNull(), glows);
     }
 

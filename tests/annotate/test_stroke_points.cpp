@@ -71,8 +71,8 @@ private Q_SLOTS:
 
     void aStoredStrokeComesBackBothWays()
     {
-        test::StrokeShape shape(ToolType::Pen);
-        shape.points.assign(wander(500, 2));
+        PathShape shape(ToolType::Pen);
+        shape.takePoints(wander(500, 2));
         shape.color = QStringLiteral("\"points\":[] {[\\");
         QJsonObject plain;
         shape.toJson(plain);
@@ -83,7 +83,7 @@ private Q_SLOTS:
         for (const QByteArray &stored : {text, indented}) {
             const auto back = test::shapeFactory().read(stored);
             QVERIFY(back);
-            QCOMPARE(test::stroke(back.get())->points.list(), shape.points.list());
+            QCOMPARE(test::stroke(back.get())->points().list(), shape.points().list());
             QCOMPARE(back->color, shape.color);
             QCOMPARE(back->id, shape.id);
         }
@@ -105,9 +105,9 @@ private Q_SLOTS:
         const auto shape =
             test::shapeFactory().read(QByteArray(R"({"type":"pen","points":[{"x":1e200,"y":-1e200},{"x":"a"},{},5]})"));
         const QList<QPointF> expected{{1e6, -1e6}, {0, 0}, {0, 0}, {0, 0}};
-        QCOMPARE(test::stroke(shape.get())->points.list(), expected);
+        QCOMPARE(test::stroke(shape.get())->points().list(), expected);
         const auto strict = test::shapeFactory().read(QByteArray(R"({"points":[{"x":1e200,"y":2}],"type":"pen"})"));
-        QCOMPARE(test::stroke(strict.get())->points.list(), QList<QPointF>({{1e6, 2}}));
+        QCOMPARE(test::stroke(strict.get())->points().list(), QList<QPointF>({{1e6, 2}}));
     }
 
     void theBoxesHideNoSegment_data()
