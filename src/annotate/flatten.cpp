@@ -16,11 +16,11 @@
 namespace tavrel {
 namespace {
 
-QList<std::shared_ptr<BaseShape>> readShapes(const ShapeTexts &texts)
+QList<std::shared_ptr<BaseShape>> readShapes(const ShapeTexts &texts, const ShapeFactory &factory)
 {
     QList<std::shared_ptr<BaseShape>> shapes;
     for (const QByteArray &text : texts) {
-        if (std::shared_ptr<BaseShape> shape = ShapeFactory::standard().read(text))
+        if (std::shared_ptr<BaseShape> shape = factory.read(text))
             shapes.append(std::move(shape));
     }
     return shapes;
@@ -31,7 +31,12 @@ QList<std::shared_ptr<BaseShape>> readShapes(const ShapeTexts &texts)
 FlattenRequest flattenRequest(const QImage &picture, const QRectF &selection, const ShapeDocument &document,
                               const SmartEraseEngine *engine, std::shared_ptr<const EffectImageCache> effects)
 {
-    return {picture, selection, document.state().shapes, engine ? engine->progress() : nullptr, std::move(effects)};
+    return {picture,
+            selection,
+            document.state().shapes,
+            engine ? engine->progress() : nullptr,
+            std::move(effects),
+            &document.factory()};
 }
 
 QImage flatten(const FlattenRequest &request, const erase::CancelFlag &cancel)
@@ -46,7 +51,8 @@ QImage flatten(const FlattenRequest &request, const erase::CancelFlag &cancel)
     QImage result = (crop == request.picture.rect() ? request.picture : request.picture.copy(crop))
                         .convertToFormat(QImage::Format_ARGB32_Premultiplied);
     result.setDevicePixelRatio(ratio);
-    const QList<std::shared_ptr<BaseShape>> shapes = readShapes(request.shapes);
+    const ShapeFactory &factory = request.factory ? *request.factory : ShapeFactory::standard();
+    const QList<std::shared_ptr<BaseShape>> shapes = readShapes(request.shapes, factory);
     if (shapes.isEmpty())
         return result;
 

@@ -13,6 +13,7 @@ namespace tavrel {
 
 class EffectImageCache;
 class ShapeDocument;
+class ShapeFactory;
 
 /// A selection of a picture and the shapes on it, as a value: what a result is made from after its window has gone.
 /// Everything in it is shared and never changes, so that it costs no pixels and can go to any thread.
@@ -23,6 +24,7 @@ struct FlattenRequest
     ShapeTexts shapes;                 ///< in the same units
     SmartEraseEngine::Progress erased; ///< of this picture; null when nothing is known yet
     std::shared_ptr<const EffectImageCache> effects; ///< mosaics and blurs of this picture; null makes them anew
+    const ShapeFactory *factory = nullptr;           ///< that reads the shapes; null for the standard one
 };
 
 /// What the present state of a document asks for. Boxes that the engine is solving go on being solved although it goes,

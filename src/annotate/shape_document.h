@@ -46,6 +46,8 @@ public:
     ShapeDocument &operator=(ShapeDocument &&) = default;
     ~ShapeDocument() = default;
 
+    [[nodiscard]] const ShapeFactory &factory() const { return *m_factory; }
+
     // --- tool and attributes -------------------------------------------------------------------------------------
 
     /// Leaving the watermark commits; entering it takes over what a watermark in the document says.
