@@ -184,7 +184,7 @@ void CaptureFlow::onCaptured(const platform::CaptureResult &result)
 
 void CaptureFlow::openOverlay(const platform::CapturedDisplay &display)
 {
-    auto *overlay = new ui::CaptureOverlay(display, m_services.settings.config());
+    auto *overlay = new ui::CaptureOverlay(display, m_services.settings.config(), m_services.themes);
     overlay->setToolMemory(m_toolMemory);
     overlay->setWindowController(m_services.windows);
     overlay->setDetection(m_windows, m_services.settings.config().detectUiElements ? m_services.probe : nullptr);

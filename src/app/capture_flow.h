@@ -34,6 +34,7 @@ class IWindowController;
 namespace ui {
 class CaptureOverlay;
 class ElementProbe;
+class ThemeSource;
 } // namespace ui
 
 /// One capture after the other: from the request over the grab to the overlay, and from its result back to idle.
@@ -53,8 +54,9 @@ public:
         SettingsStore &settings;
         IHistoryKeeper &history;
         IUserNotices &notices;
-        std::function<QPoint()> cursorPosition; ///< global logical coordinates
-        ui::ElementProbe *probe = nullptr;      ///< asked for elements while the settings say so; may be null
+        std::function<QPoint()> cursorPosition;  ///< global logical coordinates
+        ui::ElementProbe *probe = nullptr;       ///< asked for elements while the settings say so; may be null
+        const ui::ThemeSource *themes = nullptr; ///< null for the theme that the settings name when a capture begins
     };
 
     /// A picture that a session came to.

@@ -7,6 +7,7 @@
 #include "overlay/overlay_panels.h"
 #include "platform/window_controller.h"
 #include "ui/eyedropper_sample.h"
+#include "ui/theme_source.h"
 #include "ui/toolbar_layout.h"
 
 #include <QCloseEvent>
@@ -54,15 +55,17 @@ QSet<ToolType> toolsWithout(const QSet<CaptureOutcome::Action> &offered, bool ca
 
 } // namespace
 
-CaptureOverlay::CaptureOverlay(const platform::CapturedDisplay &display, const SettingsConfig &config, QWidget *parent)
+CaptureOverlay::CaptureOverlay(const platform::CapturedDisplay &display, const SettingsConfig &config,
+                               const ThemeSource *themes, QWidget *parent)
     : QWidget(parent, Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint),
       m_display(static_cast<const platform::DisplayInfo &>(display)),
       m_config(config),
+      m_theme(themes ? themes->current() : themeFor(config.theme)),
       m_livePicture(display.image.cacheKey()),
       m_drawing(this),
       m_detection(
           display, [this] { return isVisible() && !hasSelection(); }, this),
-      m_panels(new OverlayPanels(this, m_drawing.document(), config)),
+      m_panels(new OverlayPanels(this, m_drawing.document(), config, m_theme)),
       m_long(new LongCaptureMode(this)),
       m_colorFormat(config.colorFormat)
 {
@@ -78,6 +81,8 @@ CaptureOverlay::CaptureOverlay(const platform::CapturedDisplay &display, const S
     m_drawing.setMarkerSnap(config.markerSnapText);
     showPicture(OverlayPicture(display.image));
     connectParts();
+    if (themes)
+        connect(themes, &ThemeSource::changed, this, &CaptureOverlay::setTheme);
     setStarter(AutoStart::LongCapture, [this] { startLongMode(); });
     rebuildHints();
 }
@@ -131,6 +136,13 @@ void CaptureOverlay::setConfig(const SettingsConfig &config)
     m_panels->setConfig(config);
     m_hintKey = -1;
     scheduleUpdate();
+}
+
+void CaptureOverlay::setTheme(const Theme &theme)
+{
+    m_theme = theme;
+    m_panels->setTheme(theme);
+    m_long->setTheme(theme);
 }
 
 void CaptureOverlay::setWindowController(std::shared_ptr<platform::IWindowController> controller)
@@ -689,10 +701,9 @@ bool CaptureOverlay::startLongMode()
         showToast(QCoreApplication::translate("CaptureOverlay", "请先框选要拼接的区域"));
         return false;
     }
-    if (!m_long->begin(
-            m_picture.image(), inPicture(selection()),
-            {.theme = themeFor(m_config.theme), .showLabels = m_config.showToolbarText, .offered = m_offered},
-            m_windowController)) {
+    if (!m_long->begin(m_picture.image(), inPicture(selection()),
+                       {.theme = m_theme, .showLabels = m_config.showToolbarText, .offered = m_offered},
+                       m_windowController)) {
         showToast(QCoreApplication::translate("CaptureOverlay", "选区太小，长截图需要一块足够大的区域"));
         return false;
     }

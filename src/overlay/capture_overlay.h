@@ -8,6 +8,7 @@
 #include "platform/screen_capturer.h"
 #include "settings/settings_config.h"
 #include "ui/drawing_session.h"
+#include "ui/theme.h"
 #include "ui/toast.h"
 
 #include <QSet>
@@ -30,6 +31,7 @@ namespace tavrel::ui {
 
 class LongCaptureMode;
 class OverlayPanels;
+class ThemeSource;
 
 /// Stands over one display from the end of the grab until a session comes to something: a window in which the selection
 /// (SelectionGesture), the annotations (DrawingSession), what lies under the pointer (Detection), a scrolling capture
@@ -45,7 +47,9 @@ class CaptureOverlay final : public QWidget
 public:
     using Action = CaptureOutcome::Action;
 
-    CaptureOverlay(const platform::CapturedDisplay &display, const SettingsConfig &config, QWidget *parent = nullptr);
+    /// themes  followed while the overlay stands; null for the theme that the settings name, once
+    CaptureOverlay(const platform::CapturedDisplay &display, const SettingsConfig &config,
+                   const ThemeSource *themes = nullptr, QWidget *parent = nullptr);
     ~CaptureOverlay() override;
 
     void setConfig(const SettingsConfig &config);
@@ -126,6 +130,7 @@ protected:
 
 private:
     void connectParts();
+    void setTheme(const Theme &theme);
 
     // what the pointer does
     void pressLeft(const QPointF &point);
@@ -177,6 +182,7 @@ private:
 
     platform::DisplayInfo m_display;
     SettingsConfig m_config;
+    Theme m_theme;
     OverlayPicture m_picture;
     qint64 m_livePicture; ///< cache key of the picture that shows the screen of now
     DrawingSession m_drawing;

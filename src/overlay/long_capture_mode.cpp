@@ -107,6 +107,12 @@ bool LongCaptureMode::begin(const QImage &image, const QRectF &selection, const 
     return true;
 }
 
+void LongCaptureMode::setTheme(const Theme &theme)
+{
+    if (m_toolbar)
+        m_toolbar->setTheme(theme);
+}
+
 LongPreviewPlace LongCaptureMode::place() const
 {
     const double ratio = m_stitcher.ratio() > 0 ? m_stitcher.ratio() : 1.0;

@@ -51,6 +51,8 @@ public:
     /// returns    false when it is too small; nothing has changed then
     bool begin(const QImage &image, const QRectF &selection, const Look &look,
                std::shared_ptr<platform::IWindowController> windows);
+    /// Of the toolbar, while there is one.
+    void setTheme(const Theme &theme);
     [[nodiscard]] bool isActive() const { return m_isActive; }
     [[nodiscard]] const QRectF &selection() const { return m_selection; }
     /// A frame that comes when it is over is dropped.

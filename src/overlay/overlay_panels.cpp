@@ -17,12 +17,13 @@ constexpr int kBarMargin = 4; ///< between the attribute bar and the sides of th
 
 } // namespace
 
-OverlayPanels::OverlayPanels(QWidget *overlay, ShapeDocument &document, const SettingsConfig &config)
+OverlayPanels::OverlayPanels(QWidget *overlay, ShapeDocument &document, const SettingsConfig &config,
+                             const Theme &theme)
     : QObject(overlay),
       m_overlay(overlay),
       m_document(document),
       m_config(config),
-      m_theme(themeFor(config.theme))
+      m_theme(theme)
 {}
 
 void OverlayPanels::prepare()
@@ -80,10 +81,7 @@ void OverlayPanels::prepareAttributeBar()
 
 void OverlayPanels::setConfig(const SettingsConfig &config)
 {
-    const bool isOtherTheme = config.theme != m_config.theme;
     m_config = config;
-    if (isOtherTheme)
-        setTheme(themeFor(config.theme));
     if (m_attributeBar)
         m_attributeBar->setWheelReversed(config.wheelZoomReversed);
     if (m_toolbar) {

@@ -45,9 +45,10 @@ public:
     };
 
     /// document  whose attributes the bar sets; has to outlive the panels' use
-    OverlayPanels(QWidget *overlay, ShapeDocument &document, const SettingsConfig &config);
+    OverlayPanels(QWidget *overlay, ShapeDocument &document, const SettingsConfig &config, const Theme &theme);
 
     void setConfig(const SettingsConfig &config);
+    void setTheme(const Theme &theme);
     /// Where the eyedropper finds its colours; to be set before the panels are shown.
     void setEyedropperSource(EyedropperLayer::Source source) { m_eyedropperSource = std::move(source); }
     /// Makes toolbar and attribute bar ahead of the first selection, so that they are there at once.
@@ -74,7 +75,6 @@ Q_SIGNALS:
 
 private:
     void prepareAttributeBar();
-    void setTheme(const Theme &theme);
     void place();
     void placeGuide();
     void dismissGuide();

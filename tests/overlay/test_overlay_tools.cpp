@@ -11,6 +11,7 @@
 #include "ui/color_chip_row.h"
 #include "ui/color_library.h"
 #include "ui/outlined_text_edit.h"
+#include "ui/theme_source.h"
 #include "ui/tool_steps.h"
 #include "ui/toolbar_config_dialog.h"
 
@@ -204,6 +205,21 @@ private Q_SLOTS:
             Q_EMIT toolbar->actionTriggered(tool);
             QCOMPARE(m_outcomes->all.last().action, action);
         }
+    }
+
+    void anOpenOverlayFollowsTheTheme()
+    {
+        ui::ThemeSource themes(QStringLiteral("light"));
+        m_overlay = std::make_unique<CaptureOverlay>(captured(), SettingsConfig(), &themes);
+        m_overlay->show();
+        m_overlay->setSelectionRect({50, 50, 500, 300});
+        const auto surface = [this] {
+            const QWidget *toolbar = m_overlay->panels().toolbar();
+            return toolbar->grab().toImage().pixelColor(toolbar->width() / 2, 3).lightness();
+        };
+        QVERIFY(surface() > 200);
+        themes.setSetting(QStringLiteral("dark"));
+        QVERIFY(surface() < 100);
     }
 
     void noButtonOfTheToolbarIsOutOfReach()
