@@ -161,22 +161,6 @@ private Q_SLOTS:
         QVERIFY(std::abs(qGray(saved.pixel(28, 4)) - 127) <= 3);
     }
 
-    void holdsNothingBesidesThePicture()
-    {
-        QTemporaryDir folder;
-        QImage image = picture();
-        image.setText(u"Title"_qs, u"secret.example"_qs);
-        SaveRequest request = requestIn(folder.path());
-        for (const QString &format : {u"png"_qs, u"jpg"_qs}) {
-            request.format = format;
-            QFile file(saveImage(image, request, kTime));
-            QVERIFY(file.open(QIODevice::ReadOnly));
-            const QByteArray bytes = file.readAll();
-            QVERIFY(!bytes.contains("secret"));
-            QVERIFY(!bytes.contains("tEXt") && !bytes.contains("tIME"));
-        }
-    }
-
     void keepsPalettes()
     {
         QTemporaryDir folder;

@@ -1,7 +1,6 @@
 #include "annotate/selection_renderer.h"
 #include "annotate/shape_factory.h"
-#include "redaction/text_reader.h"
-#include "redaction/word_lists.h"
+#include "redaction/covered_text.h"
 #include "support/test_main.h"
 
 #include <QGuiApplication>
@@ -37,8 +36,8 @@ void multiplyByNoise(QImage &picture)
 
 } // namespace
 
-/// How far a covered text can be read back is measured by redaction_report; here only that its reader reads, and that
-/// what is said to hold nothing of the text does hold nothing.
+/// How far a covered text can be read back is measured by ./dev bench redaction; here only that what is said to hold
+/// nothing of the text does hold nothing.
 class ReadingBackTest : public QObject
 {
     Q_OBJECT
@@ -46,45 +45,8 @@ class ReadingBackTest : public QObject
 private:
     QTemporaryDir m_folder;
 
-    QByteArray file(const Page &at, const QString &text, const Cover &cover, Format format)
-    {
-        return savedFile(covered(at.withText(text), at.box, cover), m_folder.path(), format);
-    }
-
 private Q_SLOTS:
     void init() { QTest::failOnWarning(QRegularExpression(u".*"_qs)); }
-
-    void weakCoversAreReadBack_data()
-    {
-        QTest::addColumn<int>("effect");
-        QTest::addColumn<int>("strength");
-        QTest::addColumn<int>("format");
-        const auto add = [](const char *name, Cover::Effect effect, int strength, Format format) {
-            QTest::newRow(name) << int(effect) << strength << int(format);
-        };
-        add("mosaic", Cover::Effect::Mosaic, 6, Format::Png);
-        add("mosaic in a JPEG", Cover::Effect::Mosaic, 6, Format::Jpeg);
-        add("blur", Cover::Effect::Blur, 6, Format::Png);
-        add("blur in a JPEG", Cover::Effect::Blur, 3, Format::Jpeg);
-        add("mosaic brush", Cover::Effect::MosaicBrush, 6, Format::Png);
-        add("blur brush", Cover::Effect::BlurBrush, 6, Format::Png);
-    }
-
-    void weakCoversAreReadBack()
-    {
-        QFETCH(int, effect);
-        QFETCH(int, strength);
-        QFETCH(int, format);
-        const Cover cover{Cover::Effect(effect), strength};
-        const Page truth = page(16);
-        Page known = truth;
-        known.origin += QPointF(-1.75, 1); // about there
-        TextReader reader(truth.font, cover, Format(format));
-        const QByteArray number = file(truth, u"40718259"_qs, cover, Format(format));
-        QCOMPARE(reader.readNumber(QImage::fromData(number), known, 8), u"40718259"_qs);
-        const QByteArray word = file(truth, u"password"_qs, cover, Format(format));
-        QCOMPARE(reader.readWord(QImage::fromData(word), known, englishWords().filter(u"pa"_qs)), u"password"_qs);
-    }
 
     void anErasedBoxHoldsNothingOfTheText_data()
     {
