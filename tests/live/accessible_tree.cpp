@@ -1,5 +1,6 @@
 // accessible_tree NAME: prints what a screen reader sees of a program, one line for each shown object: depth, role,
-// name and, where it has one, value, separated by tabs. Ends with 1 when the program is not on the bus.
+// name, value where it has one, its middle on the screen, and whether it is off, on or checked, separated by tabs. Ends
+// with 1 when the program is not on the bus.
 #include <QCoreApplication>
 #include <QDBusArgument>
 #include <QDBusConnection>
@@ -8,6 +9,7 @@
 #include <QDBusMetaType>
 #include <QDBusObjectPath>
 #include <QDBusReply>
+#include <QPoint>
 
 #include <cstdio>
 
@@ -15,7 +17,10 @@ namespace {
 
 constexpr char kAccessible[] = "org.a11y.atspi.Accessible";
 constexpr int kDeepest = 30;
-constexpr unsigned kShowing = 25; ///< its bit in the states
+// Their bits in the states.
+constexpr unsigned kChecked = 4;
+constexpr unsigned kEnabled = 8;
+constexpr unsigned kShowing = 25;
 
 struct Reference
 {
@@ -63,17 +68,35 @@ public:
         const QDBusMessage states = call(object, kAccessible, QStringLiteral("GetState"), {});
         const auto bits =
             states.arguments().isEmpty() ? QList<uint>() : qdbus_cast<QList<uint>>(states.arguments().first());
-        const bool isShown = depth < 2 || (!bits.isEmpty() && (bits.first() & (1U << kShowing)) != 0);
+        const auto is = [&bits](unsigned state) { return (bits.value(0) & (1U << state)) != 0; };
+        const bool isShown = depth < 2 || is(kShowing);
         if (!isShown || depth > kDeepest)
             return;
         const QVariant value = property(object, "org.a11y.atspi.Value", "CurrentValue");
-        std::printf("%d\t%s\t%s\t%s\n", depth, qPrintable(role), qPrintable(name(object)),
-                    value.isValid() ? qPrintable(QString::number(value.toDouble())) : "-");
+        const QPoint at = middle(object);
+        std::printf("%d\t%s\t%s\t%s\t%d %d\t%s\n", depth, qPrintable(role), qPrintable(name(object)),
+                    value.isValid() ? qPrintable(QString::number(value.toDouble())) : "-", at.x(), at.y(),
+                    !is(kEnabled)  ? "off"
+                    : is(kChecked) ? "checked"
+                                   : "on");
         for (const Reference &child : children(object))
             print(child, depth + 1);
     }
 
 private:
+    [[nodiscard]] QPoint middle(const Reference &object) const
+    {
+        const QDBusMessage answer =
+            call(object, "org.a11y.atspi.Component", QStringLiteral("GetExtents"), {0U}); // of the screen
+        if (answer.type() != QDBusMessage::ReplyMessage)
+            return {};
+        const auto extents = answer.arguments().first().value<QDBusArgument>();
+        int x = 0, y = 0, width = 0, height = 0;
+        extents.beginStructure();
+        extents >> x >> y >> width >> height;
+        extents.endStructure();
+        return {x + width / 2, y + height / 2};
+    }
     [[nodiscard]] QDBusMessage call(const Reference &object, const char *interface, const QString &method,
                                     const QVariantList &arguments) const
     {

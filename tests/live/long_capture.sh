@@ -29,7 +29,7 @@ wheel() { # BUTTON TIMES: each notch gets the time that a frame takes
     local i
     for ((i = 0; i < $2; i++)); do
         xdotool click "$1"
-        sleep 0.05
+        sleep 0.1
     done
 }
 wheel 5 24

@@ -44,7 +44,7 @@ wheel() { # BUTTON TIMES
     local i
     for ((i = 0; i < $2; i++)); do
         xdotool click "$1"
-        sleep 0.05
+        sleep 0.1
     done
 }
 

@@ -18,12 +18,26 @@ done
 
 scratch=$(mktemp -d) || exit 1
 pids=()
+# What of the command's is still there, by what it inherited.
+left_behind() { grep -lsz "^TAVREL_TEST_DISPLAY=$scratch$" /proc/[0-9]*/environ | sed 's|/proc/\([0-9]*\)/.*|\1|'; }
 finish() {
-    local i
+    local code=$? i left
     for ((i = ${#pids[@]} - 1; i >= 0; i--)); do
         kill "${pids[i]}" 2>/dev/null && wait "${pids[i]}" 2>/dev/null
     done
+    # Clients of the server and of a bus end with it, which takes them a moment.
+    for ((i = 0; i < 100; i++)); do
+        left=$(left_behind)
+        [ -n "$left" ] || break
+        sleep 0.05
+    done
+    if [ -n "$left" ]; then
+        echo "left behind: $(for i in $left; do tr '\0' ' ' <"/proc/$i/cmdline"; echo "($i)"; done 2>/dev/null)" >&2
+        kill -9 $left 2>/dev/null
+        [ "$code" -ne 0 ] || code=1
+    fi
     rm -rf "$scratch"
+    exit "$code"
 }
 trap finish EXIT
 trap 'exit 143' TERM INT
@@ -67,4 +81,4 @@ if [ "$wm" = picom ]; then
     done
 fi
 
-"$@"
+TAVREL_TEST_DISPLAY=$scratch "$@"
