@@ -105,6 +105,9 @@ function(tavrel_test folder name)
   set(common LANG=C.UTF-8 LC_ALL=C.UTF-8 TZ=UTC QT_HASH_SEED=0 QT_SCALE_FACTOR= QT_LOGGING_RULES=
       "ASAN_OPTIONS=detect_leaks=0" "UBSAN_OPTIONS=print_stacktrace=1"
       "TSAN_OPTIONS=die_after_fork=0 suppressions=${PROJECT_SOURCE_DIR}/tests/support/tsan.supp" ${T_ENVIRONMENT})
+  # A warning that no test announces with QTest::ignoreMessage is a failure. Excepted are those of the toolkit's own
+  # categories ("qt.") and what the offscreen platform says of itself ("This plugin does not support").
+  set(unexpected "QWARN  :[^\n]*\\) ([^Tq]|T[^h]|Th[^i]|Thi[^s]|q[^t]|qt[^.])" "QCRITICAL")
   set(variant "")
   if(T_VARIANT)
     set(variant "+${T_VARIANT}")
@@ -116,12 +119,12 @@ function(tavrel_test folder name)
     set(label ${prefix}.${name}@${T_LIVE}${variant})
     add_test(NAME ${label} COMMAND ${PROJECT_SOURCE_DIR}/tests/support/with_display.sh
       --wm ${T_LIVE} --screen ${T_SCREEN} $<TARGET_FILE:${target}>)
-    set_tests_properties(${label} PROPERTIES LABELS live TIMEOUT 300
+    set_tests_properties(${label} PROPERTIES LABELS live TIMEOUT 300 FAIL_REGULAR_EXPRESSION "${unexpected}"
       ENVIRONMENT "${common};QT_QPA_PLATFORM=xcb")
   else()
     set(label ${prefix}.${name}${variant})
     add_test(NAME ${label} COMMAND ${target})
-    set_tests_properties(${label} PROPERTIES LABELS unit TIMEOUT 120
+    set_tests_properties(${label} PROPERTIES LABELS unit TIMEOUT 120 FAIL_REGULAR_EXPRESSION "${unexpected}"
       ENVIRONMENT "${common};QT_QPA_PLATFORM=offscreen")
   endif()
 endfunction()

@@ -3,6 +3,8 @@
 #include "platform/synthetic/synthetic_global_hotkey.h"
 #include "platform/unsupported/unsupported_services.h"
 #include "settings/settings_store.h"
+#include "support/fake_clipboard.h"
+#include "support/fake_windows.h"
 #include "support/memory_history.h"
 #include "support/test_main.h"
 #include "ui/color_library.h"
@@ -47,26 +49,6 @@ public:
     platform::CaptureResult result;
 };
 
-class FakeWindows final : public platform::IWindowController
-{
-public:
-    void setWindowRole(QWindow *, platform::WindowRole) override {}
-    void setExcludedFromCapture(QWindow *, bool) override {}
-    void activate(QWindow *) override {}
-    bool isApplicationActive() const override { return active; }
-    void deactivateApplication() override { events.append(QStringLiteral("deactivate")); }
-    void setDockPresence(bool) override {}
-    void placeOnDisplay(QWindow *, const QRect &) override {}
-    void releaseActivation() override { events.append(QStringLiteral("release")); }
-    void setClickThrough(QWindow *, bool) override {}
-    void setOverlayLowered(QWindow *, bool) override {}
-    bool isCompositing() const override { return false; }
-    void setTitleBarHeight(QWindow *, int) override {}
-
-    bool active = false;
-    QStringList events;
-};
-
 class FakeUpdater final : public platform::IUpdater
 {
 public:
@@ -102,16 +84,6 @@ class NoNotifier final : public platform::INotifier
 {
 public:
     void notify(const platform::Notification &, std::function<void(bool)> done) override { done(false); }
-};
-
-class FakeClipboard final : public IClipboard
-{
-public:
-    void set(std::unique_ptr<QMimeData> data) override { m_data = std::move(data); }
-    const QMimeData *readBack() const override { return m_data.get(); }
-
-private:
-    std::unique_ptr<QMimeData> m_data;
 };
 
 QList<FloatingDialog *> messages()
@@ -159,7 +131,7 @@ private Q_SLOTS:
     {
         m_folder = std::make_unique<QTemporaryDir>();
         m_settings = std::make_unique<SettingsStore>(m_folder->filePath(QStringLiteral("s.ini")));
-        m_windows = std::make_shared<FakeWindows>();
+        m_windows = std::make_shared<test::FakeWindows>();
         m_permissions = std::make_shared<FakePermissions>();
         m_notices = std::make_shared<Notices>();
         m_records = std::make_shared<MemoryHistory>();
@@ -276,6 +248,7 @@ private Q_SLOTS:
 
     void aHotkeyThatAnotherProgramHeldIsTriedAgain()
     {
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^注册热键失败：capture ")));
         start([this] { m_hotkeys->setTakenElsewhere(kCtrl1, true); });
         QCOMPARE(m_notices->shown, QStringList{QStringLiteral("Tavrel 快捷键注册失败")});
         QVERIFY(!m_controller->captureHotkeyError().isEmpty());
@@ -392,7 +365,7 @@ private:
         roles.notices = m_notices;
         services.notifier = std::make_shared<NoNotifier>();
         roles.history = m_records;
-        roles.clipboard = std::make_shared<FakeClipboard>();
+        roles.clipboard = std::make_shared<test::FakeClipboard>();
         services.cursorPosition = [] { return QPoint(10, 10); };
         m_controller = std::make_unique<AppController>(*m_settings, std::move(services), std::move(roles));
         m_controller->start();
@@ -418,7 +391,7 @@ private:
 
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<SettingsStore> m_settings;
-    std::shared_ptr<FakeWindows> m_windows;
+    std::shared_ptr<test::FakeWindows> m_windows;
     std::shared_ptr<FakePermissions> m_permissions;
     std::shared_ptr<Notices> m_notices;
     std::shared_ptr<MemoryHistory> m_records;

@@ -1,6 +1,7 @@
 #include "app/result_actions.h"
 #include "app/user_notices.h"
 #include "settings/settings_store.h"
+#include "support/fake_clipboard.h"
 #include "support/test_main.h"
 #include "ui/dialog_hosts.h"
 #include "ui/dialog_services.h"
@@ -28,19 +29,6 @@ public:
     QStringList shown;
 };
 
-/// Keeps what it was given; another program may take it each time.
-class FakeClipboard final : public IClipboard
-{
-public:
-    void set(std::unique_ptr<QMimeData> data) override { m_data = std::move(data); }
-    const QMimeData *readBack() const override { return contested ? nullptr : m_data.get(); }
-
-    bool contested = false;
-
-private:
-    std::unique_ptr<QMimeData> m_data;
-};
-
 /// Answers every file dialog with one path; an empty one cancels.
 class FileDialogs final : public ui::dialogs::IFileDialogHost
 {
@@ -62,20 +50,6 @@ QImage picture()
     return image;
 }
 
-/// The button of the dialog on the screen that has this text; null without such a dialog.
-QPushButton *dialogButton(const QString &text)
-{
-    for (const QWidget *widget : QApplication::topLevelWidgets()) {
-        if (!qobject_cast<const ui::dialogs::FloatingDialog *>(widget) || !widget->isVisible())
-            continue;
-        for (QPushButton *button : widget->findChildren<QPushButton *>()) {
-            if (button->text() == text)
-                return button;
-        }
-    }
-    return nullptr;
-}
-
 } // namespace
 
 class ResultActionsTest : public QObject
@@ -88,7 +62,7 @@ private Q_SLOTS:
         m_folder = std::make_unique<QTemporaryDir>();
         m_settings = std::make_unique<SettingsStore>(m_folder->filePath(QStringLiteral("s.ini")));
         m_notices = std::make_unique<Notices>();
-        m_clipboard = std::make_shared<FakeClipboard>();
+        m_clipboard = std::make_shared<test::FakeClipboard>();
         m_dialogs = std::make_shared<FileDialogs>();
         ui::dialogs::setFileDialogHost(m_dialogs);
         m_actions = std::make_unique<ResultActions>(*m_settings, *m_notices, m_clipboard);
@@ -146,14 +120,6 @@ private Q_SLOTS:
         QCOMPARE(files().filter(QStringLiteral("shot_2147483647")).size(), 3);
     }
 
-    void aTemplateWithoutIndexCountsNothing()
-    {
-        saveTo(m_settings->config().savePath, QStringLiteral("plain"));
-        save();
-        QTRY_COMPARE(m_notices->shown, QStringList{QStringLiteral("已保存|plain.png")});
-        QCOMPARE(counter(), 0);
-    }
-
     void theEndOfTheProgramLeavesNothingUnsaid()
     {
         QString told;
@@ -174,25 +140,6 @@ private Q_SLOTS:
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("保存失败：")));
         QVERIFY(m_actions->finish(QDeadlineTimer(60s)));
         QCOMPARE(ui::dialogs::openDialogCount(), 0);
-    }
-
-    void aPictureThatCannotBeWrittenIsOfferedForAnotherPlace()
-    {
-        QFile(m_folder->filePath(QStringLiteral("file"))).open(QIODevice::WriteOnly);
-        saveTo(m_folder->filePath(QStringLiteral("file/below")));
-        QString told;
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("保存失败：")));
-        m_actions->saveImage(picture(), {}, false, nullptr, [&told](const QString &path) { told = path; });
-        QPushButton *again = nullptr;
-        QTRY_VERIFY((again = dialogButton(QStringLiteral("另存为"))));
-        QCOMPARE(counter(), 0);
-
-        m_dialogs->path = m_folder->filePath(QStringLiteral("rescued.jpg"));
-        again->click();
-        QTRY_COMPARE(told, m_dialogs->path);
-        QCOMPARE(m_dialogs->suggested, QStringList{QStringLiteral("shot_1.png")});
-        QCOMPARE(QImage(told).size(), QSize(40, 30));
-        QCOMPARE(counter(), 1);
     }
 
     void whereTheFileGoes_data()
@@ -219,15 +166,6 @@ private Q_SLOTS:
         QCOMPARE(QFileInfo::exists(m_dialogs->path), asked);
     }
 
-    void aCancelledDialogSavesNothing()
-    {
-        m_actions->saveImage(picture(), {}, true, nullptr);
-        QCOMPARE(m_dialogs->suggested.size(), 1);
-        QVERIFY(m_actions->finish(QDeadlineTimer(60s)));
-        QVERIFY(m_notices->shown.isEmpty());
-        QCOMPARE(counter(), 0);
-    }
-
     /// A colour copied while the picture before it is still being put together stays on the clipboard.
     void aTextOutranksThePictureBeforeIt()
     {
@@ -243,7 +181,7 @@ private Q_SLOTS:
 
     void aClipboardThatOthersHoldIsReported()
     {
-        m_clipboard->contested = true;
+        m_clipboard->thefts = 1000;
         m_actions->copyImage(picture(), {});
         QTRY_COMPARE(m_notices->shown.size(), 1);
         QVERIFY(m_notices->shown.first().startsWith(QStringLiteral("复制失败|")));
@@ -275,7 +213,7 @@ private:
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<SettingsStore> m_settings;
     std::unique_ptr<Notices> m_notices;
-    std::shared_ptr<FakeClipboard> m_clipboard;
+    std::shared_ptr<test::FakeClipboard> m_clipboard;
     std::shared_ptr<FileDialogs> m_dialogs;
     std::unique_ptr<ResultActions> m_actions;
 };

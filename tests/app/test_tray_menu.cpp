@@ -188,12 +188,6 @@ private Q_SLOTS:
         QTEST(shown, "shown");
     }
 
-    void withoutANotificationAreaNothingIsShownThere()
-    {
-        QVERIFY(!QSystemTrayIcon::isSystemTrayAvailable());
-        QVERIFY(!makeTray()->showNotice(QStringLiteral("a"), QStringLiteral("b"), IUserNotices::Kind::Warning, 1s));
-    }
-
 private:
     std::unique_ptr<TrayMenu> makeTray(const GuideMenus::Services &guides = {})
     {

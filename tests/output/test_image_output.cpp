@@ -27,8 +27,6 @@ class ImageOutputTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { QTest::failOnWarning(QRegularExpression(u".*"_qs)); }
-
     void scalesToOnePixelPerPoint_data()
     {
         QTest::addColumn<QSize>("size");

@@ -14,8 +14,6 @@ class NameTemplateTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { QTest::failOnWarning(QRegularExpression(u".*"_qs)); }
-
     void expands_data()
     {
         QTest::addColumn<QString>("nameTemplate");

@@ -100,13 +100,6 @@ private:
     }
 
 private Q_SLOTS:
-    void init()
-    {
-        // The encoders report a full disk in words of their own.
-        if (qstrcmp(QTest::currentTestFunction(), "fullDisk") != 0)
-            QTest::failOnWarning(QRegularExpression(u".*"_qs));
-    }
-
     void formats_data()
     {
         QTest::addColumn<QString>("format");
@@ -159,14 +152,6 @@ private Q_SLOTS:
         const QImage saved(saveImage(image, request, kTime));
         QVERIFY(qGray(saved.pixel(4, 4)) >= 253);
         QVERIFY(std::abs(qGray(saved.pixel(28, 4)) - 127) <= 3);
-    }
-
-    void keepsPalettes()
-    {
-        QTemporaryDir folder;
-        const QImage image = picture().convertToFormat(QImage::Format_Indexed8);
-        const QImage saved(saveImage(image, requestIn(folder.path()), kTime));
-        QCOMPARE(saved.convertToFormat(QImage::Format_ARGB32), image.convertToFormat(QImage::Format_ARGB32));
     }
 
     void retinaSuffix_data()
@@ -282,19 +267,6 @@ private Q_SLOTS:
         QCOMPARE(QImage(old).size(), QSize(8, 8));
     }
 
-    void makesMissingFolders()
-    {
-        QTemporaryDir folder;
-        const QString path = saveImage(picture(), requestIn(folder.filePath(u"a/b"_qs)), kTime);
-        QCOMPARE(path, folder.filePath(u"a/b/shot.png"_qs));
-        QDir::setCurrent(folder.path());
-        const QString relative = saveImage(picture(), requestIn(u"c"_qs), kTime);
-        QVERIFY(QDir::isAbsolutePath(relative));
-        QCOMPARE(QFileInfo(relative).canonicalFilePath(),
-                 QFileInfo(folder.filePath(u"c/shot.png"_qs)).canonicalFilePath());
-        QDir::setCurrent(u"/"_qs);
-    }
-
     void savesToAChosenPath()
     {
         QTemporaryDir folder;
@@ -307,21 +279,6 @@ private Q_SLOTS:
         const QString lost = folder.filePath(u"no/such.png"_qs);
         QCOMPARE(saveImageTo(picture(), lost, 92, &error), QString());
         QCOMPARE(error, u"写入文件失败："_qs + lost);
-    }
-
-    void requestsFollowTheSettings()
-    {
-        SettingsConfig config;
-        config.filenameFormat = u"{{app}}-{{index}}"_qs;
-        config.imageFormat = u"jpg"_qs;
-        config.filenameCounter = 41;
-        config.filenameUseUtc = true;
-        config.retinaSuffix = true;
-        const SaveRequest request = saveRequest(config, u"/x"_qs, {.window = u"w"_qs, .app = u"a"_qs});
-        QCOMPARE(request.context, (FilenameContext{.window = u"w"_qs, .app = u"a"_qs, .index = 42, .useUtc = true}));
-        QCOMPARE(suggestedFileName(picture({8, 8}, 2), request, kTime), u"a-42@2x.jpg"_qs);
-        QVERIFY(usesIndex(config.filenameFormat));
-        QVERIFY(!usesIndex(u"{{ index }}"_qs));
     }
 
     void asyncSavesKeepTheirOrder()

@@ -55,8 +55,6 @@ private:
     }
 
 private Q_SLOTS:
-    void init() { QTest::failOnWarning(QRegularExpression(u".*"_qs)); }
-
     void formats_data()
     {
         QTest::addColumn<int>("format");

@@ -29,32 +29,6 @@ class HotkeyMatcherTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void modifiersCompareExactly_data()
-    {
-        QTest::addColumn<quint32>("key");
-        QTest::addColumn<quint32>("modifiers");
-        QTest::addColumn<int>("fired");
-        QTest::newRow("the combination") << kKeyA << kCtrl << 7;
-        QTest::newRow("with one more modifier") << kKeyA << (kCtrl | kShift) << 8;
-        QTest::newRow("with one less") << kKeyA << 0U << 0;
-        QTest::newRow("with another one") << kKeyA << kShift << 0;
-        QTest::newRow("another key") << kKeyB << kCtrl << 0;
-    }
-    void modifiersCompareExactly()
-    {
-        QFETCH(quint32, key);
-        QFETCH(quint32, modifiers);
-        QFETCH(int, fired);
-        HotkeyMatcher matcher;
-        matcher.setTable({{.id = 7, .stroke = {kKeyA, kCtrl}},
-                          {.id = 8, .stroke = {kKeyA, kCtrl | kShift}},
-                          {.id = 9, .stroke = {kKeyA, kCtrl}}});
-        const auto outcome = matcher.press({key, modifiers}, 100, kListener);
-        QCOMPARE(outcome.fired.value_or(0), fired);
-        QCOMPARE(outcome.swallowed, fired != 0);
-        QCOMPARE(matcher.release(key).swallowed, fired != 0);
-    }
-
     void heldKeyFiresOnceAndItsReleaseIsSwallowed()
     {
         HotkeyMatcher matcher = matcherOfCtrlA();

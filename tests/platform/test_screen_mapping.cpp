@@ -54,29 +54,11 @@ private Q_SLOTS:
         QCOMPARE(twoDisplays().toLogical(native), logical);
     }
 
-    void wholeDisplayIsWholeMonitor()
-    {
-        const ScreenMapping mapping = twoDisplays();
-        for (const auto &entry : mapping.entries().first(2))
-            QCOMPARE(mapping.toNative(QRectF(entry.display.geometry)), entry.native);
-        QCOMPARE(mapping.toNative(QRectF(1930, 110, 100, 50)), QRect(1935, 115, 150, 75));
-    }
-
     void pointsThereAndBack()
     {
         const ScreenMapping mapping = twoDisplays();
         for (const QPoint native : {QPoint(0, 0), QPoint(1919, 1079), QPoint(1920, 100), QPoint(2501, 333)})
             QCOMPARE(mapping.toNative(mapping.toLogical(native)), native);
-    }
-
-    void withoutDisplaysNumbersStand()
-    {
-        const ScreenMapping empty;
-        QCOMPARE(empty.toLogical(QRect(1, 2, 3, 4)), QRectF(1, 2, 3, 4));
-        QCOMPARE(empty.toNative(QRectF(1, 2, 3, 4)), QRect(1, 2, 3, 4));
-        // A server that does not know about monitors has one nameless picture.
-        const ScreenMapping plain({{1, u"screen"_qs, QRect(0, 0, 400, 300), 2.0, true}}, {{{}, QRect(0, 0, 800, 600)}});
-        QCOMPARE(plain.toLogical(QRect(400, 300, 20, 20)), QRectF(200, 150, 10, 10));
     }
 };
 

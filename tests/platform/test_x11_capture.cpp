@@ -138,14 +138,6 @@ private Q_SLOTS:
         QVERIFY(!m_connection->brokenText().isEmpty());
     }
 
-    void strayErrorsHarmNobody()
-    {
-        const auto capturer = makeCapturer();
-        for (int i = 0; i < 100; ++i)
-            xcb_map_window(m_connection->xcb(), xcb_generate_id(m_connection->xcb()));
-        QVERIFY(test::captureWith(*capturer).isGood());
-    }
-
     void unreachableServerIsAnAnswer()
     {
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"无法连接 X 服务器：.+"_qs));

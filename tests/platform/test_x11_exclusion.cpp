@@ -45,7 +45,6 @@ class X11ExclusionTest final : public QObject
 private Q_SLOTS:
     void init()
     {
-        QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
         m_x = XConnection::create();
         m_exclusions = std::make_shared<CaptureExclusions>(m_x);
         m_capturer = std::make_unique<X11ScreenCapturer>(m_x, m_exclusions);

@@ -118,35 +118,6 @@ private Q_SLOTS:
         QVERIFY(m_monitor->stop().isEmpty());
     }
 
-    void modesAskForLess_data()
-    {
-        QTest::addColumn<bool>("keys");
-        QTest::addColumn<QStringList>("told");
-        QTest::newRow("clicks") << false << QStringList({u"press 1"_qs, u"release 1"_qs});
-        QTest::newRow("clicks and keys") << true << QStringList({u"press 1"_qs, u"release 1"_qs, u"down A 65 0"_qs});
-    }
-    void modesAskForLess()
-    {
-        QFETCH(bool, keys);
-        QSignalSpy spy(m_monitor.get(), &IInputMonitor::eventRecorded);
-        m_monitor->setClicksOnly(true);
-        m_monitor->setKeysWithClicks(keys);
-        start();
-        jump(500, 500);
-        click(1);
-        m_client.stroke(m_client.keyCode(XKB_KEY_a));
-        click(4);
-        m_client.sync();
-        QVERIFY(m_monitor->stop().isEmpty());
-        QCoreApplication::processEvents();
-        QStringList told;
-        for (const auto &arguments : spy)
-            told.append(line(arguments.first().value<InputEventRecord>()));
-        QTEST(told, "told");
-        const auto click = spy.first().first().value<InputEventRecord>();
-        QCOMPARE(QPointF(click.x, click.y), logical({500, 500}));
-    }
-
     void everyPlaceOfABurstIsExact()
     {
         start();
@@ -175,29 +146,6 @@ private Q_SLOTS:
         }
         QCOMPARE(next, kCount - 1);
         QCOMPARE(clicks, kCount / 8);
-    }
-
-    void stepsOfAMouseAreFollowed()
-    {
-        jump(400, 400);
-        m_client.sync();
-        start();
-        for (int i = 0; i < 300; ++i) {
-            step(2, i % 3 - 1);
-            if (i % 50 == 49)
-                click(1);
-        }
-        m_client.sync();
-        QList<QPointF> clicks;
-        for (const InputEventRecord &event : m_monitor->stop()) {
-            if (event.type == Type::ButtonDown)
-                clicks.append({event.x, event.y});
-        }
-        QCOMPARE(clicks.size(), 6);
-        for (int i = 0; i < 6; ++i) {
-            const QPointF wanted = logical({400 + 100 * (i + 1), 400});
-            QVERIFY2(QLineF(clicks[i], wanted).length() <= 3, qPrintable(QStringLiteral("click %1").arg(i)));
-        }
     }
 
     void anotherProgramsGrabHidesNothing()
@@ -273,17 +221,6 @@ private Q_SLOTS:
         QTEST(lines(m_monitor->stop()), "heard");
     }
 
-    void withoutAServerThereIsAnError()
-    {
-        X11InputMonitor nowhere(":4099");
-        QString error;
-        QVERIFY(!nowhere.hasAccess(&error));
-        QCOMPARE(error, QStringLiteral("无法安装键鼠监听"));
-        QVERIFY(!nowhere.start(&error));
-        QVERIFY(!nowhere.isRunning());
-        QVERIFY(m_monitor->hasAccess(nullptr));
-    }
-
 private:
     void start()
     {
@@ -296,7 +233,6 @@ private:
                             static_cast<qint16>(y), 0);
     }
     void jump(int x, int y) const { fake(XCB_MOTION_NOTIFY, 0, x, y); }
-    void step(int dx, int dy) const { fake(XCB_MOTION_NOTIFY, 1, dx, dy); }
     void click(quint8 button) const
     {
         fake(XCB_BUTTON_PRESS, button);

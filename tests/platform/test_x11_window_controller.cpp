@@ -66,7 +66,6 @@ class X11WindowControllerTest final : public QObject
 private Q_SLOTS:
     void init()
     {
-        QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
         std::shared_ptr<XConnection> x = XConnection::create();
         m_exclusions = std::make_shared<CaptureExclusions>(x);
         m_controller = std::make_unique<X11WindowController>(x, m_exclusions);

@@ -41,6 +41,7 @@ private Q_SLOTS:
         qInfo("%s", "截图就绪");
         qWarning("second");
         qDebug("third");
+        QTest::ignoreMessage(QtCriticalMsg, "fourth");
         qCritical("fourth");
         const QRegularExpression line(QStringLiteral(
             "^\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d\\.\\d{3} \\[INFO \\] 截图就绪\n[^\n]* \\[WARN \\] "

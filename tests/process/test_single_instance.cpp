@@ -219,27 +219,6 @@ private Q_SLOTS:
         QCOMPARE(instance.claim({}, {.rounds = 1'000'000}), SingleInstance::Claim::HolderUnreachable);
     }
 
-    void aDeadHolderLeavesNothingBehind()
-    {
-        QTemporaryDir folder;
-        SingleInstance instance(folder.path());
-        // The process of the lock has ended: a shell writes its own id in the lock's format.
-        QProcess shell;
-        shell.start(QStringLiteral("/bin/sh"),
-                    {QStringLiteral("-c"),
-                     QStringLiteral("printf '%s\\ntest\\n%s\\n' $$ \"$(hostname)\" > \"$0\"; : > \"$1\""),
-                     instance.lockPath(), instance.socketPath()});
-        QVERIFY(shell.waitForFinished());
-        QVERIFY(QFileInfo::exists(instance.lockPath()));
-        QCOMPARE(instance.claim({}, kQuick), SingleInstance::Claim::Held);
-        instance.listen();
-        QSignalSpy spy(&instance, &SingleInstance::requested);
-        const QString path = instance.socketPath();
-        auto good = elsewhere([path] { return sendRaw(path, HandOver{.commands = {Command::Capture}}.toLine()); });
-        QTRY_COMPARE(spy.count(), 1);
-        QVERIFY(good.get());
-    }
-
     void aLockFileThatNobodyHoldsIsTakenOver_data()
     {
         QTest::addColumn<QByteArray>("content");
@@ -273,17 +252,6 @@ private Q_SLOTS:
         QFile::setPermissions(folder.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner | QFile::ExeOther);
         QVERIFY(!SingleInstance().socketPath().startsWith(folder.path()));
         qputenv("XDG_RUNTIME_DIR", before);
-    }
-
-    void filesOpenedByTheSystemArePassedOn()
-    {
-        FileOpenFilter filter;
-        qApp->installEventFilter(&filter);
-        QSignalSpy spy(&filter, &FileOpenFilter::fileOpened);
-        QFileOpenEvent event(QStringLiteral("/a.tavrel"));
-        QCoreApplication::sendEvent(qApp, &event);
-        QTRY_COMPARE(spy.count(), 1);
-        QCOMPARE(spy.first().first().toString(), QStringLiteral("/a.tavrel"));
     }
 };
 

@@ -46,8 +46,6 @@ private:
     QTemporaryDir m_folder;
 
 private Q_SLOTS:
-    void init() { QTest::failOnWarning(QRegularExpression(u".*"_qs)); }
-
     void anErasedBoxHoldsNothingOfTheText_data()
     {
         QTest::addColumn<int>("format");

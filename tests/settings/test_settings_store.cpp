@@ -119,16 +119,6 @@ private Q_SLOTS:
         QVERIFY(!written(config).contains(QStringLiteral("customColors")));
     }
 
-    void thePaletteHoldsThirtyColours()
-    {
-        QJsonArray colors;
-        for (int i = 0; i < 31; ++i)
-            colors.append(QStringLiteral("#0000%1").arg(i + 16, 2, 16, QLatin1Char('0')));
-        const SettingsConfig config =
-            settingsFromJson({{QStringLiteral("configSchemaVersion"), 9}, {QStringLiteral("paletteColors"), colors}});
-        QCOMPARE(config.paletteColors.size(), 30);
-    }
-
     void everyFieldSurvivesWritingAndReading()
     {
         const SettingsConfig defaults;
@@ -293,30 +283,6 @@ private Q_SLOTS:
         store.update(config);
         QCOMPARE(spy.count(), 1);
         QVERIFY(!store.config().showMagnifier);
-    }
-
-    void aNumberThatEqualsNothingIsNoChange()
-    {
-        QTemporaryDir folder;
-        SettingsStore store(folder.filePath(QStringLiteral("s.ini")));
-        QSignalSpy spy(&store, &SettingsStore::changed);
-        SettingsConfig config = store.config();
-        config.pinInitialOpacity = std::nan("");
-        store.update(config);
-        QCOMPARE(spy.count(), 0);
-        QCOMPARE(store.config().pinInitialOpacity, 1.0);
-    }
-
-    void theUsersOwnSettingsAreTheDefaultPlace()
-    {
-        {
-            SettingsStore store;
-            SettingsConfig config = store.config();
-            config.theme = QStringLiteral("dark");
-            store.update(config);
-        }
-        const QSettings native(QStringLiteral("corvane"), QStringLiteral("Tavrel"));
-        QVERIFY(native.value(QStringLiteral("settings_config")).toString().contains(QStringLiteral("dark")));
     }
 };
 

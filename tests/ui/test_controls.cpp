@@ -112,66 +112,6 @@ private Q_SLOTS:
         QCOMPARE(changed.count(), 2);
     }
 
-    void theSliderAnswersTheKeyboard_data()
-    {
-        QTest::addColumn<Qt::Key>("key");
-        QTest::addColumn<int>("value");
-        QTest::newRow("left") << Qt::Key_Left << 49;
-        QTest::newRow("right") << Qt::Key_Right << 51;
-        QTest::newRow("down") << Qt::Key_Down << 49;
-        QTest::newRow("up") << Qt::Key_Up << 51;
-        QTest::newRow("page up") << Qt::Key_PageUp << 60;
-        QTest::newRow("page down") << Qt::Key_PageDown << 40;
-        QTest::newRow("home") << Qt::Key_Home << 0;
-        QTest::newRow("end") << Qt::Key_End << 100;
-    }
-
-    void theSliderAnswersTheKeyboard()
-    {
-        QFETCH(Qt::Key, key);
-        QFETCH(int, value);
-        auto *slider = add<ModernSlider>();
-        slider->setRange(0, 100);
-        slider->setValue(50);
-        QTest::keyClick(slider, key);
-        QCOMPARE(slider->value(), value);
-        QAccessibleInterface *access = QAccessible::queryAccessibleInterface(slider);
-        QCOMPARE(access->role(), QAccessible::Slider);
-        QCOMPARE(access->valueInterface()->currentValue().toInt(), value);
-        QCOMPARE(access->valueInterface()->maximumValue().toInt(), 100);
-    }
-
-    // The whole ring is there even where the knob stands at an end of its track.
-    void theFocusRingFits_data()
-    {
-        QTest::addColumn<int>("value");
-        QTest::newRow("start") << 0;
-        QTest::newRow("end") << 100;
-    }
-
-    void theFocusRingFits()
-    {
-        QFETCH(int, value);
-        auto *slider = add<ModernSlider>();
-        slider->setRange(0, 100);
-        slider->setValue(value);
-        slider->setGeometry(20, 20, 200, 22);
-        slider->setFocus(Qt::TabFocusReason);
-        const QImage cut = slider->grab().toImage();
-        // Left and right of the knob the ring is as thick as above and below it, where there is room.
-        const int middle = value == 0 ? 9 : 191;
-        const auto ringPixels = [&cut](int fromX, int fromY, int stepX, int stepY) {
-            int found = 0;
-            for (int i = 0; i < 5; ++i) {
-                const QColor color = cut.pixelColor(fromX + i * stepX, fromY + i * stepY);
-                found += color.blue() - color.red();
-            }
-            return found;
-        };
-        const int outside = value == 0 ? ringPixels(0, 11, 1, 0) : ringPixels(199, 11, -1, 0);
-        QVERIFY(std::abs(outside - ringPixels(middle, 2, 0, 1)) < 120);
-    }
-
     void aSwitchGlidesWhileItIsSeen()
     {
         auto *shown = add<ToggleSwitch>();

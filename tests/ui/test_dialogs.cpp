@@ -1,3 +1,4 @@
+#include "support/fake_windows.h"
 #include "support/test_main.h"
 
 #include "platform/window_controller.h"
@@ -25,28 +26,6 @@ using dialogs::DialogCard;
 using dialogs::Icon;
 
 namespace {
-
-/// Remembers what was asked of it.
-class RecordingController final : public platform::IWindowController
-{
-public:
-    QHash<QWindow *, platform::WindowRole> roles;
-    QList<QWindow *> activated;
-    bool composited = true;
-
-    void setWindowRole(QWindow *window, platform::WindowRole role) override { roles[window] = role; }
-    void setExcludedFromCapture(QWindow *, bool) override {}
-    void activate(QWindow *window) override { activated.append(window); }
-    bool isApplicationActive() const override { return true; }
-    void deactivateApplication() override {}
-    void setDockPresence(bool) override {}
-    void placeOnDisplay(QWindow *, const QRect &) override {}
-    void releaseActivation() override {}
-    void setClickThrough(QWindow *, bool) override {}
-    void setOverlayLowered(QWindow *, bool) override {}
-    bool isCompositing() const override { return composited; }
-    void setTitleBarHeight(QWindow *, int) override {}
-};
 
 /// The card on the window's visible sheet.
 DialogCard *shownCard(const QWidget &window)
@@ -95,7 +74,6 @@ private Q_SLOTS:
     void askTextAnswersTextOrNothing();
     void pickColorAnswersTheColorOrNot_data();
     void pickColorAnswersTheColorOrNot();
-    void aCardLargerThanItsWindowFloats();
     void theDialogIsGoneWhenItAnswers();
     void anAnswerMayAskAgainOrDeleteTheWindow();
     void aContextThatIsGoneHearsNothing();
@@ -107,12 +85,6 @@ private Q_SLOTS:
     void aFloatClosedFromOutsideCancels();
     void theSheetKeepsItsWindowOutOfReach();
     void focusStaysInTheCardAndComesBack();
-    void cardPositions_data();
-    void cardPositions();
-    void theSheetFollowsItsWindow();
-    void longTextsStayInBounds();
-    void readableByAssistiveTools();
-    void suspenderIsAlwaysPaired();
     void openDialogsFollowTheTheme();
 
 private:
@@ -130,16 +102,14 @@ private:
     std::unique_ptr<QObject> m_context;
     QStringList m_answers;
     QList<bool> m_suspended;
-    std::shared_ptr<RecordingController> m_controller;
+    std::shared_ptr<test::FakeWindows> m_controller;
 };
 
 void TestDialogs::init()
 {
-    // The offscreen platform says that it knows no fixed sizes and no masks.
-    QTest::failOnWarning(QRegularExpression(QStringLiteral("^(?!This plugin does not support)")));
     m_answers.clear();
     m_suspended.clear();
-    m_controller = std::make_shared<RecordingController>();
+    m_controller = std::make_shared<test::FakeWindows>();
     dialogs::setWindowController(m_controller);
     dialogs::setHotkeySuspender([this](bool suspended) { m_suspended.append(suspended); });
     m_context = std::make_unique<QObject>();
@@ -369,17 +339,6 @@ void TestDialogs::pickColorAnswersTheColorOrNot()
     QCOMPARE(got, answer);
 }
 
-void TestDialogs::aCardLargerThanItsWindowFloats()
-{
-    m_window->resize(500, 300);
-    confirm(m_window.get(), QStringLiteral("a"));
-    QVERIFY(shownCard(*m_window));
-    press(shownCard(*m_window), Qt::Key_Escape);
-    dialogs::pickColor(m_window.get(), Qt::red, [](const QColor &) {});
-    QVERIFY(floating() && !shownCard(*m_window)); // its buttons would lie below the window's edge
-    floating()->close();
-}
-
 void TestDialogs::theDialogIsGoneWhenItAnswers()
 {
     for (QWidget *parent : {m_window.get(), static_cast<QWidget *>(nullptr)}) {
@@ -585,100 +544,6 @@ void TestDialogs::focusStaysInTheCardAndComesBack()
     QCOMPARE(m_window->focusWidget(), visited[0]);
     press(m_window->focusWidget(), Qt::Key_Escape);
     QVERIFY(before.hasFocus());
-}
-
-void TestDialogs::cardPositions_data()
-{
-    QTest::addColumn<QSize>("sheet");
-    QTest::addColumn<QPoint>("place");
-    QTest::newRow("roomy") << QSize(800, 600) << QPoint(200, 152);
-    QTest::newRow("just 20 from the top") << QSize(800, 253) << QPoint(200, 20);
-    QTest::newRow("as high as the card") << QSize(400, 200) << QPoint(0, 20);
-    QTest::newRow("lower than the card") << QSize(500, 90) << QPoint(50, 20);
-}
-
-void TestDialogs::cardPositions()
-{
-    QFETCH(QSize, sheet);
-    QFETCH(QPoint, place);
-    QCOMPARE(dialogs::DialogSheet::cardPosition(sheet, QSize(400, 200)), place);
-}
-
-void TestDialogs::theSheetFollowsItsWindow()
-{
-    confirm(m_window.get(), QStringLiteral("a"));
-    DialogCard *card = shownCard(*m_window);
-    auto *sheet = card->parentWidget();
-    for (const QSize &size : {QSize(1000, 700), QSize(420, 100)}) {
-        m_window->resize(size);
-        QTRY_COMPARE(sheet->geometry(), QRect(QPoint(0, 0), size));
-        QCOMPARE(card->pos(), dialogs::DialogSheet::cardPosition(size, card->size()));
-    }
-    const int before = card->height();
-    card->setText(QString(200, u'字'));
-    QTRY_VERIFY(card->height() > before);
-    QCOMPARE(card->y(), 20);
-}
-
-void TestDialogs::longTextsStayInBounds()
-{
-    DialogCard card(dialogs::themes());
-    card.setIcon(Icon::Error);
-    card.setTitle(QStringLiteral("title"));
-    card.setButtons({{QStringLiteral("ok"), dialogs::ButtonSpec::Primary, true, 1}});
-    card.show();
-    const auto sizeWith = [&](const QString &text) {
-        card.setText(text);
-        QCoreApplication::processEvents(); // layouts
-        return card.sizeHint();
-    };
-    const QSize small = sizeWith(QStringLiteral("one line"));
-    const QSize oneWord = sizeWith(QString(150, u'w')); // no line can hold it
-    QCOMPARE(oneWord.width(), small.width());
-    QVERIFY(oneWord.height() > small.height() + 30);
-    const QSize huge = sizeWith(QString(5000, u'字'));
-    QVERIFY2(huge.width() <= 420 && huge.height() <= 480, qPrintable(QDebug::toString(huge)));
-    auto *bar = card.findChild<QScrollArea *>()->verticalScrollBar();
-    QTRY_VERIFY(bar->maximum() > 0);
-    // No line is cut in two.
-    const int shown = card.findChild<QScrollArea *>()->viewport()->height();
-    QCOMPARE(card.findChild<WrappedLabel *>(QStringLiteral("dlgText"))->heightOfWholeLines(shown), shown);
-    press(&card, Qt::Key_PageDown);
-    QVERIFY(bar->value() > 0);
-}
-
-void TestDialogs::readableByAssistiveTools()
-{
-    confirm(m_window.get(), QStringLiteral("Delete?"));
-    auto *card = QAccessible::queryAccessibleInterface(shownCard(*m_window));
-    QCOMPARE(card->role(), QAccessible::Dialog);
-    QCOMPARE(card->text(QAccessible::Name), QStringLiteral("Delete?"));
-    QCOMPARE(card->text(QAccessible::Description), QStringLiteral("text"));
-    QStringList buttons;
-    for (auto *widget : shownCard(*m_window)->findChildren<QPushButton *>()) {
-        auto *button = QAccessible::queryAccessibleInterface(widget);
-        QCOMPARE(button->role(), QAccessible::Button);
-        buttons.append(button->text(QAccessible::Name));
-    }
-    QCOMPARE(buttons, (QStringList{QStringLiteral("取消"), QStringLiteral("确定")}));
-    press(shownCard(*m_window), Qt::Key_Escape);
-
-    dialogs::askText(m_window.get(), QStringLiteral("Rename"), {}, {}, {});
-    auto *input = QAccessible::queryAccessibleInterface(m_window->findChild<QLineEdit *>());
-    QCOMPARE(input->role(), QAccessible::EditableText);
-    QCOMPARE(input->text(QAccessible::Name), QStringLiteral("Rename"));
-}
-
-void TestDialogs::suspenderIsAlwaysPaired()
-{
-    confirm(m_window.get(), QStringLiteral("a"));
-    QList<bool> second;
-    dialogs::setHotkeySuspender([&](bool suspended) { second.append(suspended); });
-    QCOMPARE(m_suspended, (QList<bool>{true, false}));
-    dialogs::setHotkeySuspender({});
-    QCOMPARE(second, (QList<bool>{true, false}));
-    press(shownCard(*m_window), Qt::Key_Escape); // nobody to tell
-    QCOMPARE(dialogs::openDialogCount(), 0);
 }
 
 TAVREL_TEST_MAIN(QApplication, TestDialogs)

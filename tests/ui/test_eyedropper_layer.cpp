@@ -82,18 +82,12 @@ class TestEyedropperLayer : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
     void picksThePixelUnderThePointer_data();
     void picksThePixelUnderThePointer();
     void everyPixelIsFoundAgain();
     void cancels_data();
     void cancels();
     void nothingComesThrough();
-    void onlyElevenByElevenCounts_data();
-    void onlyElevenByElevenCounts();
-    void places_data();
-    void places();
-    void theLoupeShowsThePixels();
     void coversTheHostAndGivesTheKeyboardBack();
     void mayBeDeletedByWhoeverListens();
 };
@@ -151,8 +145,6 @@ void TestEyedropperLayer::cancels_data()
     QTest::addColumn<int>("button"); // 0 for Escape
     QTest::newRow("escape") << 0;
     QTest::newRow("right button") << int(Qt::RightButton);
-    QTest::newRow("middle button") << int(Qt::MiddleButton);
-    QTest::newRow("back button") << int(Qt::BackButton);
 }
 
 void TestEyedropperLayer::cancels()
@@ -193,87 +185,6 @@ void TestEyedropperLayer::nothingComesThrough()
     QWheelEvent wheel(QPointF(30, 30), QPointF(30, 30), {}, QPoint(0, 120), Qt::NoButton, {}, Qt::NoScrollPhase, false);
     QApplication::sendEvent(layer, &wheel);
     QCOMPARE(host.events, 0);
-}
-
-void TestEyedropperLayer::onlyElevenByElevenCounts_data()
-{
-    QTest::addColumn<QSize>("size");
-    QTest::addColumn<bool>("valid");
-    QTest::newRow("right") << QSize(11, 11) << true;
-    QTest::newRow("too wide") << QSize(12, 11) << false;
-    QTest::newRow("too low") << QSize(11, 10) << false;
-    QTest::newRow("none") << QSize() << false;
-}
-
-void TestEyedropperLayer::onlyElevenByElevenCounts()
-{
-    QFETCH(QSize, size);
-    QFETCH(bool, valid);
-    QWidget host;
-    host.resize(300, 300);
-    host.show();
-    auto *layer = new EyedropperLayer(&host, [&](const QPointF &) {
-        QImage image(size, QImage::Format_ARGB32_Premultiplied);
-        image.fill(QColor(10, 20, 30));
-        return image;
-    });
-    QSignalSpy picked(layer, &EyedropperLayer::picked);
-    moveTo(*layer, QPoint(40, 40));
-    QCOMPARE(layer->isValid(), valid);
-    layer->grab();
-    QTest::mousePress(layer, Qt::LeftButton, {}, QPoint(40, 40));
-    QCOMPARE(picked.count(), valid ? 1 : 0);
-    QCOMPARE(layer->isHidden(), valid); // else it waits for a better place
-    QEvent leave(QEvent::Leave);
-    QApplication::sendEvent(layer, &leave);
-    QVERIFY(!layer->isValid()); // no loupe where the pointer is not
-}
-
-void TestEyedropperLayer::places_data()
-{
-    QTest::addColumn<QPointF>("point");
-    QTest::addColumn<QPointF>("loupe"); // in a layer of 400 x 300
-    QTest::newRow("right and below") << QPointF(100, 80) << QPointF(124, 104);
-    QTest::newRow("just fits") << QPointF(277, 137) << QPointF(301, 161);
-    QTest::newRow("left") << QPointF(278, 80) << QPointF(278 - 24 - 99, 104);
-    QTest::newRow("above") << QPointF(100, 138 + 30) << QPointF(124, 138 + 30 - 24 - 139);
-    QTest::newRow("left and above") << QPointF(399, 299) << QPointF(276, 136);
-    QTest::newRow("room on neither side") << QPointF(100, 140) << QPointF(124, 0);
-}
-
-void TestEyedropperLayer::places()
-{
-    QFETCH(QPointF, point);
-    const QSizeF layer(400, 300);
-    const auto [loupe, label] = EyedropperLayer::placesFor(point, layer);
-    QTEST(loupe.topLeft(), "loupe");
-    QCOMPARE(loupe.size(), QSizeF(99, 99));
-    QCOMPARE(label.height(), 28.0);
-    QCOMPARE(label.center().x(), loupe.center().x());
-    QCOMPARE(label.top(), loupe.bottom() + 12);
-    QVERIFY(QRectF(QPointF(0, 0), layer).contains(loupe.united(label)));
-    QVERIFY(!loupe.contains(point) && !label.contains(point));
-}
-
-void TestEyedropperLayer::theLoupeShowsThePixels()
-{
-    Host host(2);
-    host.show();
-    auto *layer = host.pick();
-    moveTo(*layer, QPoint(10, 10));
-    host.samples = 0;
-    moveTo(*layer, QPoint(100, 80));
-    QCOMPARE(host.samples, 1); // one look a move
-    const QImage shown = layer->grab().toImage();
-    const QRectF loupe = EyedropperLayer::placesFor(QPointF(100, 80), QSizeF(400, 300)).loupe;
-    const auto pixel = [&](const QPointF &offset) {
-        return shown.pixelColor(((loupe.topLeft() + offset) * shown.devicePixelRatio()).toPoint());
-    };
-    const auto cell = [&](int x, int y) { return pixel(QPointF(x * 9 + 4, y * 9 + 4)); };
-    for (const QPoint &place : {QPoint(5, 5), QPoint(2, 5), QPoint(5, 2), QPoint(8, 7)})
-        QCOMPARE(cell(place.x(), place.y()), host.picture.pixelColor(QPoint(195, 155) + place));
-    QVERIFY(pixel(QPointF(3, 3)) != host.picture.pixelColor(195, 155)); // outside of the circle
-    QCOMPARE(host.samples, 1);
 }
 
 void TestEyedropperLayer::coversTheHostAndGivesTheKeyboardBack()

@@ -1,3 +1,4 @@
+#include "support/fake_windows.h"
 #include "support/test_main.h"
 
 #include "platform/window_controller.h"
@@ -31,25 +32,6 @@ public:
     }
 };
 
-class LoweringController final : public platform::IWindowController
-{
-public:
-    QList<bool> lowered;
-
-    void setWindowRole(QWindow *, platform::WindowRole) override {}
-    void setExcludedFromCapture(QWindow *, bool) override {}
-    void activate(QWindow *) override {}
-    bool isApplicationActive() const override { return true; }
-    void deactivateApplication() override {}
-    void setDockPresence(bool) override {}
-    void placeOnDisplay(QWindow *, const QRect &) override {}
-    void releaseActivation() override {}
-    void setClickThrough(QWindow *, bool) override {}
-    void setOverlayLowered(QWindow *, bool on) override { lowered.append(on); }
-    bool isCompositing() const override { return true; }
-    void setTitleBarHeight(QWindow *, int) override {}
-};
-
 } // namespace
 
 class TestFileDialogs : public QObject
@@ -58,15 +40,12 @@ class TestFileDialogs : public QObject
 private Q_SLOTS:
     void init();
     void cleanup();
-    void modes_data();
-    void modes();
     void savingSuggestsANameAndAddsTheSuffix_data();
     void savingSuggestsANameAndAddsTheSuffix();
     void theDialogIsGoneWhenItAnswers();
     void cancelledDialogsStaySilent_data();
     void cancelledDialogsStaySilent();
     void anOwnerOnTopIsLoweredMeanwhile();
-    void aMissingFolderFallsBackToHome();
     void hostsAnswerOnceOrNever();
 
 private:
@@ -110,52 +89,6 @@ void TestFileDialogs::cleanup()
     dialogs::setHotkeySuspender({});
     dialogs::setFileDialogHost(nullptr);
     dialogs::setWindowController(nullptr);
-}
-
-void TestFileDialogs::modes_data()
-{
-    QTest::addColumn<IFileDialogHost::Mode>("mode");
-    QTest::addColumn<QFileDialog::FileMode>("fileMode");
-    QTest::addColumn<QFileDialog::AcceptMode>("acceptMode");
-    using Mode = IFileDialogHost::Mode;
-    QTest::newRow("one file") << Mode::OpenFile << QFileDialog::ExistingFile << QFileDialog::AcceptOpen;
-    QTest::newRow("files") << Mode::OpenFiles << QFileDialog::ExistingFiles << QFileDialog::AcceptOpen;
-    QTest::newRow("folder") << Mode::Directory << QFileDialog::Directory << QFileDialog::AcceptOpen;
-    QTest::newRow("save") << Mode::SaveFile << QFileDialog::AnyFile << QFileDialog::AcceptSave;
-}
-
-void TestFileDialogs::modes()
-{
-    QFETCH(IFileDialogHost::Mode, mode);
-    QFETCH(QFileDialog::FileMode, fileMode);
-    QFETCH(QFileDialog::AcceptMode, acceptMode);
-    const QString title = QStringLiteral("title");
-    const QString filter = QStringLiteral("Pictures (*.png *.jpg)");
-    const auto one = [](const QString &) {};
-    switch (mode) {
-    case IFileDialogHost::Mode::OpenFile:
-        dialogs::openFile(m_window.get(), title, m_dir.path(), filter, one);
-        break;
-    case IFileDialogHost::Mode::OpenFiles:
-        dialogs::chooseFiles(m_window.get(), title, m_dir.path(), filter, [](const QStringList &) {});
-        break;
-    case IFileDialogHost::Mode::Directory:
-        dialogs::pickDirectory(m_window.get(), title, m_dir.path(), one);
-        break;
-    case IFileDialogHost::Mode::SaveFile:
-        dialogs::saveFile(m_window.get(), title, m_dir.filePath(QStringLiteral("a.png")), filter, one);
-        break;
-    }
-    QFileDialog *shown = dialog();
-    QVERIFY(shown);
-    QCOMPARE(shown->fileMode(), fileMode);
-    QCOMPARE(shown->acceptMode(), acceptMode);
-    QCOMPARE(shown->testOption(QFileDialog::ShowDirsOnly), mode == IFileDialogHost::Mode::Directory);
-    QCOMPARE(shown->windowModality(), Qt::WindowModal);
-    QCOMPARE(shown->windowTitle(), title);
-    QCOMPARE(shown->directory().path(), m_dir.path());
-    QCOMPARE(dialogs::openDialogCount(), 1);
-    QCOMPARE(m_suspended, 1);
 }
 
 void TestFileDialogs::savingSuggestsANameAndAddsTheSuffix_data()
@@ -244,7 +177,7 @@ void TestFileDialogs::cancelledDialogsStaySilent()
 
 void TestFileDialogs::anOwnerOnTopIsLoweredMeanwhile()
 {
-    const auto controller = std::make_shared<LoweringController>();
+    const auto controller = std::make_shared<test::FakeWindows>();
     dialogs::setWindowController(controller);
     save(m_window.get(), QStringLiteral("a.png"), {});
     dialog()->reject();
@@ -256,15 +189,6 @@ void TestFileDialogs::anOwnerOnTopIsLoweredMeanwhile()
     QCOMPARE(controller->lowered, (QList<bool>{true}));
     dialog()->reject();
     QTRY_COMPARE(controller->lowered, (QList<bool>{true, false}));
-}
-
-void TestFileDialogs::aMissingFolderFallsBackToHome()
-{
-    save(nullptr, QStringLiteral("gone/a.png"), {});
-    QVERIFY(dialog());
-    QCOMPARE(dialog()->directory().path(), QDir::homePath());
-    QCOMPARE(dialog()->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"))->text(), QStringLiteral("a.png"));
-    dialog()->reject();
 }
 
 void TestFileDialogs::hostsAnswerOnceOrNever()

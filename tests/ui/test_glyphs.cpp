@@ -38,12 +38,8 @@ class TestGlyphs : public QObject
 private Q_SLOTS:
     void everyNamePaintsInsideItsBox_data();
     void everyNamePaintsInsideItsBox();
-    void namesAreUniqueAndFollowTheSets();
-    void unknownNamesPaintNothing();
-    void iconsHoldBothRatios();
     void translucentColoursDoNotDoubleUpWhereStrokesCross();
     void theMarkInTheFileIsTheDrawnOne();
-    void sheetsShowEverySection();
 };
 
 void TestGlyphs::everyNamePaintsInsideItsBox_data()
@@ -86,45 +82,6 @@ void TestGlyphs::everyNamePaintsInsideItsBox()
     QVERIFY2(qAbs(ink.center().x() - 140) <= 12, where);
 }
 
-void TestGlyphs::namesAreUniqueAndFollowTheSets()
-{
-    for (const QStringList &names : {glyphNames(), lineGlyphNames(), attributeGlyphNames()})
-        QCOMPARE(QSet<QString>(names.begin(), names.end()).size(), names.size());
-    for (const QString &name : glyphNames())
-        QVERIFY2(name.startsWith(u"ed_"), qPrintable(name));
-    QCOMPARE(glyphNames().size(), 74);
-    QCOMPARE(lineGlyphNames().size(), 41);
-    QCOMPARE(attributeGlyphNames().size(), 39);
-    QCOMPARE(toolGlyphs().size(), 26);
-}
-
-void TestGlyphs::unknownNamesPaintNothing()
-{
-    for (const QString &name : {QStringLiteral("ed_nothing"), QStringLiteral("dim1"), QString()}) {
-        const QIcon icon = glyphIcon(name, Qt::black, 24);
-        QVERIFY(painted(icon.pixmap(24).toImage()).isEmpty());
-    }
-    QVERIFY(painted(attributeIcon(QStringLiteral("ed_edit"), Qt::black, 24).pixmap(24).toImage()).isEmpty());
-    QVERIFY(painted(toolIcon(ToolType::None, Qt::black, 24).pixmap(24).toImage()).isEmpty());
-}
-
-void TestGlyphs::iconsHoldBothRatios()
-{
-    const QIcon icon = glyphIcon(QStringLiteral("ed_edit"), Qt::red, 16);
-    QCOMPARE(icon.pixmap(QSize(16, 16), 1.0).size(), QSize(16, 16));
-    const QPixmap doubled = icon.pixmap(QSize(16, 16), 2.0);
-    QCOMPARE(doubled.size(), QSize(32, 32));
-    QCOMPARE(doubled.devicePixelRatio(), 2.0);
-    // Drawn at that size, not enlarged: the same as painting it there.
-    QImage direct = canvas(32);
-    QPainter painter(&direct);
-    paintGlyph(painter, QStringLiteral("ed_edit"), QRectF(0, 0, 32, 32), Qt::red);
-    painter.end();
-    QImage stored = doubled.toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied);
-    stored.setDevicePixelRatio(1);
-    QCOMPARE(stored, direct);
-}
-
 void TestGlyphs::translucentColoursDoNotDoubleUpWhereStrokesCross()
 {
     QImage image = canvas(240);
@@ -155,19 +112,6 @@ void TestGlyphs::theMarkInTheFileIsTheDrawnOne()
         }
     }
     QVERIFY2(different < 200, QByteArray::number(different));
-}
-
-void TestGlyphs::sheetsShowEverySection()
-{
-    const QImage all = renderIconSheet();
-    const QImage some = renderGlyphSheet({QStringLiteral("ed_edit"), QStringLiteral("unknown")});
-    QCOMPARE(some.width(), all.width());
-    QVERIFY(some.height() < all.height());
-    const QString folder = qEnvironmentVariable("TAVREL_SHEET_FOLDER");
-    if (folder.isEmpty())
-        return;
-    QVERIFY(all.save(folder + QStringLiteral("/icons.png")));
-    QVERIFY(some.save(folder + QStringLiteral("/some.png")));
 }
 
 TAVREL_TEST_MAIN(QGuiApplication, TestGlyphs)

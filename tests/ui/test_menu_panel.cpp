@@ -119,19 +119,6 @@ private Q_SLOTS:
         QVERIFY(!m_menu);
     }
 
-    void assistiveToolsReadAndUseIt()
-    {
-        const ui::MenuRow *check = m_menu->rows()[2];
-        QAccessibleInterface *access = QAccessible::queryAccessibleInterface(m_menu->rows()[2]);
-        QCOMPARE(access->role(), QAccessible::MenuItem);
-        QCOMPARE(access->text(QAccessible::Name), check->entry().label);
-        QVERIFY(access->state().checked);
-        QVERIFY(QAccessible::queryAccessibleInterface(m_menu->rows()[3])->state().hasPopup);
-        QCOMPARE(QAccessible::queryAccessibleInterface(m_menu)->role(), QAccessible::PopupMenu);
-        access->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
-        QCOMPARE(m_chosen, QStringList(u"check"_qs));
-    }
-
 private:
     [[nodiscard]] QPoint middle(int row) const { return m_menu->rows()[row]->geometry().center(); }
 

@@ -35,17 +35,12 @@ class TestStudioParts : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral("^(?!This plugin does not support)"))); }
     void buttonsWorkByKeyboardAndSayWhatTheyAre();
-    void arrowsWalkAnExclusiveRowOfChips();
-    void labelsFitTheirButtons();
     void flowBreaksLines_data();
     void flowBreaksLines();
     void flowInAPanelIsAsHighAsItsLines();
-    void rowsOfACardNameTheirControls();
     void handleAsksForWidths_data();
     void handleAsksForWidths();
-    void handleGoesWithItsPanel();
 };
 
 void TestStudioParts::buttonsWorkByKeyboardAndSayWhatTheyAre()
@@ -88,51 +83,6 @@ void TestStudioParts::buttonsWorkByKeyboardAndSayWhatTheyAre()
     QVERIFY(bare.grab().toImage() != with);
     for (QWidget *button : buttons)
         button->setParent(nullptr);
-}
-
-void TestStudioParts::arrowsWalkAnExclusiveRowOfChips()
-{
-    QWidget window;
-    auto *row = new FlowLayout(6, &window);
-    QButtonGroup group;
-    QList<Chip *> chips;
-    for (const char *name : {"Free", "1:1", "4:3"}) {
-        chips.append(new Chip(QString::fromLatin1(name), lightTheme()));
-        row->addWidget(chips.last());
-        group.addButton(chips.last());
-    }
-    window.resize(400, 60);
-    window.show();
-    window.activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(&window));
-    chips[0]->setChecked(true);
-    chips[0]->setFocus();
-    QTest::keyClick(chips[0], Qt::Key_Right);
-    QVERIFY(chips[1]->isChecked() && chips[1]->hasFocus());
-    QTest::keyClick(chips[1], Qt::Key_Left);
-    QVERIFY(chips[0]->isChecked());
-}
-
-void TestStudioParts::labelsFitTheirButtons()
-{
-    // Wider letters make a wider button; the fixed ones write smaller instead.
-    QWidget window;
-    window.setAttribute(Qt::WA_DontShowOnScreen);
-    ActionButton small(QStringLiteral("ed_copy"), QStringLiteral("Copy"), ActionButton::Look::Filled, lightTheme());
-    const int plain = small.sizeHint().width();
-    small.setHasMenu(true);
-    QVERIFY(small.sizeHint().width() > plain);
-    small.setHasMenu(false);
-    small.setText(QStringLiteral("Copy the whole picture"));
-    QVERIFY(small.sizeHint().width() > plain);
-    RailIconButton rail(QStringLiteral("ed_background"), QStringLiteral("Background"), lightTheme(), &window);
-    window.resize(rail.size());
-    window.show();
-    const QImage picture = rail.grab().toImage().convertToFormat(QImage::Format_RGB32);
-    for (int y = 0; y < picture.height(); ++y) { // nothing is cut at the sides
-        QCOMPARE(picture.pixel(0, y), picture.pixel(0, 0));
-        QCOMPARE(picture.pixel(picture.width() - 1, y), picture.pixel(0, 0));
-    }
 }
 
 void TestStudioParts::flowBreaksLines_data()
@@ -193,22 +143,6 @@ void TestStudioParts::flowInAPanelIsAsHighAsItsLines()
     QTRY_COMPARE(chips->height(), 3 * 62 + 2 * 6);
 }
 
-void TestStudioParts::rowsOfACardNameTheirControls()
-{
-    GroupCard card;
-    auto *first = new ActionButton(QStringLiteral("ed_reset"), QString(), ActionButton::Look::Plain, lightTheme());
-    card.addRow(QStringLiteral("Shadow"), first);
-    auto *second = new QLabel(QStringLiteral("24"));
-    second->setAccessibleName(QStringLiteral("Width in pixels"));
-    card.addRow(QStringLiteral("Width"), second);
-    QCOMPARE(QAccessible::queryAccessibleInterface(first)->text(QAccessible::Name), QStringLiteral("Shadow"));
-    QCOMPARE(second->accessibleName(), QStringLiteral("Width in pixels"));
-    int lines = 0;
-    for (const QWidget *child : card.findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly))
-        lines += child->property("role").toString() == u"hairline" ? 1 : 0;
-    QCOMPARE(lines, 1); // between the rows only
-}
-
 void TestStudioParts::handleAsksForWidths_data()
 {
     QTest::addColumn<PanelResizeHandle::Side>("side");
@@ -251,19 +185,6 @@ void TestStudioParts::handleAsksForWidths()
     QCOMPARE(panel->width(), width > 300 ? 348 : 252);
     QTest::keyClick(handle, by > 0 ? Qt::Key_Right : Qt::Key_Left);
     QCOMPARE(chosen.last().value(0).toInt(), width > 300 ? 356 : 250); // the owner's limit
-}
-
-void TestStudioParts::handleGoesWithItsPanel()
-{
-    QWidget window;
-    auto *panel = new QWidget(&window);
-    const QPointer<PanelResizeHandle> handle =
-        new PanelResizeHandle(panel, PanelResizeHandle::Side::Right, lightTheme(), &window);
-    QAccessibleInterface *access = QAccessible::queryAccessibleInterface(handle);
-    QCOMPARE(access->role(), QAccessible::Grip);
-    QVERIFY(!access->text(QAccessible::Name).isEmpty());
-    delete panel;
-    QTRY_VERIFY(!handle);
 }
 
 TAVREL_TEST_MAIN(QApplication, TestStudioParts)

@@ -40,39 +40,11 @@ class TestTheme : public QObject
     Q_OBJECT
 private Q_SLOTS:
     void initTestCase() { qunsetenv("DBUS_SESSION_BUS_ADDRESS"); }
-    void slotsAndNamesAgree();
     void theSystemDecidesForAnyOtherName();
     void thePortalGoesBeforeThePalette();
     void portalAnswers_data();
     void portalAnswers();
-    void styleSheetColoursCarryTheirAlpha();
-    void softShadowFadesAndCanBeNothing();
-    void swatchEdges_data();
-    void swatchEdges();
 };
-
-void TestTheme::slotsAndNamesAgree()
-{
-    const Theme light = themeFor(QStringLiteral("light"));
-    const Theme dark = themeFor(QStringLiteral("dark"));
-    QVERIFY(!light.dark && dark.dark && light != dark);
-    QCOMPARE(light.slot(5), QColor(0, 125, 255, 38));
-    QCOMPARE(dark.accent(), QColor(0x3D, 0x9B, 0xFF));
-    QCOMPARE(dark.slot(42), QColor(0, 0, 0, 70));
-    QCOMPARE(dark.fieldFill(), dark.slot(44));
-    QCOMPARE(light.studioStrongBorder(), light.slot(34));
-    QCOMPARE(light.slot(38).alpha(), 0);
-    QVERIFY(light.slot(38).isValid());
-    for (int slot = 0; slot < themeSlotCount; ++slot) {
-        QCOMPARE(light.slot(slot).isValid(), slot != 40 && !(slot >= 35 && slot <= 37));
-        QCOMPARE(dark.slot(slot).isValid(), slot != 40);
-    }
-    QVERIFY(!light.slot(-1).isValid() && !light.slot(45).isValid());
-    QCOMPARE(light.studioWindow(), light.slot(23));
-    QCOMPARE(light.studioPanel(), light.slot(22));
-    QCOMPARE(dark.studioWindow(), dark.slot(22));
-    QCOMPARE(dark.studioPanel(), dark.slot(23));
-}
 
 void TestTheme::theSystemDecidesForAnyOtherName()
 {
@@ -177,55 +149,6 @@ void TestTheme::portalAnswers()
     QFETCH(int, expected);
     const std::optional<ColorScheme> scheme = colorSchemeFromPortal(answer);
     QCOMPARE(scheme ? static_cast<int>(*scheme) : -1, expected);
-}
-
-void TestTheme::styleSheetColoursCarryTheirAlpha()
-{
-    const QString light = studioStyleSheet(lightTheme());
-    // Value labels have the chip fill at 0.7 of its alpha, scroll handles the secondary text at 0.35 and 0.6.
-    QVERIFY(light.contains(u"background: rgba(15, 23, 42, 18); border-radius: 6px; padding: 1px 7px;"));
-    QVERIFY(light.contains(u"background: rgba(107, 114, 128, 89); border-radius: 3px; min-height: 36px;"));
-    QVERIFY(light.contains(u":hover { background: rgba(107, 114, 128, 153); }"));
-    QVERIFY(studioStyleSheet(darkTheme()).contains(u"background: rgba(255, 255, 255, 22); border-radius: 6px;"));
-    QVERIFY(!light.contains(u'%'));
-}
-
-void TestTheme::softShadowFadesAndCanBeNothing()
-{
-    QImage image(120, 120, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
-    const QImage empty = image;
-    QPainter painter(&image);
-    softShadow(painter, QRectF(40, 40, 40, 40), 8, 26, 8, QColor(0, 0, 0, 0));
-    softShadow(painter, QRectF(40, 40, 40, 40), 8, 0, 8, QColor(0, 0, 0, 150));
-    QCOMPARE(image, empty);
-    softShadow(painter, QRectF(40, 40, 40, 40), 8, 26, 8, QColor(0, 0, 0, 150));
-    painter.end();
-    const auto alpha = [&image](int x, int y) { return qAlpha(image.pixel(x, y)); };
-    QVERIFY(alpha(60, 68) > alpha(60, 90));
-    QVERIFY(alpha(60, 90) > alpha(60, 98));
-    QVERIFY(alpha(60, 98) > 0);
-    QCOMPARE(alpha(60, 102), 0); // 80 + 8 + 13 is the end
-    QCOMPARE(alpha(60, 34), 0);  // 40 + 8 - 13
-    // A sixteenth of 255 would round away if layers were whole numbers: 150 / 12 x 1.3, twelve times over.
-    QVERIFY(qAbs(alpha(60, 68) - 142) <= 6);
-}
-
-void TestTheme::swatchEdges_data()
-{
-    QTest::addColumn<QColor>("color");
-    QTest::addColumn<QString>("edge");
-    QTest::newRow("black is lightened") << QColor(0, 0, 0) << QStringLiteral("#474747");
-    QTest::newRow("luma just below 60") << QColor(59, 59, 59) << QStringLiteral("#727272");
-    QTest::newRow("luma 60 is darkened") << QColor(60, 60, 60) << QStringLiteral("#2a2a2a");
-    QTest::newRow("rounds to nearest") << QColor(255, 1, 254) << QStringLiteral("#b301b2");
-}
-
-void TestTheme::swatchEdges()
-{
-    QFETCH(QColor, color);
-    QFETCH(QString, edge);
-    QCOMPARE(swatchEdgeColor(color), edge);
 }
 
 TAVREL_TEST_MAIN(QGuiApplication, TestTheme)

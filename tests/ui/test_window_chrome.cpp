@@ -55,12 +55,8 @@ private Q_SLOTS:
     void cleanup() { m_window.reset(); }
     void partsFollowTheWindow();
     void maximisedHasNoFrame();
-    void buttonsDoWhatTheySay();
     void titleBarMovesExceptOverWhatCanBeUsed_data();
     void titleBarMovesExceptOverWhatCanBeUsed();
-    void doubleClickMaximises();
-    void dragBarMovesOnItsOwn();
-    void gripsStandOnEveryEdge();
     void resizedKeepsLimitsAndTheOtherEdges_data();
     void resizedKeepsLimitsAndTheOtherEdges();
     void sheetLeavesSizeAndPlaceToTheUser();
@@ -75,7 +71,6 @@ private:
 
 void TestWindowChrome::init()
 {
-    QTest::failOnWarning(QRegularExpression(QStringLiteral("^(?!This plugin does not support)")));
     m_window = std::make_unique<QWidget>();
     m_window->setGeometry(100, 100, 600, 400);
     m_chrome = WindowChrome::install(m_window.get(), m_themes, kTitle);
@@ -126,22 +121,6 @@ void TestWindowChrome::maximisedHasNoFrame()
     QTRY_VERIFY(!m_chrome->buttons()->isVisible() && !m_chrome->border()->isVisible());
 }
 
-void TestWindowChrome::buttonsDoWhatTheySay()
-{
-    QTest::mouseClick(control(*m_window, "windowMaximize"), Qt::LeftButton);
-    QTRY_VERIFY(m_window->isMaximized());
-    QTest::mouseClick(control(*m_window, "windowMinimize"), Qt::LeftButton);
-    QTRY_VERIFY(m_window->isMinimized());
-    m_window->showNormal();
-    QTest::mouseClick(control(*m_window, "windowClose"), Qt::LeftButton);
-    QTRY_VERIFY(!m_window->isVisible());
-    for (const char *name : {"windowMinimize", "windowMaximize", "windowClose"}) {
-        const QAccessibleInterface *access = QAccessible::queryAccessibleInterface(control(*m_window, name));
-        QVERIFY(access && access->role() == QAccessible::Button && !access->text(QAccessible::Name).isEmpty());
-        QCOMPARE(control(*m_window, name)->toolTip(), access->text(QAccessible::Name));
-    }
-}
-
 void TestWindowChrome::titleBarMovesExceptOverWhatCanBeUsed_data()
 {
     QTest::addColumn<QString>("child");
@@ -179,63 +158,6 @@ void TestWindowChrome::titleBarMovesExceptOverWhatCanBeUsed()
     const QPoint before = m_window->pos();
     drag(*m_window, QPoint(100, y), QPoint(40, 30));
     QTRY_COMPARE(m_window->pos() - before, moves ? QPoint(40, 30) : QPoint());
-}
-
-void TestWindowChrome::doubleClickMaximises()
-{
-    QTest::mouseDClick(m_window.get(), Qt::LeftButton, {}, QPoint(100, 20));
-    QTRY_VERIFY(m_window->isMaximized());
-    const QPoint place = m_window->pos();
-    drag(*m_window, QPoint(100, 20), QPoint(30, 30));
-    QCOMPARE(m_window->pos(), place);
-    QTest::mouseDClick(m_window.get(), Qt::LeftButton, {}, QPoint(100, 20));
-    QTRY_VERIFY(!m_window->isMaximized());
-    QTest::mouseDClick(m_window.get(), Qt::LeftButton, {}, QPoint(100, 200)); // below it
-    QTest::mouseDClick(m_window.get(), Qt::RightButton, {}, QPoint(100, 20));
-    QCoreApplication::processEvents();
-    QVERIFY(!m_window->isMaximized());
-}
-
-void TestWindowChrome::dragBarMovesOnItsOwn()
-{
-    QWidget plain;
-    plain.setGeometry(50, 50, 300, 200);
-    auto *bar = new WindowDragBar(&plain);
-    bar->setGeometry(0, 0, 300, 40);
-    plain.show();
-    const QPoint before = plain.pos();
-    drag(plain, QPoint(10, 10), QPoint(2, 1)); // a trembling hand
-    QCOMPARE(plain.pos(), before);
-    drag(plain, QPoint(10, 10), QPoint(-20, 60));
-    QTRY_COMPARE(plain.pos() - before, QPoint(-20, 60));
-    QTest::mouseDClick(bar, Qt::LeftButton);
-    QTRY_VERIFY(plain.isMaximized());
-}
-
-void TestWindowChrome::gripsStandOnEveryEdge()
-{
-    // Each point of the rim belongs to the grip of its edge, and the corners win.
-    const auto edgesAt = [this](const QPoint &point) {
-        const auto *grip = qobject_cast<WindowGrip *>(m_window->childAt(point));
-        return grip ? grip->edges() : Qt::Edges();
-    };
-    const int right = m_window->width() - 1;
-    const int bottom = m_window->height() - 1;
-    QCOMPARE(edgesAt({0, 0}), Qt::TopEdge | Qt::LeftEdge);
-    QCOMPARE(edgesAt({right, 0}), Qt::TopEdge | Qt::RightEdge);
-    QCOMPARE(edgesAt({0, bottom}), Qt::BottomEdge | Qt::LeftEdge);
-    QCOMPARE(edgesAt({right, bottom}), Qt::BottomEdge | Qt::RightEdge);
-    QCOMPARE(edgesAt({300, 0}), Qt::Edges(Qt::TopEdge));
-    QCOMPARE(edgesAt({300, bottom}), Qt::Edges(Qt::BottomEdge));
-    QCOMPARE(edgesAt({0, 200}), Qt::Edges(Qt::LeftEdge));
-    QCOMPARE(edgesAt({right, 200}), Qt::Edges(Qt::RightEdge));
-    QCOMPARE(edgesAt({300, 200}), Qt::Edges());
-    QCOMPARE(m_window->childAt(0, 200)->cursor().shape(), Qt::SizeHorCursor);
-    QCOMPARE(m_window->childAt(right, 0)->cursor().shape(), Qt::SizeBDiagCursor);
-
-    const QRect before = m_window->geometry();
-    drag(*m_window, QPoint(0, 200), QPoint(-30, 10)); // the offscreen platform has no resizing of its own
-    QTRY_COMPARE(m_window->geometry(), before.adjusted(-30, 0, 0, 0));
 }
 
 void TestWindowChrome::resizedKeepsLimitsAndTheOtherEdges_data()
