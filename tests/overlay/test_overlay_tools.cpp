@@ -214,7 +214,7 @@ private Q_SLOTS:
         m_overlay->show();
         m_overlay->setSelectionRect({50, 50, 500, 300});
         const auto surface = [this] {
-            const QWidget *toolbar = m_overlay->panels().toolbar();
+            QWidget *toolbar = m_overlay->panels().toolbar();
             return toolbar->grab().toImage().pixelColor(toolbar->width() / 2, 3).lightness();
         };
         QVERIFY(surface() > 200);
