@@ -1,6 +1,8 @@
 // Smart erase: how long a box takes, where the time goes, and how near the result comes to what was behind the object.
 #include "annotate/erase_pictures.h"
 #include "annotate/erase_region.h"
+#include "annotate/flatten.h"
+#include "annotate/shape_document.h"
 #include "annotate/smart_erase_engine.h"
 
 #include <QCoreApplication>
@@ -108,6 +110,52 @@ void endWhileSolving(benchmark::State &state)
     }
 }
 BENCHMARK(endWhileSolving)->Unit(benchmark::kMicrosecond)->Iterations(10);
+
+/// What the thread of the windows pays for a result right after a box of 3000 x 1800 was drawn: the request made, and
+/// the engine and the document gone. Before, it waited for the solver.
+void handOverWhileSolving(benchmark::State &state)
+{
+    QImage image(3840, 2160, QImage::Format_RGB32);
+    background(QStringLiteral("grain")).draw(image, 1);
+    for (auto _ : state) {
+        state.PauseTiming();
+        auto document = std::make_unique<ShapeDocument>();
+        document->setTool(ToolType::SmartErase);
+        document->setEraseWholeBox(true);
+        document->press(100, 100, 1);
+        document->move(100, 100, 3100, 1900, false);
+        document->release();
+        auto engine = std::make_unique<SmartEraseEngine>(image);
+        engine->setSpecs(document->eraseRegions(1));
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        state.ResumeTiming();
+        const FlattenRequest request = flattenRequest(image, QRectF(image.rect()), *document, engine.get());
+        engine.reset();
+        document.reset();
+        state.PauseTiming();
+        benchmark::DoNotOptimize(request.shapes.constData());
+        state.ResumeTiming();
+    }
+}
+BENCHMARK(handOverWhileSolving)->Unit(benchmark::kMicrosecond)->Iterations(10);
+
+/// The work on another thread once everything is solved: a 4K picture with that box.
+void flattenSolved(benchmark::State &state)
+{
+    QImage image(3840, 2160, QImage::Format_RGB32);
+    background(QStringLiteral("gradient")).draw(image, 1);
+    ShapeDocument document;
+    document.setTool(ToolType::SmartErase);
+    document.press(100, 100, 1);
+    document.move(100, 100, 3100, 1900, false);
+    document.release();
+    SmartEraseEngine engine(image);
+    engine.solve(document.eraseRegions(1));
+    const FlattenRequest request = flattenRequest(image, QRectF(image.rect()), document, &engine);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(flatten(request).constBits());
+}
+BENCHMARK(flattenSolved)->Unit(benchmark::kMillisecond);
 
 /// Ten kinds of screens with an object over a known background: mean error of a channel inside the box, before and
 /// after.
