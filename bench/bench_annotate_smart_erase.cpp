@@ -17,17 +17,58 @@ using namespace tavrel;
 
 namespace {
 
-test::Background background(const QString &name)
+/// Rows of short strokes that look like words.
+void drawFakeText(QPainter &painter, const QRect &area, int lineHeight, const QColor &color)
 {
-    const QList<test::Background> all = test::backgrounds();
-    return *std::find_if(all.begin(), all.end(), [&](const auto &one) { return one.name == name; });
+    QRandomGenerator random(7);
+    const int letter = std::max(3, lineHeight / 3);
+    for (int y = area.top() + lineHeight / 4; y + letter < area.bottom(); y += lineHeight) {
+        for (int x = area.left(); x + 6 * letter < area.right(); x += letter) {
+            for (int i = random.bounded(2, 9); i > 0 && x + letter < area.right(); --i, x += letter) {
+                painter.fillRect(x, y, std::max(1, letter / 4), letter, color);
+                painter.fillRect(x, y + random.bounded(letter), letter - letter / 4, std::max(1, letter / 5), color);
+            }
+        }
+    }
+}
+
+/// Those of the tests and some more.
+QList<test::Background> allBackgrounds()
+{
+    QList<test::Background> list = test::backgrounds();
+    list.append({QStringLiteral("glow"), [](QImage &image, double) {
+                     test::eachPixel(image, [&](int x, int y) {
+                         const double r = std::hypot(x - image.width() * 0.4, y - image.height() * 0.5) / image.width();
+                         const int v = static_cast<int>(230 - 150 * std::min(r, 1.0));
+                         return qRgb(v, v - 20, v - 40);
+                     });
+                 }});
+    list.append({QStringLiteral("text"), [](QImage &image, double scale) {
+                     image.fill(Qt::white);
+                     QPainter painter(&image);
+                     drawFakeText(painter, image.rect().adjusted(10, 10, -10, -10), static_cast<int>(18 * scale),
+                                  QColor(50, 55, 60));
+                 }});
+    list.append({QStringLiteral("table"), [](QImage &image, double scale) {
+                     QPainter painter(&image);
+                     const int row = static_cast<int>(22 * scale);
+                     const int column = static_cast<int>(60 * scale);
+                     for (int y = 0; y < image.height(); y += row) {
+                         painter.fillRect(0, y, image.width(), row,
+                                          y / row % 2 ? QColor(244, 246, 249) : QColor(Qt::white));
+                         painter.fillRect(0, y, image.width(), 1, QColor(205, 210, 216));
+                     }
+                     for (int x = 0; x < image.width(); x += column)
+                         painter.fillRect(x, 0, 1, image.height(), QColor(205, 210, 216));
+                 }});
+    return list;
 }
 
 /// A box in the middle of a picture that leaves the widest window around it.
 test::Scene sceneFor(const QString &name, const QSize &box)
 {
     const QSize size(box.width() + 360, box.height() + 360);
-    return test::sceneOf(background(name), size, QRect(QPoint(180, 180), box));
+    return test::sceneOf(test::background(name), size, QRect(QPoint(180, 180), box));
 }
 
 void solve(benchmark::State &state, const QString &name, EraseSolver solver)
@@ -60,7 +101,7 @@ BENCHMARK_CAPTURE(solve, tiles_whole, QStringLiteral("tiles"), EraseSolver::Whol
 void moveSolvedBox(benchmark::State &state)
 {
     QImage image(3840, 2160, QImage::Format_RGB32);
-    background(QStringLiteral("gradient")).draw(image, 1);
+    test::background(QStringLiteral("gradient")).draw(image, 1);
     QList<EraseSpec> specs;
     for (int i = 0; i < 10; ++i)
         specs.append({QRect(100 + 700 * (i % 5), 100 + 900 * (i / 5), 600, 400), EraseSolver::WholeBox});
@@ -116,7 +157,7 @@ BENCHMARK(endWhileSolving)->Unit(benchmark::kMicrosecond)->Iterations(10);
 void handOverWhileSolving(benchmark::State &state)
 {
     QImage image(3840, 2160, QImage::Format_RGB32);
-    background(QStringLiteral("grain")).draw(image, 1);
+    test::background(QStringLiteral("grain")).draw(image, 1);
     for (auto _ : state) {
         state.PauseTiming();
         auto document = std::make_unique<ShapeDocument>();
@@ -143,7 +184,7 @@ BENCHMARK(handOverWhileSolving)->Unit(benchmark::kMicrosecond)->Iterations(10);
 void flattenSolved(benchmark::State &state)
 {
     QImage image(3840, 2160, QImage::Format_RGB32);
-    background(QStringLiteral("gradient")).draw(image, 1);
+    test::background(QStringLiteral("gradient")).draw(image, 1);
     ShapeDocument document;
     document.setTool(ToolType::SmartErase);
     document.press(100, 100, 1);
@@ -177,7 +218,7 @@ void quality(benchmark::State &state, const test::Background &kind, EraseSolver 
 int main(int argc, char *argv[])
 {
     const QCoreApplication app(argc, argv);
-    for (const test::Background &kind : test::backgrounds()) {
+    for (const test::Background &kind : allBackgrounds()) {
         const auto add = [&kind](const char *solver, EraseSolver value) {
             benchmark::RegisterBenchmark(("quality/" + kind.name.toStdString() + '/' + solver).c_str(),
                                          [kind, value](benchmark::State &state) { quality(state, kind, value); })

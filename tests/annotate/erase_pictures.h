@@ -48,21 +48,6 @@ inline double softNoise(double x, double y, quint32 seed)
     return top * (1 - fy) + bottom * fy;
 }
 
-/// Rows of short strokes that look like words.
-inline void drawFakeText(QPainter &painter, const QRect &area, int lineHeight, const QColor &color)
-{
-    QRandomGenerator random(7);
-    const int letter = std::max(3, lineHeight / 3);
-    for (int y = area.top() + lineHeight / 4; y + letter < area.bottom(); y += lineHeight) {
-        for (int x = area.left(); x + 6 * letter < area.right(); x += letter) {
-            for (int i = random.bounded(2, 9); i > 0 && x + letter < area.right(); --i, x += letter) {
-                painter.fillRect(x, y, std::max(1, letter / 4), letter, color);
-                painter.fillRect(x, y + random.bounded(letter), letter - letter / 4, std::max(1, letter / 5), color);
-            }
-        }
-    }
-}
-
 inline QList<Background> backgrounds()
 {
     QList<Background> list;
@@ -74,36 +59,11 @@ inline QList<Background> backgrounds()
                                      static_cast<int>(200 - 60 * t));
                      });
                  }});
-    list.append({QStringLiteral("glow"), [](QImage &image, double) {
-                     eachPixel(image, [&](int x, int y) {
-                         const double r = std::hypot(x - image.width() * 0.4, y - image.height() * 0.5) / image.width();
-                         const int v = static_cast<int>(230 - 150 * std::min(r, 1.0));
-                         return qRgb(v, v - 20, v - 40);
-                     });
-                 }});
     list.append({QStringLiteral("panels"), [](QImage &image, double) {
                      QPainter painter(&image);
                      painter.fillRect(image.rect(), QColor(250, 250, 250));
                      painter.fillRect(0, 0, image.width() / 2, image.height(), QColor(235, 238, 242));
                      painter.fillRect(image.width() / 2 - 1, 0, 2, image.height(), QColor(205, 210, 216));
-                 }});
-    list.append({QStringLiteral("text"), [](QImage &image, double scale) {
-                     image.fill(Qt::white);
-                     QPainter painter(&image);
-                     drawFakeText(painter, image.rect().adjusted(10, 10, -10, -10), static_cast<int>(18 * scale),
-                                  QColor(50, 55, 60));
-                 }});
-    list.append({QStringLiteral("table"), [](QImage &image, double scale) {
-                     QPainter painter(&image);
-                     const int row = static_cast<int>(22 * scale);
-                     const int column = static_cast<int>(60 * scale);
-                     for (int y = 0; y < image.height(); y += row) {
-                         painter.fillRect(0, y, image.width(), row,
-                                          y / row % 2 ? QColor(244, 246, 249) : QColor(Qt::white));
-                         painter.fillRect(0, y, image.width(), 1, QColor(205, 210, 216));
-                     }
-                     for (int x = 0; x < image.width(); x += column)
-                         painter.fillRect(x, 0, 1, image.height(), QColor(205, 210, 216));
                  }});
     list.append({QStringLiteral("grain"), [](QImage &image, double) {
                      QRandomGenerator random(3);
@@ -132,6 +92,12 @@ inline QList<Background> backgrounds()
                      });
                  }});
     return list;
+}
+
+inline Background background(const QString &name)
+{
+    const QList<Background> all = backgrounds();
+    return *std::find_if(all.begin(), all.end(), [&](const Background &one) { return one.name == name; });
 }
 
 /// What the user wants to be rid of: a badge that fills the middle of the box.

@@ -69,18 +69,13 @@ Rgb checks(int x, int y)
 
 double error(const QString &background, EraseSolver solver, RegionInfo *info = nullptr)
 {
-    for (const test::Background &kind : test::backgrounds()) {
-        if (kind.name != background)
-            continue;
-        const test::Scene scene = test::sceneOf(kind, {300, 240}, {90, 70, 110, 90});
-        const RegionResult result = eraseRegion(scene.image, {scene.box, solver});
-        QImage filled = scene.image;
-        result.pasteInto(filled, filled.rect());
-        if (info)
-            *info = result.info;
-        return test::meanError(filled, scene.truth, scene.box);
-    }
-    return 1000;
+    const test::Scene scene = test::sceneOf(test::background(background), {300, 240}, {90, 70, 110, 90});
+    const RegionResult result = eraseRegion(scene.image, {scene.box, solver});
+    QImage filled = scene.image;
+    result.pasteInto(filled, filled.rect());
+    if (info)
+        *info = result.info;
+    return test::meanError(filled, scene.truth, scene.box);
 }
 
 } // namespace
@@ -233,7 +228,7 @@ private Q_SLOTS:
     {
         // Large enough to be cut into bands that several threads work on.
         QImage image(420, 400, QImage::Format_RGB32);
-        test::backgrounds().at(6).draw(image, 1);
+        test::background(QStringLiteral("grain")).draw(image, 1);
         const PixelBuffer before = pixelsOf(image, image.rect());
         PixelBuffer first = before;
         PixelBuffer second = before;

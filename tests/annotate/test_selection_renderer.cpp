@@ -4,6 +4,7 @@
 #include "annotate/erase_pictures.h"
 #include "annotate/flatten.h"
 #include "annotate/selection_renderer.h"
+#include "annotate/sequence_shape.h"
 #include "annotate/shape_document.h"
 #include "annotate/smart_erase_engine.h"
 #include "annotate/text_shape.h"
@@ -26,7 +27,7 @@ namespace {
 QImage grain(const QSize &size, double ratio)
 {
     QImage image(size, QImage::Format_RGB32);
-    test::backgrounds().at(6).draw(image, 1);
+    test::background(QStringLiteral("grain")).draw(image, 1);
     image.setDevicePixelRatio(ratio);
     return image;
 }
@@ -41,8 +42,12 @@ void drag(ShapeDocument &document, ToolType tool, const QRectF &box)
                       box.top() + box.height() * (i % 3 + 1) / 3, false);
     document.move(box.left(), box.top(), box.right(), box.bottom(), false);
     document.release();
-    if (auto *text = dynamic_cast<TextShape *>(document.selected()))
-        text->setText(QStringLiteral("Text 文字\nline"));
+    if (auto *text = dynamic_cast<TextShape *>(document.selected())) {
+        text->setText(QStringLiteral("Text 文字 🙂\nline"));
+        text->setHandle(2, box.right(), box.top()); // turned
+    }
+    if (auto *badge = dynamic_cast<SequenceShape *>(document.selected()))
+        badge->setLabel(QStringLiteral("label"));
     if (tool == ToolType::Arrow)
         document.selected()->setHandle(1, box.right(), box.top()); // bent
     if (tool == ToolType::Line)
@@ -57,6 +62,8 @@ void drawEverything(ShapeDocument &document)
         document.setColor(round == 0 ? QStringLiteral("#F93442") : QStringLiteral("#80007DFF"));
         document.setMosaicMode(round == 0 ? MosaicMode::Mosaic : MosaicMode::Blur);
         document.setMarkerRectMode(round == 1);
+        document.setSequenceType(round == 0 ? NumberType::Arabic : NumberType::Chinese);
+        document.setSequenceArrow(round == 1);
         int place = 0;
         for (int i = 0; i < 64; ++i) {
             const auto tool = static_cast<ToolType>(i);

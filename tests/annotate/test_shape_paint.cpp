@@ -212,21 +212,6 @@ private Q_SLOTS:
         QVERIFY(frame.blue() > frame.red());
     }
 
-    void storedAbsurditiesDoNotHangAPaint()
-    {
-        ShapeDocument document(test::shapeFactory());
-        document.loadState(QStringLiteral(R"([{"type":"rect","x":-1e300,"y":-1e300,"w":1e300,"h":1e300},)"
-                                          R"({"type":"pen","thickness":1e300,"points":[{"x":1e300,"y":-1e300},)"
-                                          R"({"x":-1e300,"y":1e300}]},{"type":"mosaic","x":1e308,"w":-1e308}])"),
-                           QString(), {}, 0);
-        QCOMPARE(document.shapes().size(), 3);
-        for (const auto &shape : document.shapes()) {
-            document.setHovered(shape.get());
-            painted(document);
-        }
-        QVERIFY(document.boundsPadded().width() < 3e6);
-    }
-
     void boundsCoverWhatIsPainted()
     {
         ShapeDocument document(test::shapeFactory());

@@ -61,7 +61,7 @@ QList<EraseSpec> specsOf(const QList<QRect> &boxes, EraseSolver solver = EraseSo
 QImage grain()
 {
     QImage image(900, 700, QImage::Format_RGB32);
-    test::backgrounds().at(6).draw(image, 1);
+    test::background(QStringLiteral("grain")).draw(image, 1);
     return image;
 }
 const EraseSpec kLongWork{QRect(100, 100, 700, 500), EraseSolver::WholeBox};

@@ -308,27 +308,6 @@ private Q_SLOTS:
         QVERIFY(std::abs(both - black(QStringLiteral("ggg")) - black(QStringLiteral("ÁÁÁ"))) <= both / 100);
     }
 
-    void readBackTheyLookTheSame()
-    {
-        ShapeDocument document;
-        addText(document, {60, 60}, QStringLiteral("文字 and words\nsecond 🙂 line"))->setHandle(2, 300, 10);
-        document.clearSelection();
-        SequenceShape *badge = addBadge(document, {100, 250}, {260, 300});
-        badge->setLabel(QStringLiteral("label"));
-        badge->setHandle(2, 150, 200);
-        document.markChanged(badge);
-        document.setSequenceType(NumberType::Chinese);
-        addBadge(document, {300, 250}, {300, 250});
-        ShapeDocument again;
-        again.loadState(document.shapesJson(), document.countersJson(), {}, 0);
-        QCOMPARE(again.shapesJson(), document.shapesJson());
-        QCOMPARE(painted(again), painted(document));
-        QVERIFY(inked(painted(document)).width() > 220);
-        document.flipAllH(500);
-        document.flipAllH(500);
-        QCOMPARE(painted(again), painted(document));
-    }
-
     void absurdTextIsHarmless()
     {
         ShapeDocument document;

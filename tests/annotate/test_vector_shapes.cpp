@@ -65,6 +65,8 @@ const QList<ToolType> kTools{ToolType::Rect,  ToolType::Circle, ToolType::Line,
 
 int differingPixels(const QImage &a, const QImage &b, int tolerance = 0)
 {
+    if (a == b)
+        return 0;
     int count = 0;
     for (int y = 0; y < a.height(); ++y) {
         for (int x = 0; x < a.width(); ++x) {
@@ -458,6 +460,9 @@ private Q_SLOTS:
         for (const auto &shape : document.shapes()) {
             shape->hitTest(5, 5);
             QVERIFY(shape->paintedBounds().width() < 1e8);
+            document.setHovered(shape.get());
+            QImage hovered = blank();
+            paintInto(hovered, document);
         }
         QCOMPARE(image.pixelColor(10, 20), QColor(0, 255, 0));
     }
