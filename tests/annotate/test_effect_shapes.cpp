@@ -150,6 +150,18 @@ private Q_SLOTS:
         }
     }
 
+    void brushAndBoxShowTheSame()
+    {
+        const QImage picture = noise({160, 100});
+        for (const QString &mode : {u"mosaic"_qs, u"blur"_qs}) {
+            const QString box = u"[{\"type\":\"mosaic\",\"w\":160,\"h\":100,\"mosaicMode\":\"%1\"}]"_qs.arg(mode);
+            const QString brush = uR"([{"type":"mosaic_pen","thickness":40,"mosaicMode":"%1",)"
+                                  uR"("points":[{"x":9,"y":50},{"x":150,"y":50}]}])"_qs.arg(mode);
+            const QRect inside(10, 35, 138, 30);
+            QCOMPARE(rendered(picture, brush, inside, {}), rendered(picture, box, inside, {}));
+        }
+    }
+
     /// A box that reaches beyond the picture changes what it covers of it and nothing else.
     void effectsEndWithThePicture_data()
     {
