@@ -4,6 +4,7 @@
 #include "app/update_messages.h"
 #include "app/update_source.h"
 #include "overlay/capture_overlay.h"
+#include "process/hotkey_table.h"
 #include "settings/settings_store.h"
 #include "ui/color_library.h"
 #include "ui/dialog_services.h"
@@ -13,6 +14,8 @@
 #include <QDesktopServices>
 #include <QDir>
 #include <QLoggingCategory>
+#include <QTimer>
+#include <QUrl>
 #include <QWindow>
 
 #include <algorithm>
@@ -24,7 +27,6 @@ using namespace std::chrono_literals;
 
 constexpr auto kReleaseDelay = 150ms;
 constexpr auto kFlushTime = 3000ms;
-constexpr auto kHotkeyRetry = 10s;
 
 } // namespace
 
@@ -40,7 +42,7 @@ AppController::AppController(SettingsStore &settings, platform::Services service
       m_flow({*m_services.screenCapturer, m_services.windowController, m_services.elementDetector, settings, *m_history,
               m_notices, m_services.cursorPosition, &m_probe, &m_themes}),
       m_results(settings, m_notices, std::move(roles.clipboard)),
-      m_hotkeys(*m_services.globalHotkey, m_commands),
+      m_hotkeys(*m_services.globalHotkey, m_commands, settings, m_notices),
       m_messages({m_services.windowController, [this](QWindow *window) { activate(window); }, m_themes}),
       m_updater(roles.updater ? std::move(roles.updater) : makeUpdater())
 {
@@ -54,14 +56,11 @@ AppController::AppController(SettingsStore &settings, platform::Services service
     connect(&palette, &ui::ColorLibrary::changed, this, &AppController::storePalette);
 
     connect(m_updater.get(), &platform::IUpdater::shutdownRequested, this, &AppController::quit, Qt::QueuedConnection);
-    connect(m_services.globalHotkey.get(), &platform::IGlobalHotkey::activated, this,
-            [this](int id) { m_hotkeys.dispatch(id); });
+    connect(&m_hotkeys, &HotkeyWatch::refreshed, this, [this] {
+        if (m_tray)
+            m_tray->refresh();
+    });
     setCommands();
-    // Another program may give a combination back; nothing tells of it.
-    m_hotkeyRetry.setInterval(kHotkeyRetry);
-    m_hotkeyRetry.setTimerType(Qt::VeryCoarseTimer);
-    connect(&m_hotkeyRetry, &QTimer::timeout, this, &AppController::registerHotkeys);
-
     connect(&m_flow, &CaptureFlow::accessRefused, this, &AppController::onAccessRefused);
     connect(&m_flow, &CaptureFlow::sessionStarted, this, &AppController::updateCanShutdown);
     connect(&m_flow, &CaptureFlow::idleReached, this, [this] {
@@ -112,7 +111,7 @@ AppController::~AppController()
 void AppController::start()
 {
     startTray();
-    registerHotkeys();
+    m_hotkeys.refresh();
     qInfo().noquote() << QStringLiteral("就绪，等待快捷键");
 }
 
@@ -201,40 +200,11 @@ void AppController::startCapture()
     m_flow.startCapture();
 }
 
-void AppController::registerHotkeys()
-{
-    m_hotkeys.apply(m_settings.config());
-    const QStringList failed = failedHotkeys();
-    if (!failed.isEmpty() && failed != m_reportedHotkeys)
-        m_notices.show(QCoreApplication::translate("AppController", "Tavrel 快捷键注册失败"), m_hotkeys.errorLines(),
-                       IUserNotices::Kind::Warning, 5000ms);
-    if (failed.isEmpty() && !m_reportedHotkeys.isEmpty())
-        qInfo().noquote() << QStringLiteral("快捷键已全部注册");
-    m_reportedHotkeys = failed;
-    if (!m_hotkeys.mayRecover())
-        m_hotkeyRetry.stop();
-    else if (!m_hotkeyRetry.isActive())
-        m_hotkeyRetry.start();
-    if (m_tray)
-        m_tray->refresh();
-}
-
-QStringList AppController::failedHotkeys() const
-{
-    QStringList failed;
-    for (const HotkeyTable::Row &row : HotkeyTable::rows()) {
-        const QString name = QString::fromLatin1(row.name);
-        if (m_hotkeys.errors().contains(name))
-            failed.append(name + u' ' + (m_settings.config().*row.binding).combo.toJsonText());
-    }
-    return failed;
-}
-
 void AppController::applySettings()
 {
     m_themes.setSetting(m_settings.config().theme);
     ui::ColorLibrary::instance().setColors(m_settings.config().paletteColors);
-    registerHotkeys();
+    m_hotkeys.refresh();
     m_flow.applySettings();
 }
 
@@ -289,7 +259,7 @@ void AppController::openRecording(const QString &path)
 
 void AppController::showStatus()
 {
-    registerHotkeys();
+    m_hotkeys.refresh();
     const HotkeyBinding &capture = m_settings.config().captureHotkey;
     QStringList lines;
     if (capture.isActive() && captureHotkeyError().isEmpty())
@@ -298,7 +268,7 @@ void AppController::showStatus()
     else
         lines.append(
             QCoreApplication::translate("AppController", "截图快捷键没有生效，可以用命令 tavrel --capture 截图。"));
-    const QString errors = m_hotkeys.errorLines();
+    const QString errors = m_hotkeys.table().errorLines();
     if (!errors.isEmpty())
         lines.append(errors);
     m_messages.show({.topic = QStringLiteral("status"),
@@ -314,7 +284,7 @@ void AppController::quit()
 
 void AppController::retranslateUi()
 {
-    registerHotkeys(); // the words of a conflict are in the language of the moment
+    m_hotkeys.refresh(); // the words of a conflict are in the language of the moment
 }
 
 void AppController::activate(QWindow *window)

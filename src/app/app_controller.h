@@ -3,6 +3,7 @@
 #include "app/busy_note.h"
 #include "app/capture_flow.h"
 #include "app/desktop_notices.h"
+#include "app/hotkey_watch.h"
 #include "app/message_board.h"
 #include "app/result_actions.h"
 #include "app/tray_menu.h"
@@ -11,12 +12,9 @@
 #include "platform/services.h"
 #include "platform/updater.h"
 #include "process/commands.h"
-#include "process/hotkey_table.h"
 #include "ui/theme_source.h"
 
 #include <QObject>
-#include <QStringList>
-#include <QTimer>
 
 #include <memory>
 
@@ -63,7 +61,10 @@ public:
     void retranslateUi();
 
     /// Why captures cannot be begun by their hotkey; empty when they can.
-    [[nodiscard]] QString captureHotkeyError() const { return m_hotkeys.errors().value(QStringLiteral("capture")); }
+    [[nodiscard]] QString captureHotkeyError() const
+    {
+        return m_hotkeys.table().errors().value(QStringLiteral("capture"));
+    }
     [[nodiscard]] CaptureFlow &captureFlow() { return m_flow; }
 
 private:
@@ -74,9 +75,6 @@ private:
     [[nodiscard]] std::unique_ptr<platform::IUpdater> makeUpdater();
     void setCommands();
     void startTray();
-    void registerHotkeys();
-    /// The rows that failed, each with its combination: what the user has been told about.
-    [[nodiscard]] QStringList failedHotkeys() const;
     void onAccessRefused();
     void updateCanShutdown();
     /// A warning that has no notification area to appear in.
@@ -96,13 +94,11 @@ private:
     CaptureFlow m_flow;
     ResultActions m_results;
     Commands m_commands;
-    HotkeyTable m_hotkeys;
+    HotkeyWatch m_hotkeys;
     MessageBoard m_messages;
     const std::unique_ptr<platform::IUpdater> m_updater;
     std::unique_ptr<TrayMenu> m_tray;
     std::unique_ptr<DesktopNotices> m_desktopNotices;
-    QStringList m_reportedHotkeys;
-    QTimer m_hotkeyRetry;
     int m_activations = 0;
 };
 
