@@ -31,7 +31,7 @@ namespace tavrel {
 /// Budget with 100,000 freehand points in the document: commit 30 ms, undo 80 ms, a pick 1 ms, a stored undo list of
 /// 30 states 30 ms; bench_annotate_shape_document shows it.
 ///
-/// GUI thread; an off-screen render on another thread builds a document of its own from shapesJson().
+/// GUI thread; what another thread has to render it gets as a value, see state() and flatten().
 class ShapeDocument final
 {
 public:
