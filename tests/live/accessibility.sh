@@ -33,8 +33,8 @@ look() {
 }
 
 look toolbar $'\tCopy\t'
-# The tools in the order of the toolbar, each 30 wide, counted from the arrow behind them.
-tool() { xdotool mousemove $((1100 - 23 - 224 - 30 * (11 - $1))) $((420 + 34)) click 1; }
+# The tools in the order of the toolbar, each 30 wide, counted from the last of them.
+tool() { xdotool mousemove $((1100 - 23 - 189 - 30 * (8 - $1))) $((420 + 34)) click 1; }
 tool 0
 look rectangle $'spin box\tWidth\t3'
 tool 5
@@ -48,7 +48,8 @@ xdotool key Tab Right
 look stepped $'slider\tFont size\t29'
 xdotool key Escape
 tool 0
-xdotool mousemove 987 506 click 1
+look colours $'\tMore colors\t'
+xdotool mousemove $(awk -F'\t' '$3 == "More colors" { print $5; exit }' "$out/colours.txt") click 1
 look board $'\tColor\t|\tSaturation'
 xdotool key Escape
 xdotool key Escape

@@ -35,7 +35,7 @@ left=160 top=100 right=1100 bottom=620
 drag "$(px $left)" "$(px $top)" "$(px $right)" "$(px $bottom)"
 bar=$((bottom + 15 + 19)) # middle of the toolbar's buttons
 results=$((right - 8 - 15))
-tool() { click $((results - 224 - 30 * (11 - $1))) $bar; } # counted from the arrow behind the tools, on its left
+tool() { click $((results - 189 - 30 * (8 - $1))) $bar; } # counted from the last of the tools
 look() { # NAME
     settle "$home/$1.ppm"
     keep "$home/$1.ppm" "$out/$1.png"
