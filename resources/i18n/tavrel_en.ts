@@ -224,6 +224,10 @@
         <translation>Choose &quot;Check for Updates…&quot; in the tray menu to read about it.</translation>
     </message>
     <message>
+        <source>图片无法生成，可能是内存不足</source>
+        <translation>The picture could not be made; memory may be short</translation>
+    </message>
+    <message>
         <source>正在生成图片…</source>
         <translation>Making the picture…</translation>
     </message>

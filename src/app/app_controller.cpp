@@ -27,6 +27,7 @@ using namespace std::chrono_literals;
 
 constexpr auto kReleaseDelay = 150ms;
 constexpr auto kFlushTime = 3000ms;
+constexpr auto kSaveShare = 1000ms; ///< of that, for the files of pictures that come at the last moment
 
 } // namespace
 
@@ -62,14 +63,17 @@ AppController::AppController(SettingsStore &settings, platform::Services service
     });
     setCommands();
     connect(&m_flow, &CaptureFlow::accessRefused, this, &AppController::onAccessRefused);
-    connect(&m_flow, &CaptureFlow::sessionStarted, this, &AppController::updateCanShutdown);
+    connect(&m_flow, &CaptureFlow::sessionStarted, this, [this] {
+        m_busyNote.hide(); // nothing of the program stays over an overlay
+        updateCanShutdown();
+    });
     connect(&m_flow, &CaptureFlow::idleReached, this, [this] {
         updateCanShutdown();
         scheduleRelease();
     });
     connect(&m_flow, &CaptureFlow::finishingChanged, this, &AppController::updateCanShutdown);
     connect(&m_flow, &CaptureFlow::lastingChanged, this, [this](bool lasting) {
-        if (lasting)
+        if (lasting && !m_flow.isActive()) // nothing of the program comes up over an overlay
             m_busyNote.show(QCoreApplication::translate("AppController", "正在生成图片…"));
         else
             m_busyNote.hide();
@@ -98,9 +102,10 @@ AppController::~AppController()
     ui::dialogs::setHotkeySuspender({});
     ui::dialogs::setWindowController(nullptr);
     ui::dialogs::setThemeSource(nullptr);
-    // One deadline for both: a new start waits no longer than that for this one to go.
+    m_results.beginEnd();
+    // One deadline for all: a new start waits no longer than that for this one to go.
     const QDeadlineTimer deadline(kFlushTime);
-    if (!m_flow.finishPictures(deadline))
+    if (!m_flow.finishPictures(QDeadlineTimer(kFlushTime - kSaveShare)))
         qWarning().noquote() << QStringLiteral("退出时仍有截图没有生成");
     if (!m_results.finish(deadline))
         qWarning().noquote() << QStringLiteral("退出时仍有截图没有写完");

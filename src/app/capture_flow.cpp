@@ -224,8 +224,12 @@ void CaptureFlow::connectResults(ui::CaptureOverlay *overlay)
     const auto taken = m_receivers.keys();
     overlay->setOffered(QSet<CaptureOutcome::Action>(taken.begin(), taken.end()));
     connect(overlay, &ui::CaptureOverlay::finished, this, &CaptureFlow::finish);
-    connect(overlay, &ui::CaptureOverlay::historyNavigate, this,
-            [this, overlay](int delta) { m_walk.step(overlay, delta, [overlay] { return overlay->snapshot(); }); });
+    connect(overlay, &ui::CaptureOverlay::historyNavigate, this, [this, overlay](int delta) {
+        m_walk.step(overlay, delta, [overlay] {
+            overlay->settle();
+            return overlay->snapshot();
+        });
+    });
     connect(&m_walk, &HistoryWalk::arrived, overlay, &ui::CaptureOverlay::loadSnapshot);
 }
 
@@ -236,34 +240,60 @@ void CaptureFlow::setReceiver(CaptureOutcome::Action action, Receiver receiver)
 
 void CaptureFlow::finish(const CaptureOutcome &outcome)
 {
-    const QString walked = m_walk.record();
     const quint64 number = ++m_outcomes;
+    // Begun before the session ends, so that the program is at no moment without anything to do.
+    if (!outcome.picture.picture.isNull()) {
+        const QString walked = m_walk.recordOf(outcome.snapshot);
+        m_flattener.flatten(outcome.picture, [this, outcome, walked, number](const QImage &picture) {
+            hand(outcome, walked, number, picture);
+        });
+    }
     closeSession();
-    if (outcome.action == CaptureOutcome::Action::Leave)
-        return;
     if (outcome.action == CaptureOutcome::Action::CopyColor) {
         m_clipboardOwner = number;
         Q_EMIT textReady(outcome.text);
-        return;
     }
-    m_flattener.flatten(outcome.picture, [this, outcome, walked, number](const QImage &picture) {
-        hand(outcome, walked, number, picture);
-    });
 }
 
 void CaptureFlow::hand(const CaptureOutcome &outcome, const QString &walked, quint64 number, const QImage &picture)
 {
-    if (picture.isNull())
+    if (picture.isNull()) {
+        qWarning().noquote() << QStringLiteral("图片无法生成");
+        m_services.notices.show(QCoreApplication::translate("AppController", "截图失败"),
+                                QCoreApplication::translate("AppController", "图片无法生成，可能是内存不足"),
+                                IUserNotices::Kind::Warning, 4000ms);
         return;
+    }
     const Finished finished{picture, contextOf(outcome), outcome.rectangle, remember(outcome, walked, picture)};
     if (outcome.action == CaptureOutcome::Action::Copy) {
         // What was copied after this has the clipboard by now, and it is what the user expects there.
         if (number < m_clipboardOwner)
             return;
         m_clipboardOwner = number;
+    } else if (isActive()) {
+        // It may open a window, which would take the keyboard from the overlay that stands by now.
+        m_held.append([this, action = outcome.action, finished] { pass(action, finished); });
+        return;
     }
-    if (const Receiver receiver = m_receivers.value(outcome.action))
+    pass(outcome.action, finished);
+}
+
+void CaptureFlow::pass(CaptureOutcome::Action action, const Finished &finished)
+{
+    if (const Receiver receiver = m_receivers.value(action))
         receiver(finished);
+}
+
+void CaptureFlow::passHeld()
+{
+    for (const auto &held : std::exchange(m_held, {}))
+        held();
+}
+
+bool CaptureFlow::finishPictures(const QDeadlineTimer &deadline)
+{
+    passHeld();
+    return m_flattener.finish(deadline);
 }
 
 void CaptureFlow::connectLong(ui::CaptureOverlay *overlay)
@@ -353,8 +383,10 @@ void CaptureFlow::closeSession()
         qInfo().noquote() << QStringLiteral("截图会话结束");
         Q_EMIT sessionClosed();
     }
-    if (wasActive)
+    if (wasActive) {
         Q_EMIT idleReached();
+        passHeld();
+    }
 }
 
 } // namespace tavrel

@@ -86,7 +86,7 @@ public:
     /// Whether pictures of sessions that have ended are still being made.
     [[nodiscard]] bool isFinishing() const { return m_flattener.isBusy(); }
     /// For the end of the program: waits for them and hands them on. False when one was not done in time.
-    [[nodiscard]] bool finishPictures(const QDeadlineTimer &deadline) { return m_flattener.finish(deadline); }
+    [[nodiscard]] bool finishPictures(const QDeadlineTimer &deadline);
     [[nodiscard]] bool isActive() const { return m_grab || !m_overlays.isEmpty(); }
     [[nodiscard]] ui::CaptureOverlay *overlay() const;
     /// Whether this application was the active one when the overlay of the session that ended came up. True for a
@@ -116,6 +116,8 @@ private:
     void connectLong(ui::CaptureOverlay *overlay);
     void onOverlayGone(const QObject *gone);
     void logFirstPaint(ui::CaptureOverlay *overlay);
+    void pass(CaptureOutcome::Action action, const Finished &finished);
+    void passHeld();
     /// Hands a result to the history, as a change of the record that was walked to, if there was one.
     QString remember(const CaptureOutcome &outcome, const QString &walked, const QImage &picture);
 
@@ -123,8 +125,9 @@ private:
     HistoryWalk m_walk;
     LongFramePump m_pump;
     Flattener m_flattener;
-    quint64 m_outcomes = 0;       ///< counts them
-    quint64 m_clipboardOwner = 0; ///< the latest one whose result went to the clipboard
+    QList<std::function<void()>> m_held; ///< results that wait for the session of now to end
+    quint64 m_outcomes = 0;              ///< counts them
+    quint64 m_clipboardOwner = 0;        ///< the latest one whose result went to the clipboard
     QElapsedTimer m_timer;
     std::unique_ptr<QObject> m_grab; ///< one on its way; it answers nobody when this goes
     QList<platform::WindowInfo> m_windows;

@@ -1,5 +1,6 @@
 #include "app/flattener.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace tavrel {
@@ -7,6 +8,7 @@ namespace {
 
 constexpr int kPatienceMs = 500;
 constexpr int kThreads = 2;
+constexpr qint64 kSliceMs = 20;
 
 } // namespace
 
@@ -57,9 +59,12 @@ void Flattener::setLasting(bool lasting)
 
 bool Flattener::finish(const QDeadlineTimer &deadline)
 {
-    const bool isDone = m_queue.finish(deadline);
-    m_answers.deliver();
-    return isDone;
+    // What is done goes on at once: a file that is to follow needs its share of the time.
+    while (isBusy() && !deadline.hasExpired()) {
+        (void)m_queue.finish(QDeadlineTimer(std::min<qint64>(kSliceMs, deadline.remainingTime())));
+        m_answers.deliver();
+    }
+    return !isBusy();
 }
 
 } // namespace tavrel

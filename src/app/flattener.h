@@ -15,8 +15,9 @@
 namespace tavrel {
 
 /// Makes the pictures of captures that have ended, beside the GUI thread: shapes take some ten milliseconds at 4K, a
-/// large smart erase that was just drawn takes seconds. Two are made at a time, so that one that takes long does not
-/// hold up the next capture; answers come in the order in which pictures are done. GUI thread only.
+/// large smart erase that was just drawn takes seconds. Two are made at a time, so that one that takes long holds up no
+/// other (but for its boxes of smart erase, which all wait for the same solvers); answers come in the order in which
+/// pictures are done. GUI thread only.
 class Flattener final : public QObject
 {
     Q_OBJECT
@@ -28,7 +29,7 @@ public:
     /// Gives up what is not done.
     ~Flattener() override;
 
-    /// done  called later; with a null picture when nothing of the selection lies in the picture
+    /// done  called later; with a null picture when there was no memory for it, or nothing in the selection
     void flatten(const FlattenRequest &request, Done done);
     [[nodiscard]] bool isBusy() const { return m_running > 0; }
     /// For the end of the program: waits for the pictures under way and answers. False when one was not done in time.

@@ -50,8 +50,15 @@ void HistoryWalk::show(int place, const OverlaySnapshot &snapshot)
     if (m_place == -1 || m_kept.contains(m_place) || !isSame(left, m_shown))
         m_kept.insert(m_place, left);
     m_place = place;
-    m_shown = snapshot;
     Q_EMIT arrived(snapshot);
+    m_shown = m_present();
+    m_isCut = m_shown.selection != snapshot.selection;
+}
+
+QString HistoryWalk::recordOf(const OverlaySnapshot &result) const
+{
+    const bool isOfRecord = result.image.cacheKey() == m_shown.image.cacheKey() && !m_isCut;
+    return isOfRecord ? m_records.value(m_place) : QString();
 }
 
 bool HistoryWalk::isSame(const OverlaySnapshot &a, const OverlaySnapshot &b)
@@ -67,6 +74,7 @@ void HistoryWalk::reset()
     m_records.clear();
     m_kept.clear();
     m_shown = {};
+    m_isCut = false;
     m_place = m_wanted = -1;
 }
 

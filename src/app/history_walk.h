@@ -32,8 +32,9 @@ public:
     void step(const QObject *walker, int delta, const Present &present);
     void reset();
 
-    /// The record that is shown; empty for the live capture.
-    [[nodiscard]] QString record() const { return m_records.value(m_place); }
+    /// The record that a result of the overlay changes; empty for the live capture. A result that is not of the
+    /// record's whole picture, a stitched page or what the display shows of a longer one, stands for itself as well.
+    [[nodiscard]] QString recordOf(const OverlaySnapshot &result) const;
 
 Q_SIGNALS:
     /// To be shown in place of what is.
@@ -51,7 +52,8 @@ private:
     bool m_isWalking = false;
     QStringList m_records;
     QHash<int, OverlaySnapshot> m_kept; ///< by place: the live capture, and records that were drawn on
-    OverlaySnapshot m_shown;            ///< as it came
+    OverlaySnapshot m_shown;            ///< as the overlay has taken it
+    bool m_isCut = false;               ///< the overlay could not take its whole selection
     int m_place = -1;                   ///< shown
     int m_wanted = -1;                  ///< where the steps lead; another one while it is read
 };

@@ -63,7 +63,7 @@ void ResultActions::saveImage(const QImage &image, const FilenameContext &contex
 {
     const SettingsConfig &config = m_settings.config();
     const Pending pending{image, nextRequest(context), anchor, std::move(saved)};
-    if (!config.saveToSpecifiedPath || config.savePath.trimmed().isEmpty() || saveAs) {
+    if (!m_ending && (!config.saveToSpecifiedPath || config.savePath.trimmed().isEmpty() || saveAs)) {
         askForFile(pending, saveAs ? QCoreApplication::translate("AppController", "另存为")
                                    : QCoreApplication::translate("AppController", "保存截图"));
         return;
@@ -118,7 +118,7 @@ void ResultActions::countUp(int usedIndex)
 
 bool ResultActions::finish(const QDeadlineTimer &deadline)
 {
-    m_ending = true;
+    beginEnd();
     return finishSaves(this, deadline);
 }
 

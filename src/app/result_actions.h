@@ -44,6 +44,8 @@ public:
     /// saved   called with the path once the file stands
     void saveImage(const QImage &image, const FilenameContext &context, bool saveAs, QWidget *anchor, Saved saved = {});
 
+    /// The program ends: nobody can be asked any more, so that every picture goes into the folder for pictures.
+    void beginEnd() { m_ending = true; }
     /// Waits for the files that are being written and lets everything follow that belongs to them, save dialogs; false
     /// when one was not done in time. For the end of the program.
     [[nodiscard]] bool finish(const QDeadlineTimer &deadline);

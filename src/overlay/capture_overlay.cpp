@@ -605,15 +605,15 @@ void CaptureOverlay::finish(Action action)
     m_drawing.endTextEdit();
     CaptureOutcome outcome;
     outcome.action = action;
-    outcome.snapshot = snapshot();
     if (action != Action::Leave) {
-        if (!hasSelection())
+        if (cropRect(inPicture(selection()), m_picture.ratio(), m_picture.image().size()).isEmpty())
             return;
         if (!m_offered.contains(action)) {
             showToast(QCoreApplication::translate("CaptureOverlay", "此版本还没有这个功能"));
             return;
         }
         outcome.picture = pictureFor(action);
+        outcome.snapshot = snapshot();
     }
     if (hasSelection()) {
         outcome.window = m_detection.windowAt(selection().center());
@@ -666,13 +666,21 @@ OverlaySnapshot CaptureOverlay::snapshot() const
             .windows = m_detection.windows()};
 }
 
+void CaptureOverlay::settle()
+{
+    finishLongMode(false);
+    m_drawing.endTextEdit();
+    m_drawing.finishDrawing();
+}
+
 void CaptureOverlay::loadSnapshot(const OverlaySnapshot &snapshot)
 {
     if (snapshot.image.isNull())
         return;
-    m_drawing.endTextEdit();
+    settle();
     m_detection.tracker().clear();
     m_page = {};
+    m_drawing.clear(); // its erased places are of the old picture
     const double ratio = snapshot.image.devicePixelRatio();
     const QSizeF logical = QSizeF(snapshot.image.size()) / ratio;
     const bool covers = std::abs(logical.width() - width()) < 1 && std::abs(logical.height() - height()) < 1;
@@ -760,7 +768,8 @@ void CaptureOverlay::runLongAction(Action action)
     if (!m_long->isActive())
         return;
     finishLongMode(action != Action::Leave);
-    finish(action);
+    if (action != Action::Edit || !m_page.isNull())
+        finish(action);
 }
 
 bool CaptureOverlay::handleLongKey(int key)

@@ -96,6 +96,8 @@ public:
     [[nodiscard]] ShapeDocument &document() { return m_drawing.document(); }
     [[nodiscard]] const OverlayPanels &panels() const { return *m_panels; }
 
+    /// Ends what is going on: a text being typed, a shape being drawn, a scrolling capture.
+    void settle();
     [[nodiscard]] OverlaySnapshot snapshot() const;
     /// Takes up a stored capture; one of another size lies in the middle. A snapshot without a picture is ignored.
     void loadSnapshot(const OverlaySnapshot &snapshot);

@@ -17,6 +17,7 @@ namespace tavrel::ui {
 namespace {
 
 constexpr int kEraseTickMs = 50;
+constexpr double kMarkReach = 24; ///< of handles and glow around a shape, in widget units
 
 } // namespace
 
@@ -60,7 +61,7 @@ void DrawingSession::setView(const View &view)
     m_view = view;
     m_document.setDisplayScale(1 / view.zoom);
     m_document.setHitSlop(m_manner.hitSlop / view.zoom);
-    m_document.setEraserRadius(m_manner.eraserRadius / view.zoom);
+    m_document.setEraserRadius(m_manner.eraserRadius); // the document applies the display scale itself
     m_textEditor.setView(view);
 }
 
@@ -71,8 +72,23 @@ void DrawingSession::setArea(const QRectF &area)
 
 void DrawingSession::load(const QString &shapes, const QString &counters, const QStringList &undoStack, int undoIndex)
 {
+    m_isDrawing = false;
     m_document.loadState(shapes, counters, undoStack, undoIndex);
     m_document.setTool(ToolType::None);
+    refreshErase();
+    announce();
+}
+
+void DrawingSession::restore(const ShapeDocument::State &state)
+{
+    endTextEdit();
+    m_isDrawing = false;
+    m_document.restore(state);
+    documentChanged();
+}
+
+void DrawingSession::documentChanged()
+{
     refreshErase();
     announce();
 }
@@ -80,7 +96,6 @@ void DrawingSession::load(const QString &shapes, const QString &counters, const 
 void DrawingSession::clear()
 {
     endTextEdit();
-    m_isDrawing = false;
     load(QStringLiteral("[]"), QStringLiteral("{}"), {}, 0);
 }
 
@@ -367,11 +382,13 @@ QRectF DrawingSession::inHost(const QRectF &area) const
 QRegion DrawingSession::takeDamage()
 {
     QRegion damage;
+    // Handles and glow keep their size on the screen: of a picture that is shown smaller they reach further.
+    const int reach = 1 + static_cast<int>(std::ceil(kMarkReach * std::max(0.0, 1 - m_view.zoom)));
     for (const QRectF &place : m_document.takeDamage()) {
         if (place.isNull())
             damage += m_host->rect();
         else
-            damage += inHost(place).toAlignedRect().adjusted(-1, -1, 1, 1);
+            damage += inHost(place).toAlignedRect().adjusted(-reach, -reach, reach, reach);
     }
     return damage;
 }

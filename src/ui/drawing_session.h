@@ -66,13 +66,16 @@ public:
     [[nodiscard]] const QImage &picture() const { return m_picture; }
     /// What is drawn from then on is as thick on the screen at any zoom.
     void setView(const View &view);
-    [[nodiscard]] const View &view() const { return m_view; }
     /// Where shapes show, and what spotlights and watermarks fill; empty while nothing may be drawn.
     void setArea(const QRectF &area);
     [[nodiscard]] QPointF inPicture(const QPointF &point) const { return (point - m_view.origin) / m_view.zoom; }
 
     /// Takes up a stored drawing, without a tool.
     void load(const QString &shapes, const QString &counters, const QStringList &undoStack, int undoIndex);
+    /// Goes back to a state of the document, for a host with an undo list of its own.
+    void restore(const ShapeDocument::State &state);
+    /// The host has changed the document itself.
+    void documentChanged();
     /// Throws everything away, undo as well, and puts the tool down.
     void clear();
 
@@ -97,8 +100,6 @@ public:
     void press(const QPointF &point);
     void move(const QPointF &point, bool shift);
     void release(const QPointF &point);
-    /// From press() to release().
-    [[nodiscard]] bool isDrawing() const { return m_isDrawing; }
     /// Ends what press() began where it is.
     void finishDrawing();
     /// What is being drawn is taken back.

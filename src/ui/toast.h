@@ -22,7 +22,6 @@ public:
     /// Takes the place of the message there is.
     void show(const QString &text);
     [[nodiscard]] bool isShown() const { return !m_text.isEmpty(); }
-    [[nodiscard]] const QString &text() const { return m_text; }
     /// In the middle of a host of this size; null while nothing is shown.
     [[nodiscard]] QRectF box(const QSizeF &host) const;
     void paint(QPainter &painter, const QSizeF &host) const;

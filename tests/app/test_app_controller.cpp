@@ -323,6 +323,24 @@ private Q_SLOTS:
         QCOMPARE(m_windows->events, messageAppears ? QStringList() : QStringList{QStringLiteral("release")});
     }
 
+    /// Nobody can be asked where to any more: the picture is in the folder for pictures all the same.
+    void aSaveThatWouldAskIsKeptWhenTheProgramEnds()
+    {
+        change([this](SettingsConfig &config) {
+            config.saveToSpecifiedPath = false;
+            config.savePath = m_folder->filePath(QStringLiteral("shots"));
+            config.filenameFormat = QStringLiteral("kept");
+        });
+        start();
+        m_controller->startCapture();
+        QTRY_VERIFY(overlay());
+        drag(overlay(), {20, 20}, {120, 70});
+        QTest::keyClick(overlay(), Qt::Key_S, Qt::ControlModifier);
+        m_controller.reset();
+        QCOMPARE(QImage(QDir(m_settings->effectiveSavePath()).filePath(QStringLiteral("kept.png"))).size(),
+                 QSize(100, 50));
+    }
+
     void aSaveThatRunsWhenTheProgramEndsCounts()
     {
         change([this](SettingsConfig &config) {

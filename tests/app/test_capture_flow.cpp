@@ -203,7 +203,21 @@ private Q_SLOTS:
         QCOMPARE(m_records->order.size(), 2);
         QCOMPARE(m_records->entries.value(m_records->order.first()).rendered.size(), QSize(1600, 1200));
         QCOMPARE(m_finished.size(), 1);
-        QCOMPARE(lasting.count() % 2, 0);
+        QCOMPARE(lasting.count(), 2);
+    }
+
+    /// A save may ask for its place; no dialog comes up behind an overlay and takes the keyboard from it.
+    void whatMayOpenAWindowWaitsForTheSession()
+    {
+        m_flow->startCapture();
+        QTRY_VERIFY(m_flow->overlay());
+        drag(m_flow->overlay(), {20, 20}, {120, 70});
+        QTest::keyClick(m_flow->overlay(), Qt::Key_S, Qt::ControlModifier);
+        m_flow->startCapture();
+        QTRY_VERIFY(m_flow->overlay() && !m_flow->isFinishing());
+        QVERIFY(m_finished.isEmpty());
+        QTest::keyClick(m_flow->overlay(), Qt::Key_Escape);
+        QTRY_COMPARE(m_finished.size(), 1);
     }
 
     void aRefusedOrFailedGrabLeavesTheProgramIdle()

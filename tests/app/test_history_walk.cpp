@@ -42,13 +42,14 @@ private Q_SLOTS:
             step(-1);
             QTRY_COMPARE(m_present.image.width(), width);
         }
-        QCOMPARE(m_walk->record(), m_history->order.last());
+        QCOMPARE(m_walk->recordOf(m_present), m_history->order.last());
+        QVERIFY(m_walk->recordOf(picture(102)).isEmpty()); // another picture, a stitched page
         step(-1);
         for (const int width : {101, 100, 7}) {
             step(1);
             QTRY_COMPARE(m_present.image.width(), width);
         }
-        QVERIFY(m_walk->record().isEmpty());
+        QVERIFY(m_walk->recordOf(m_present).isEmpty());
     }
 
     /// Whoever holds the key down means the record where it ends, not those on the way.
@@ -93,7 +94,7 @@ private Q_SLOTS:
         step(-1);
         QTRY_COMPARE(m_missing, 1);
         QCOMPARE(m_present.image.width(), 100);
-        QCOMPARE(m_walk->record(), m_history->order.first());
+        QCOMPARE(m_walk->recordOf(m_present), m_history->order.first());
         step(1);
         QTRY_COMPARE(m_present.image.width(), 7);
     }
@@ -110,7 +111,8 @@ private Q_SLOTS:
         m_walk->reset(); // with a record on its way
         QCoreApplication::processEvents();
         QCOMPARE(m_present.image.width(), 100);
-        m_walk->step(&second, -1, [] { return picture(8); });
+        m_present = picture(8);
+        m_walk->step(&second, -1, [this] { return m_present; });
         QTRY_COMPARE(m_present.image.width(), 100);
     }
 
