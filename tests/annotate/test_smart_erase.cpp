@@ -199,10 +199,10 @@ private Q_SLOTS:
 
     void goingDownWaitsForNobody()
     {
-        for (int i = 0; i < 20; ++i) {
+        for (const bool hasAnAnswer : {false, true}) {
             auto engine = std::make_unique<SmartEraseEngine>(grain());
             engine->setSpecs({kLongWork, {QRect(20, 20, 60, 50), EraseSolver::Texture}});
-            if (i % 2)
+            if (hasAnAnswer)
                 QTRY_VERIFY_WITH_TIMEOUT(!engine->window({QRect(20, 20, 60, 50), EraseSolver::Texture}).isNull(),
                                          60'000);
             engine.reset();
