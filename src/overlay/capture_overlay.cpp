@@ -153,7 +153,9 @@ void CaptureOverlay::setWindowController(std::shared_ptr<platform::IWindowContro
 void CaptureOverlay::setOffered(const QSet<Action> &offered)
 {
     m_offered = offered;
+    m_hintKey = -1;
     layoutPanels();
+    scheduleUpdate();
 }
 
 void CaptureOverlay::setDetection(const QList<platform::WindowInfo> &windows, ElementProbe *probe)
@@ -856,7 +858,9 @@ void CaptureOverlay::rebuildHints()
     if (key == m_hintKey)
         return;
     m_hintKey = key;
-    m_hints = HintCard(hintRows(document.tool(), document.attributes().markerRectMode, m_config.builtin));
+    BuiltinKeys keys = m_config.builtin;
+    keys.pin.enabled &= m_offered.contains(Action::Pin);
+    m_hints = HintCard(hintRows(document.tool(), document.attributes().markerRectMode, keys));
 }
 
 QRectF CaptureOverlay::hintBox() const

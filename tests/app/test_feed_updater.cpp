@@ -204,11 +204,11 @@ private Q_SLOTS:
         options.lookEvery = std::chrono::milliseconds(1);
         {
             FeedUpdater updater(options);
-            QTRY_COMPARE(server.requests.size(), 1);
+            QTRY_VERIFY(QSettings().contains(u"update/lastCheck"_qs));
+            const auto asked = server.requests.size();
             waitForLooks(20);
-            QCOMPARE(server.requests.size(), 1); // there was an answer: that was today's check
+            QCOMPARE(server.requests.size(), asked); // there was an answer: that was today's check
         }
-        QVERIFY(QSettings().contains(u"update/lastCheck"_qs));
         QSettings().clear();
         server.close();
         {
