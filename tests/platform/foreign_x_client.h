@@ -1,32 +1,20 @@
 #pragma once
 
+#include "platform/x_probe.h"
+
 #include <QList>
-
-#include <xcb/xcb.h>
-#include <xcb/xcb_keysyms.h>
-
-#include <functional>
-#include <vector>
 
 namespace tavrel::test {
 
 /// Another program on the same X server, with a keyboard at hand: types through XTEST, grabs keys, has a focused
 /// window. Every function returns when the server has done what was asked.
-class ForeignXClient final
+class ForeignXClient : public XProbe
 {
 public:
     enum class GrabKind { Core, XInput };
 
     ForeignXClient();
-    ~ForeignXClient();
-    ForeignXClient(const ForeignXClient &) = delete;
-    ForeignXClient &operator=(const ForeignXClient &) = delete;
 
-    [[nodiscard]] xcb_connection_t *xcb() const { return m_connection; }
-    void sync() const;
-
-    /// The key code that makes a symbol; 0 when there is none.
-    [[nodiscard]] xcb_keycode_t keyCode(quint32 symbol) const;
     void keyDown(xcb_keycode_t key);
     void keyUp(xcb_keycode_t key);
     void stroke(xcb_keycode_t key);
@@ -50,8 +38,6 @@ public:
     void swapKeys(xcb_keycode_t one, xcb_keycode_t other);
     /// Makes the keys of one modifier (0 Shift to 7 Mod5) those of another, and the other way round.
     bool swapModifiers(int one, int other);
-    /// Puts a key on a modifier that has none, or takes all keys off it with key code 0.
-    bool setModifierKey(int modifier, xcb_keycode_t key);
     void lockGroup(int group);
     /// Locks exactly these modifiers, as their lock keys would.
     void lockModifiers(quint32 modifiers);
@@ -60,10 +46,6 @@ public:
     [[nodiscard]] quint32 modifierState() const;
 
 private:
-    bool changeModifiers(const std::function<void(std::vector<xcb_keycode_t> &keys, int width)> &change);
-
-    xcb_connection_t *m_connection;
-    xcb_window_t m_root = XCB_WINDOW_NONE;
     xcb_window_t m_window = XCB_WINDOW_NONE;
 };
 

@@ -12,13 +12,10 @@
 
 using namespace tavrel;
 using namespace tavrel::platform;
+using test::kLeft;
+using test::kRight;
 
-namespace {
-
-constexpr QRect kLeft(0, 0, 1000, 1080);
-constexpr QRect kRight(1000, 100, 919, 901); // odd, so that no scale factor divides it
-
-} // namespace
+namespace {} // namespace
 
 class X11CaptureTest final : public test::ScreenCapturerContract
 {
@@ -169,17 +166,5 @@ private:
     std::shared_ptr<XConnection> m_connection;
 };
 
-int main(int argc, char *argv[])
-{
-    {
-        // Before Qt looks: monitors that come later reach it by events, which is another thing to test.
-        test::XProbe probe;
-        probe.setMonitor("LEFT", kLeft);
-        probe.setMonitor("RIGHT", kRight);
-    }
-    const test::IsolatedHome home;
-    QGuiApplication app(argc, argv);
-    X11CaptureTest test;
-    return QTest::qExec(&test, argc, argv);
-}
+TAVREL_TWO_MONITORS_MAIN(QGuiApplication, X11CaptureTest)
 #include "test_x11_capture.moc"

@@ -17,11 +17,10 @@ using namespace tavrel;
 using namespace tavrel::platform;
 using Type = InputEventRecord::Type;
 using test::ForeignXClient;
+using test::kLeft;
+using test::kRight;
 
 namespace {
-
-constexpr QRect kLeft(0, 0, 1000, 1080);
-constexpr QRect kRight(1000, 100, 919, 901);
 
 QString line(const InputEventRecord &event)
 {
@@ -248,16 +247,5 @@ private:
     std::unique_ptr<X11InputMonitor> m_monitor;
 };
 
-int main(int argc, char *argv[])
-{
-    {
-        test::XProbe probe; // before Qt looks
-        probe.setMonitor("LEFT", kLeft);
-        probe.setMonitor("RIGHT", kRight);
-    }
-    const test::IsolatedHome home;
-    QGuiApplication app(argc, argv);
-    X11InputMonitorTest test;
-    return QTest::qExec(&test, argc, argv);
-}
+TAVREL_TWO_MONITORS_MAIN(QGuiApplication, X11InputMonitorTest)
 #include "test_x11_input_monitor.moc"

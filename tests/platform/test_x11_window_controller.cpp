@@ -3,24 +3,22 @@
 #include "platform/linux/screen_mapping.h"
 #include "platform/linux/x11_window_controller.h"
 #include "platform/linux/x_connection.h"
+#include "platform/window_zoo.h"
 #include "platform/x_probe.h"
 #include "support/test_main.h"
 
 #include <QApplication>
 #include <QKeyEvent>
 #include <QLoggingCategory>
-#include <QProcess>
-#include <QRegularExpression>
 #include <QScreen>
 #include <QWidget>
 
 using namespace tavrel;
 using namespace tavrel::platform;
+using test::kLeft;
+using test::kRight;
 
 namespace {
-
-constexpr QRect kLeft(0, 0, 1000, 1080);
-constexpr QRect kRight(1000, 100, 919, 901);
 
 /// A widget that counts the keys and clicks it gets.
 class Listening : public QWidget
@@ -71,17 +69,13 @@ private Q_SLOTS:
         m_controller = std::make_unique<X11WindowController>(x, m_exclusions);
         m_probe = std::make_unique<test::XProbe>();
         m_probe->warpPointer({1919, 1079});
-        m_zoo = std::make_unique<QProcess>();
-        m_zoo->start(QStringLiteral(WINDOW_ZOO), {});
-        QVERIFY(m_zoo->waitForStarted());
+        m_zoo = std::make_unique<test::WindowZoo>();
     }
 
     void cleanup()
     {
         m_controller.reset();
         m_exclusions.reset();
-        m_zoo->closeWriteChannel();
-        QVERIFY(m_zoo->waitForFinished());
         m_zoo.reset();
         m_probe.reset();
     }
@@ -98,8 +92,8 @@ private Q_SLOTS:
     {
         QFETCH(QString, display);
         QFETCH(QRect, monitor);
-        open("100 100 300 200 type=DOCK"); // a panel, which a window manager keeps on top
-        open("300 300 300 200");
+        m_zoo->open("100 100 300 200 type=DOCK"); // a panel, which a window manager keeps on top
+        m_zoo->open("300 300 300 200");
         Overlay overlay;
         overlay.showOn(*m_controller, geometryOf(display));
         const xcb_window_t window = idOf(overlay);
@@ -116,9 +110,7 @@ private Q_SLOTS:
 
     void overlayTakesTheKeyboardAndGivesItBack()
     {
-        const auto before = static_cast<xcb_window_t>(open("300 300 300 200"));
-        giveFocus(before);
-        QTRY_VERIFY(isFocused(before));
+        const xcb_window_t before = openFocused("300 300 300 200");
         QVERIFY(!m_controller->isApplicationActive());
 
         Overlay overlay;
@@ -140,9 +132,7 @@ private Q_SLOTS:
 
     void overlayThatGoesLeavesNoHole()
     {
-        const auto before = static_cast<xcb_window_t>(open("300 300 300 200"));
-        giveFocus(before);
-        QTRY_VERIFY(isFocused(before));
+        const xcb_window_t before = openFocused("300 300 300 200");
         {
             Overlay overlay;
             overlay.showOn(*m_controller, geometryOf(u"LEFT"_qs));
@@ -150,7 +140,7 @@ private Q_SLOTS:
         }
         QTRY_VERIFY(m_exclusions->windows().isEmpty());
         QTRY_VERIFY(!m_controller->isApplicationActive());
-        if (managed())
+        if (m_probe->isManaged())
             QTRY_VERIFY(isFocused(before));
     }
 
@@ -159,9 +149,7 @@ private Q_SLOTS:
         Listening own;
         own.show();
         QVERIFY(QTest::qWaitForWindowExposed(&own));
-        const auto other = static_cast<xcb_window_t>(open("500 600 300 200"));
-        giveFocus(other);
-        QTRY_VERIFY(isFocused(other));
+        const xcb_window_t other = openFocused("500 600 300 200");
         QTRY_VERIFY(!own.isActiveWindow());
         m_controller->activate(nullptr); // the first visible window of the application
         QTRY_VERIFY(own.isActiveWindow() && isFocused(idOf(own)));
@@ -190,7 +178,7 @@ private Q_SLOTS:
         m_controller->setWindowRole(own.windowHandle(), role);
         own.show();
         QVERIFY(QTest::qWaitForWindowExposed(&own));
-        if (!managed())
+        if (!m_probe->isManaged())
             return; // nobody to keep states
         const auto has = [&](const char *state) {
             return m_probe->property(idOf(own), "_NET_WM_STATE").contains(m_probe->atom(state));
@@ -213,9 +201,7 @@ private Q_SLOTS:
 
     void panelDoesNotTakeTheKeyboard()
     {
-        const auto other = static_cast<xcb_window_t>(open("500 300 300 200"));
-        giveFocus(other);
-        QTRY_VERIFY(isFocused(other));
+        const xcb_window_t other = openFocused("500 300 300 200");
         Listening panel(Qt::FramelessWindowHint);
         panel.winId();
         m_controller->setWindowRole(panel.windowHandle(), WindowRole::Panel);
@@ -255,13 +241,13 @@ private Q_SLOTS:
 
     void loweredOverlayLetsAPromptAbove()
     {
-        open("100 100 300 200 type=DOCK");
-        open("300 300 300 200");
+        m_zoo->open("100 100 300 200 type=DOCK");
+        m_zoo->open("300 300 300 200");
         Overlay overlay;
         overlay.showOn(*m_controller, geometryOf(u"LEFT"_qs));
         QVERIFY(QTest::qWaitForWindowExposed(&overlay));
         m_controller->setOverlayLowered(overlay.windowHandle(), true);
-        const auto prompt = static_cast<xcb_window_t>(open("350 350 300 200"));
+        const auto prompt = m_zoo->open("350 350 300 200");
         QTRY_COMPARE(m_probe->topMostAt({450, 450}), m_probe->frameOf(prompt));
         QVERIFY(m_probe->isViewable(idOf(overlay)));
         m_controller->setOverlayLowered(overlay.windowHandle(), false);
@@ -307,27 +293,18 @@ private Q_SLOTS:
     }
 
 private:
-    WId open(const QByteArray &how)
-    {
-        m_zoo->write("open " + how + "\n");
-        while (!m_zoo->canReadLine()) {
-            if (!m_zoo->waitForReadyRead(20'000))
-                return 0;
-        }
-        return m_zoo->readLine().trimmed().toULongLong();
-    }
-
-    [[nodiscard]] bool managed() const { return !m_probe->property(0, "_NET_SUPPORTING_WM_CHECK").isEmpty(); }
-
     [[nodiscard]] bool isFocused(xcb_window_t window) const { return m_probe->focus() == window; }
 
     /// As a user would. Whether a window manager gives a new window the keyboard is a matter of its taste.
-    void giveFocus(xcb_window_t window)
+    xcb_window_t openFocused(const QByteArray &how)
     {
-        if (managed())
+        const xcb_window_t window = m_zoo->open(how);
+        if (m_probe->isManaged())
             m_probe->click(m_probe->geometry(window).center());
         else
             m_probe->setFocus(window);
+        [&] { QTRY_VERIFY(isFocused(window)); }();
+        return window;
     }
 
     [[nodiscard]] static xcb_window_t idOf(const QWidget &widget)
@@ -347,20 +324,8 @@ private:
     std::shared_ptr<CaptureExclusions> m_exclusions;
     std::unique_ptr<X11WindowController> m_controller;
     std::unique_ptr<test::XProbe> m_probe;
-    std::unique_ptr<QProcess> m_zoo;
+    std::unique_ptr<test::WindowZoo> m_zoo;
 };
 
-int main(int argc, char *argv[])
-{
-    {
-        test::XProbe probe;
-        probe.setMonitor("LEFT", kLeft);
-        probe.setMonitor("RIGHT", kRight);
-    }
-    const test::IsolatedHome home;
-    QApplication app(argc, argv);
-    QApplication::setQuitOnLastWindowClosed(false);
-    X11WindowControllerTest test;
-    return QTest::qExec(&test, argc, argv);
-}
+TAVREL_TWO_MONITORS_MAIN(QApplication, X11WindowControllerTest)
 #include "test_x11_window_controller.moc"

@@ -1,13 +1,12 @@
 #include "platform/linux/screen_mapping.h"
 #include "platform/linux/x11_element_detector.h"
 #include "platform/linux/x_connection.h"
+#include "platform/window_zoo.h"
 #include "platform/x_probe.h"
 #include "support/test_main.h"
 
 #include <QGuiApplication>
-#include <QProcess>
 #include <QRasterWindow>
-#include <QRegularExpression>
 #include <QScreen>
 #include <QtConcurrentRun>
 
@@ -27,17 +26,10 @@ private Q_SLOTS:
     {
         m_x = XConnection::create();
         m_detector = std::make_unique<X11ElementDetector>(m_x);
-        m_zoo = std::make_unique<QProcess>();
-        m_zoo->start(QStringLiteral(WINDOW_ZOO), {});
-        QVERIFY(m_zoo->waitForStarted());
+        m_zoo = std::make_unique<test::WindowZoo>();
     }
 
-    void cleanup()
-    {
-        m_zoo->closeWriteChannel();
-        QVERIFY(m_zoo->waitForFinished());
-        m_zoo.reset();
-    }
+    void cleanup() { m_zoo.reset(); }
 
     void whatIsKnownOfAWindow()
     {
@@ -60,7 +52,7 @@ private Q_SLOTS:
         const WId upper = open("200 180 300 200");
         QTRY_COMPARE(order(), (QList<WId>{upper, middle, lower}));
         m_probe.raise(m_probe.frameOf(static_cast<xcb_window_t>(lower)));
-        if (managed())
+        if (m_probe.isManaged())
             return; // the order is the window manager's to tell, and its frames are its own
         QCOMPARE(order(), (QList<WId>{lower, upper, middle}));
     }
@@ -84,7 +76,7 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, how);
         QFETCH(bool, listed);
-        if (managed() && (how.contains("24 400") || how.contains("23 400") || how.contains("400 23")))
+        if (m_probe.isManaged() && (how.contains("24 400") || how.contains("23 400") || how.contains("400 23")))
             how += " type=SPLASH"; // without a frame, which would count
         const WId window = open(how);
         QCOMPARE(order().contains(window), listed);
@@ -92,7 +84,7 @@ private Q_SLOTS:
 
     void minimisedIsLeftOut()
     {
-        if (!managed())
+        if (!m_probe.isManaged())
             QSKIP("nobody minimises windows here");
         const WId window = open("300 300 400 300 iconic=1");
         QVERIFY(!order().contains(window));
@@ -119,12 +111,12 @@ private Q_SLOTS:
     void windowsThatComeAndGo()
     {
         const WId stays = open("600 120 300 200");
-        m_zoo->write("churn 300\n");
+        m_zoo->tell("churn 300");
         auto worker = QtConcurrent::run([this] { return countWhole(60); });
         const int here = countWhole(60);
         QCOMPARE(here, 60);
         QCOMPARE(worker.result(), 60);
-        answer();
+        m_zoo->answer();
         QTRY_COMPARE(order(), QList<WId>{stays});
     }
 
@@ -157,27 +149,15 @@ private Q_SLOTS:
     }
 
 private:
-    QByteArray answer()
-    {
-        while (!m_zoo->canReadLine()) {
-            if (!m_zoo->waitForReadyRead(20'000))
-                return {};
-        }
-        return m_zoo->readLine().trimmed();
-    }
-
     WId open(const QByteArray &how)
     {
-        m_zoo->write("open " + how + "\n");
-        const WId window = answer().toULongLong();
+        const WId window = m_zoo->open(how);
         // The window manager tells of a window a little after it has put it on the screen.
-        if (managed() && !how.contains("bypass") && !how.contains("map=0")) {
+        if (m_probe.isManaged() && !how.contains("bypass") && !how.contains("map=0")) {
             [&] { QTRY_VERIFY(m_probe.property(0, "_NET_CLIENT_LIST_STACKING").contains(quint32(window))); }();
         }
         return window;
     }
-
-    [[nodiscard]] bool managed() const { return !m_probe.property(0, "_NET_SUPPORTING_WM_CHECK").isEmpty(); }
 
     /// With the window manager's frame, as it really is on the screen.
     [[nodiscard]] QRect outer(WId window) const
@@ -223,7 +203,7 @@ private:
     test::XProbe m_probe;
     std::shared_ptr<XConnection> m_x;
     std::unique_ptr<X11ElementDetector> m_detector;
-    std::unique_ptr<QProcess> m_zoo;
+    std::unique_ptr<test::WindowZoo> m_zoo;
 };
 
 TAVREL_TEST_MAIN(QGuiApplication, X11WindowListTest)

@@ -14,20 +14,13 @@
 
 #include <sys/uio.h>
 
-#include <cstdlib>
-#include <memory>
+#include <chrono>
+#include <thread>
 #include <vector>
 
 namespace tavrel::test {
 
 namespace {
-
-struct Free
-{
-    void operator()(void *memory) const { std::free(memory); }
-};
-template <typename T>
-using Reply = std::unique_ptr<T, Free>;
 
 xcb_rectangle_t toXcb(const QRect &r)
 {
@@ -51,7 +44,7 @@ void put(xcb_connection_t *c, xcb_drawable_t to, int width, int height, const st
 {
     const xcb_gcontext_t gc = xcb_generate_id(c);
     xcb_create_gc(c, gc, to, 0, nullptr);
-    const Reply<xcb_get_geometry_reply_t> geometry{xcb_get_geometry_reply(c, xcb_get_geometry(c, to), nullptr)};
+    const auto geometry = TAVREL_X_ASK(c, get_geometry, to);
     const int rows = std::max(1, 200'000 / (width * 4));
     for (int y = 0; y < height; y += rows) {
         const int count = std::min(rows, height - y);
@@ -119,8 +112,8 @@ xcb_window_t XProbe::open(const QRect &rect, const Look &look)
 void XProbe::map(xcb_window_t window)
 {
     xcb_map_window(m_c, window);
-    sync();
-    QTRY_VERIFY(isViewable(window));
+    for (int tries = 0; tries < 2000 && !isViewable(window); ++tries)
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
 }
 
 void XProbe::raise(xcb_window_t window)
@@ -138,7 +131,7 @@ void XProbe::close(xcb_window_t window)
 
 void XProbe::paintNoise(xcb_window_t window, quint32 seed)
 {
-    const Reply<xcb_get_geometry_reply_t> size{xcb_get_geometry_reply(m_c, xcb_get_geometry(m_c, window), nullptr)};
+    const auto size = TAVREL_X_ASK(m_c, get_geometry, window);
     put(m_c, window, size->width, size->height, noise(size->width, size->height, seed));
     sync();
 }
@@ -146,8 +139,8 @@ void XProbe::paintNoise(xcb_window_t window, quint32 seed)
 QImage XProbe::grab(const QRect &rect) const
 {
     const auto [x, y, width, height] = toXcb(rect);
-    const Reply<xcb_get_image_reply_t> reply{xcb_get_image_reply(
-        m_c, xcb_get_image(m_c, XCB_IMAGE_FORMAT_Z_PIXMAP, m_screen->root, x, y, width, height, ~0U), nullptr)};
+    const auto reply =
+        TAVREL_X_ASK(m_c, get_image, XCB_IMAGE_FORMAT_Z_PIXMAP, m_screen->root, x, y, width, height, ~0U);
     if (!reply)
         return {};
     const QImage view(xcb_get_image_data(reply.get()), width, height, width * 4, QImage::Format_RGB32);
@@ -199,8 +192,7 @@ void XProbe::setMonitor(const QByteArray &name, const QRect &rect)
         return;
     }
     // The first monitor takes the one output that a virtual server has, or the server adds a monitor for it.
-    const Reply<xcb_randr_get_screen_resources_current_reply_t> resources{xcb_randr_get_screen_resources_current_reply(
-        m_c, xcb_randr_get_screen_resources_current(m_c, m_screen->root), nullptr)};
+    const auto resources = TAVREL_X_ASK(m_c, randr_get_screen_resources_current, m_screen->root);
     const bool first = rect.topLeft() == QPoint(0, 0);
     std::vector<quint8> bytes(sizeof(xcb_randr_monitor_info_t) + (first ? sizeof(xcb_randr_output_t) : 0));
     auto *info = reinterpret_cast<xcb_randr_monitor_info_t *>(bytes.data());
@@ -233,8 +225,7 @@ void XProbe::warpPointer(const QPoint &position)
 
 xcb_window_t XProbe::showBigCursor()
 {
-    const Reply<xcb_render_query_pict_formats_reply_t> formats{
-        xcb_render_query_pict_formats_reply(m_c, xcb_render_query_pict_formats(m_c), nullptr)};
+    const auto formats = TAVREL_X_ASK(m_c, render_query_pict_formats);
     xcb_render_pictformat_t argb = 0;
     for (auto it = xcb_render_query_pict_formats_formats_iterator(formats.get()); it.rem > 0;
          xcb_render_pictforminfo_next(&it)) {
@@ -259,13 +250,18 @@ xcb_window_t XProbe::showBigCursor()
     return glass;
 }
 
+xcb_keycode_t XProbe::keyCode(xcb_keysym_t symbol) const
+{
+    const std::unique_ptr<xcb_key_symbols_t, void (*)(xcb_key_symbols_t *)> symbols(xcb_key_symbols_alloc(m_c),
+                                                                                    xcb_key_symbols_free);
+    const XReply<xcb_keycode_t> codes{xcb_key_symbols_get_keycode(symbols.get(), symbol)};
+    return codes ? *codes : xcb_keycode_t(0);
+}
+
 void XProbe::pressKey(xcb_keysym_t key)
 {
-    xcb_key_symbols_t *symbols = xcb_key_symbols_alloc(m_c);
-    const Reply<xcb_keycode_t> codes{xcb_key_symbols_get_keycode(symbols, key)};
     for (const quint8 type : {quint8(XCB_KEY_PRESS), quint8(XCB_KEY_RELEASE)})
-        xcb_test_fake_input(m_c, type, *codes, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
-    xcb_key_symbols_free(symbols);
+        xcb_test_fake_input(m_c, type, keyCode(key), XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
     sync();
 }
 
@@ -279,16 +275,14 @@ void XProbe::click(const QPoint &position)
 
 bool XProbe::isViewable(xcb_window_t window) const
 {
-    const Reply<xcb_get_window_attributes_reply_t> attributes{
-        xcb_get_window_attributes_reply(m_c, xcb_get_window_attributes(m_c, window), nullptr)};
+    const auto attributes = TAVREL_X_ASK(m_c, get_window_attributes, window);
     return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
 }
 
 QRect XProbe::geometry(xcb_window_t window) const
 {
-    const Reply<xcb_get_geometry_reply_t> geometry{xcb_get_geometry_reply(m_c, xcb_get_geometry(m_c, window), nullptr)};
-    const Reply<xcb_translate_coordinates_reply_t> at{
-        xcb_translate_coordinates_reply(m_c, xcb_translate_coordinates(m_c, window, m_screen->root, 0, 0), nullptr)};
+    const auto geometry = TAVREL_X_ASK(m_c, get_geometry, window);
+    const auto at = TAVREL_X_ASK(m_c, translate_coordinates, window, m_screen->root, 0, 0);
     if (!geometry || !at)
         return {};
     const int border = geometry->border_width;
@@ -297,7 +291,7 @@ QRect XProbe::geometry(xcb_window_t window) const
 
 xcb_window_t XProbe::focus() const
 {
-    const Reply<xcb_get_input_focus_reply_t> reply{xcb_get_input_focus_reply(m_c, xcb_get_input_focus(m_c), nullptr)};
+    const auto reply = TAVREL_X_ASK(m_c, get_input_focus);
     return reply ? reply->focus : 0;
 }
 
@@ -310,7 +304,7 @@ void XProbe::setFocus(xcb_window_t window)
 xcb_window_t XProbe::frameOf(xcb_window_t window) const
 {
     for (;;) {
-        const Reply<xcb_query_tree_reply_t> tree{xcb_query_tree_reply(m_c, xcb_query_tree(m_c, window), nullptr)};
+        const auto tree = TAVREL_X_ASK(m_c, query_tree, window);
         if (!tree || tree->parent == XCB_WINDOW_NONE)
             return XCB_WINDOW_NONE;
         if (tree->parent == m_screen->root)
@@ -321,11 +315,10 @@ xcb_window_t XProbe::frameOf(xcb_window_t window) const
 
 xcb_window_t XProbe::topMostAt(const QPoint &point) const
 {
-    const Reply<xcb_query_tree_reply_t> tree{xcb_query_tree_reply(m_c, xcb_query_tree(m_c, m_screen->root), nullptr)};
+    const auto tree = TAVREL_X_ASK(m_c, query_tree, m_screen->root);
     const xcb_window_t *children = xcb_query_tree_children(tree.get());
     for (int i = tree->children_len - 1; i >= 0; --i) {
-        const Reply<xcb_get_window_attributes_reply_t> attributes{
-            xcb_get_window_attributes_reply(m_c, xcb_get_window_attributes(m_c, children[i]), nullptr)};
+        const auto attributes = TAVREL_X_ASK(m_c, get_window_attributes, children[i]);
         if (!attributes || attributes->map_state != XCB_MAP_STATE_VIEWABLE ||
             attributes->_class == XCB_WINDOW_CLASS_INPUT_ONLY || !geometry(children[i]).contains(point))
             continue;
@@ -339,7 +332,7 @@ xcb_window_t XProbe::topMostAt(const QPoint &point) const
 
 int XProbe::stackPosition(xcb_window_t window) const
 {
-    const Reply<xcb_query_tree_reply_t> tree{xcb_query_tree_reply(m_c, xcb_query_tree(m_c, m_screen->root), nullptr)};
+    const auto tree = TAVREL_X_ASK(m_c, query_tree, m_screen->root);
     const xcb_window_t *children = xcb_query_tree_children(tree.get());
     const auto *found = std::find(children, children + tree->children_len, frameOf(window));
     return found == children + tree->children_len ? -1 : static_cast<int>(found - children);
@@ -347,8 +340,8 @@ int XProbe::stackPosition(xcb_window_t window) const
 
 QList<quint32> XProbe::property(xcb_window_t window, const QByteArray &name) const
 {
-    const Reply<xcb_get_property_reply_t> reply{xcb_get_property_reply(
-        m_c, xcb_get_property(m_c, 0, window ? window : m_screen->root, atom(name), XCB_ATOM_ANY, 0, 1024), nullptr)};
+    const auto reply =
+        TAVREL_X_ASK(m_c, get_property, 0, window ? window : m_screen->root, atom(name), XCB_ATOM_ANY, 0, 1024);
     if (!reply || reply->format != 32)
         return {};
     const auto *first = static_cast<const quint32 *>(xcb_get_property_value(reply.get()));
@@ -357,14 +350,13 @@ QList<quint32> XProbe::property(xcb_window_t window, const QByteArray &name) con
 
 xcb_atom_t XProbe::atom(const QByteArray &name) const
 {
-    const Reply<xcb_intern_atom_reply_t> reply{xcb_intern_atom_reply(
-        m_c, xcb_intern_atom(m_c, 0, static_cast<quint16>(name.size()), name.constData()), nullptr)};
+    const auto reply = TAVREL_X_ASK(m_c, intern_atom, 0, static_cast<quint16>(name.size()), name.constData());
     return reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
 }
 
 void XProbe::sync() const
 {
-    const Reply<xcb_get_input_focus_reply_t> reply{xcb_get_input_focus_reply(m_c, xcb_get_input_focus(m_c), nullptr)};
+    const auto reply = TAVREL_X_ASK(m_c, get_input_focus);
 }
 
 } // namespace tavrel::test
