@@ -122,37 +122,33 @@ private Q_SLOTS:
         QCOMPARE(windowAt(windows, {1200, 50}), nullptr);
     }
 
-    void wheelEventsHaveAValue_data()
-    {
-        QTest::addColumn<QPoint>("pixels");
-        QTest::addColumn<QPoint>("angle");
-        QTest::addColumn<Qt::ScrollPhase>("phase");
-        QTest::addColumn<bool>("inverted");
-        QTest::addColumn<bool>("reversed");
-        QTest::addColumn<int>("value");
-        QTest::addColumn<bool>("smooth");
-        QTest::newRow("notch") << QPoint() << QPoint(0, 120) << Qt::NoScrollPhase << false << false << 120 << false;
-        QTest::newRow("part of one") << QPoint() << QPoint(0, -15) << Qt::NoScrollPhase << false << false << -15
-                                     << false;
-        QTest::newRow("pixels") << QPoint(0, 5) << QPoint(0, 40) << Qt::NoScrollPhase << false << false << 20 << true;
-        QTest::newRow("phase") << QPoint() << QPoint(0, 40) << Qt::ScrollUpdate << false << false << 40 << true;
-        QTest::newRow("end") << QPoint(0, 5) << QPoint(0, 40) << Qt::ScrollEnd << false << false << 0 << true;
-        QTest::newRow("sideways") << QPoint() << QPoint(-121, 120) << Qt::NoScrollPhase << false << false << 0 << false;
-        QTest::newRow("inverted") << QPoint() << QPoint(0, 120) << Qt::NoScrollPhase << true << false << -120 << false;
-        QTest::newRow("reversed") << QPoint() << QPoint(0, 120) << Qt::NoScrollPhase << false << true << -120 << false;
-        QTest::newRow("both") << QPoint() << QPoint(0, 120) << Qt::NoScrollPhase << true << true << 120 << false;
-    }
-
     void wheelEventsHaveAValue()
     {
-        QFETCH(QPoint, pixels);
-        QFETCH(QPoint, angle);
-        QFETCH(Qt::ScrollPhase, phase);
-        QFETCH(bool, inverted);
-        QFETCH(bool, reversed);
-        const QWheelEvent event({}, {}, pixels, angle, Qt::NoButton, Qt::NoModifier, phase, inverted);
-        QTEST(wheelValue(event, reversed), "value");
-        QTEST(isSmoothWheel(event), "smooth");
+        const struct
+        {
+            QPoint pixels;
+            QPoint angle;
+            Qt::ScrollPhase phase;
+            bool inverted;
+            bool reversed;
+            int value;
+            bool smooth;
+        } rows[]{
+            {{}, {0, -15}, Qt::NoScrollPhase, false, false, -15, false}, // part of a notch
+            {{0, 5}, {0, 40}, Qt::NoScrollPhase, false, false, 20, true},
+            {{}, {0, 40}, Qt::ScrollUpdate, false, false, 40, true},
+            {{0, 5}, {0, 40}, Qt::ScrollEnd, false, false, 0, true},
+            {{}, {-121, 120}, Qt::NoScrollPhase, false, false, 0, false}, // sideways
+            {{}, {0, 120}, Qt::NoScrollPhase, true, false, -120, false},
+            {{}, {0, 120}, Qt::NoScrollPhase, false, true, -120, false},
+            {{}, {0, 120}, Qt::NoScrollPhase, true, true, 120, false},
+        };
+        for (const auto &row : rows) {
+            const QWheelEvent event({}, {}, row.pixels, row.angle, Qt::NoButton, Qt::NoModifier, row.phase,
+                                    row.inverted);
+            QCOMPARE(wheelValue(event, row.reversed), row.value);
+            QCOMPARE(isSmoothWheel(event), row.smooth);
+        }
     }
 
     void wheelValuesAddUpToSteps()

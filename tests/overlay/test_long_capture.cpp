@@ -4,6 +4,7 @@
 #include "overlay/long_preview_place.h"
 #include "overlay/overlay_panels.h"
 #include "overlay/toolbar_widget.h"
+#include "overlay_input.h"
 #include "support/test_main.h"
 
 #include <QApplication>
@@ -44,11 +45,8 @@ QImage page()
 /// The display with the page scrolled to a row.
 platform::CapturedDisplay shot(const QImage &page, int row, quint32 id = 1)
 {
-    platform::CapturedDisplay display;
+    platform::CapturedDisplay display = flatDisplay(kSize, QColor(90, 100, 110));
     display.id = id;
-    display.geometry = QRect(QPoint(0, 0), kSize);
-    display.image = QImage(kSize, QImage::Format_ARGB32_Premultiplied);
-    display.image.fill(QColor(90, 100, 110));
     QPainter(&display.image).drawImage(kView.topLeft(), page, QRect(0, row, kView.width(), kView.height()));
     return display;
 }

@@ -15,72 +15,41 @@ class SelectionGeometryTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void hitsByTheBroadRule_data()
-    {
-        QTest::addColumn<QPointF>("point");
-        QTest::addColumn<int>("hit");
-        QTest::newRow("corner from outside") << QPointF(85, 85) << 0;
-        QTest::newRow("just out of reach") << QPointF(84, 100) << kNoHit;
-        QTest::newRow("middle of the top edge") << QPointF(250, 110) << 1;
-        QTest::newRow("edge between handles") << QPointF(180, 101) << kInsideHit;
-        QTest::newRow("on the edge is not inside") << QPointF(180, 100) << kNoHit;
-        QTest::newRow("bottom right") << QPointF(399, 301) << 7;
-        QTest::newRow("far outside") << QPointF(500, 200) << kNoHit;
-    }
-
     void hitsByTheBroadRule()
     {
-        QFETCH(QPointF, point);
-        QFETCH(int, hit);
-        QCOMPARE(hitBroad(QRectF(100, 100, 300, 200), point), hit);
-    }
-
-    void hitsByTheNarrowRule_data()
-    {
-        QTest::addColumn<QRectF>("selection");
-        QTest::addColumn<QPointF>("point");
-        QTest::addColumn<int>("hit");
-        const QRectF wide(100, 100, 300, 300);
-        QTest::newRow("15 outside a corner") << wide << QPointF(85, 85) << 0;
-        QTest::newRow("21 outside a corner") << wide << QPointF(79, 85) << kNoHit;
-        QTest::newRow("top edge") << wide << QPointF(250, 112) << 1;
-        QTest::newRow("inside the top edge's reach") << wide << QPointF(250, 113) << kNoHit;
-        QTest::newRow("left edge") << wide << QPointF(112, 250) << 3;
-        QTest::newRow("right edge from outside") << wide << QPointF(415, 250) << 4;
-        QTest::newRow("small: corner of 6") << QRectF(100, 100, 20, 20) << QPointF(94, 94) << 0;
-        QTest::newRow("small: 7 outside") << QRectF(100, 100, 20, 20) << QPointF(93, 94) << kNoHit;
-        QTest::newRow("no height") << QRectF(100, 100, 20, 0) << QPointF(100, 100) << kNoHit;
+        for (const auto &[point, hit] : {std::pair(QPointF(85, 85), 0), // a corner from outside
+                                         {{84, 100}, kNoHit},
+                                         {{250, 110}, 1},
+                                         {{180, 101}, kInsideHit}, // between the handles
+                                         {{180, 100}, kNoHit},     // on the edge is not inside
+                                         {{399, 301}, 7},
+                                         {{500, 200}, kNoHit}})
+            QCOMPARE(hitBroad(QRectF(100, 100, 300, 200), point), hit);
     }
 
     void hitsByTheNarrowRule()
     {
-        QFETCH(QRectF, selection);
-        QFETCH(QPointF, point);
-        QFETCH(int, hit);
-        QCOMPARE(hitNarrow(selection, point), hit);
-    }
-
-    void handlesDragTheirSides_data()
-    {
-        QTest::addColumn<int>("handle");
-        QTest::addColumn<QRectF>("result");
-        const QPointF delta(10, 20);
-        Q_UNUSED(delta);
-        QTest::newRow("top left") << 0 << QRectF(110, 120, 190, 80);
-        QTest::newRow("top") << 1 << QRectF(100, 120, 200, 80);
-        QTest::newRow("top right") << 2 << QRectF(100, 120, 210, 80);
-        QTest::newRow("left") << 3 << QRectF(110, 100, 190, 100);
-        QTest::newRow("right") << 4 << QRectF(100, 100, 210, 100);
-        QTest::newRow("bottom left") << 5 << QRectF(110, 100, 190, 120);
-        QTest::newRow("bottom") << 6 << QRectF(100, 100, 200, 120);
-        QTest::newRow("bottom right") << 7 << QRectF(100, 100, 210, 120);
+        const QRectF wide(100, 100, 300, 300);
+        const QRectF small(100, 100, 20, 20);
+        for (const auto &[selection, point, hit] : {std::tuple(wide, QPointF(85, 85), 0),
+                                                    {wide, {79, 85}, kNoHit},
+                                                    {wide, {250, 112}, 1},
+                                                    {wide, {250, 113}, kNoHit},
+                                                    {wide, {112, 250}, 3},
+                                                    {wide, {415, 250}, 4},
+                                                    {small, {94, 94}, 0},
+                                                    {small, {93, 94}, kNoHit},
+                                                    {{100, 100, 20, 0}, {100, 100}, kNoHit}})
+            QCOMPARE(hitNarrow(selection, point), hit);
     }
 
     void handlesDragTheirSides()
     {
-        QFETCH(int, handle);
-        QFETCH(QRectF, result);
-        QCOMPARE(resizedSelection(QRectF(100, 100, 200, 100), handle, {10, 20}, QRectF(0, 0, 800, 600)), result);
+        const QRectF results[]{{110, 120, 190, 80},  {100, 120, 200, 80},  {100, 120, 210, 80},  {110, 100, 190, 100},
+                               {100, 100, 210, 100}, {110, 100, 190, 120}, {100, 100, 200, 120}, {100, 100, 210, 120}};
+        for (int handle = 0; handle < 8; ++handle)
+            QCOMPARE(resizedSelection(QRectF(100, 100, 200, 100), handle, {10, 20}, QRectF(0, 0, 800, 600)),
+                     results[handle]);
     }
 
     void dragsBeyondTheOppositeEdgeFlipAndStayOnTheDisplay()
@@ -135,23 +104,16 @@ private Q_SLOTS:
         QCOMPARE(colorText(QColor(12, 34, 56), QStringLiteral("hex")), QStringLiteral("#0C2238"));
     }
 
-    void panelsGoWhereThereIsRoom_data()
-    {
-        QTest::addColumn<QRectF>("selection");
-        QTest::addColumn<QPoint>("toolbar");
-        QTest::newRow("below, right aligned") << QRectF(300, 100, 400, 200) << QPoint(400, 315);
-        QTest::newRow("above at the bottom") << QRectF(300, 400, 400, 190) << QPoint(400, 309);
-        QTest::newRow("into a selection of full height") << QRectF(300, 0, 400, 600) << QPoint(400, 509);
-        QTest::newRow("left edge") << QRectF(5, 100, 100, 100) << QPoint(10, 215);
-    }
-
     void panelsGoWhereThereIsRoom()
     {
-        QFETCH(QRectF, selection);
-        QFETCH(QPoint, toolbar);
-        const PanelPlacement place = placePanels(selection, QSize(800, 600), QSize(300, 40), QSize(200, 30), {});
-        QCOMPARE(place.toolbar, toolbar);
-        QCOMPARE(place.attributeBar, QPoint(toolbar.x(), toolbar.y() + 46));
+        for (const auto &[selection, toolbar] : {std::pair(QRectF(300, 100, 400, 200), QPoint(400, 315)),
+                                                 {{300, 400, 400, 190}, {400, 309}},
+                                                 {{300, 0, 400, 600}, {400, 509}}, // into it
+                                                 {{5, 100, 100, 100}, {10, 215}}}) {
+            const PanelPlacement place = placePanels(selection, QSize(800, 600), QSize(300, 40), QSize(200, 30), {});
+            QCOMPARE(place.toolbar, toolbar);
+            QCOMPARE(place.attributeBar, QPoint(toolbar.x(), toolbar.y() + 46));
+        }
     }
 
     void aDraggedToolbarStaysOnTheDisplayWithItsBar()

@@ -36,8 +36,6 @@ private Q_SLOTS:
     void addRefusesWhatItCannotTake();
     void moves_data();
     void moves();
-    void hexForms_data();
-    void hexForms();
     void colorTexts_data();
     void colorTexts();
     void hsvComesBackToTheSameColor();
@@ -104,29 +102,6 @@ void TestColorLibrary::moves()
     for (const int number : order)
         expected.append(colorNumber(number));
     QCOMPARE(library.colors(), order.isEmpty() ? colorNumbers(5) : expected);
-}
-
-void TestColorLibrary::hexForms_data()
-{
-    QTest::addColumn<double>("alpha");
-    QTest::addColumn<QString>("expected");
-    QTest::newRow("opaque") << 1.0 << QStringLiteral("#0AB1FF");
-    QTest::newRow("0.995 is opaque") << 0.995 << QStringLiteral("#0AB1FF");
-    QTest::newRow("below 0.995") << 0.9949 << QStringLiteral("#FE0AB1FF");
-    QTest::newRow("0.99") << 0.99 << QStringLiteral("#FC0AB1FF");
-    QTest::newRow("half rounds up") << 0.5 << QStringLiteral("#800AB1FF");
-    QTest::newRow("one digit is filled up") << 0.03 << QStringLiteral("#080AB1FF");
-}
-
-void TestColorLibrary::hexForms()
-{
-    QFETCH(double, alpha);
-    const QColor color(0x0a, 0xb1, 0xff);
-    QTEST(hexOf(color, alpha), "expected");
-    QColor withAlpha = color;
-    withAlpha.setAlphaF(static_cast<float>(alpha));
-    if (std::abs(alpha - 0.995) > 0.001) // a QColor is too coarse for the threshold itself
-        QTEST(hexOf(withAlpha), "expected");
 }
 
 void TestColorLibrary::colorTexts_data()

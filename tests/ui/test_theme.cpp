@@ -42,8 +42,6 @@ private Q_SLOTS:
     void initTestCase() { qunsetenv("DBUS_SESSION_BUS_ADDRESS"); }
     void theSystemDecidesForAnyOtherName();
     void thePortalGoesBeforeThePalette();
-    void portalAnswers_data();
-    void portalAnswers();
 };
 
 void TestTheme::theSystemDecidesForAnyOtherName()
@@ -125,30 +123,6 @@ void TestTheme::thePortalGoesBeforeThePalette()
     QDBusConnection::disconnectFromBus(QStringLiteral("portal"));
     daemon.kill();
     QVERIFY(daemon.waitForFinished());
-}
-
-void TestTheme::portalAnswers_data()
-{
-    QTest::addColumn<QVariant>("answer");
-    QTest::addColumn<int>("expected"); // -1: nothing
-    const auto wrapped = [](const QVariant &value) { return QVariant::fromValue(QDBusVariant(value)); };
-    const int dark = static_cast<int>(ColorScheme::Dark);
-    const int light = static_cast<int>(ColorScheme::Light);
-    QTest::newRow("read, wrapped twice, dark") << wrapped(wrapped(1U)) << dark;
-    QTest::newRow("change, wrapped once, light") << wrapped(2U) << light;
-    QTest::newRow("bare") << QVariant(1U) << dark;
-    QTest::newRow("no preference") << wrapped(wrapped(0U)) << -1;
-    QTest::newRow("unknown number") << wrapped(7U) << -1;
-    QTest::newRow("a text") << wrapped(QStringLiteral("1")) << -1;
-    QTest::newRow("empty") << QVariant() << -1;
-}
-
-void TestTheme::portalAnswers()
-{
-    QFETCH(QVariant, answer);
-    QFETCH(int, expected);
-    const std::optional<ColorScheme> scheme = colorSchemeFromPortal(answer);
-    QCOMPARE(scheme ? static_cast<int>(*scheme) : -1, expected);
 }
 
 TAVREL_TEST_MAIN(QGuiApplication, TestTheme)
