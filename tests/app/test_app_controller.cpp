@@ -176,16 +176,6 @@ private Q_SLOTS:
         QVERIFY(!m_controller->captureFlow().isActive());
     }
 
-    void theStatusIsOneMessageThatLeavesTheHotkeysAlone()
-    {
-        start();
-        m_controller->showStatus();
-        m_controller->showStatus();
-        QCOMPARE(message(), QStringLiteral("Tavrel 正在运行"));
-        QVERIFY(m_hotkeys->press(kCtrl1));
-        QTRY_VERIFY(overlay());
-    }
-
     void messagesTakeTurns()
     {
         start();
@@ -331,12 +321,7 @@ private Q_SLOTS:
             config.savePath = m_folder->filePath(QStringLiteral("shots"));
             config.filenameFormat = QStringLiteral("kept");
         });
-        start();
-        m_controller->startCapture();
-        QTRY_VERIFY(overlay());
-        drag(overlay(), {20, 20}, {120, 70});
-        QTest::keyClick(overlay(), Qt::Key_S, Qt::ControlModifier);
-        m_controller.reset();
+        endWhileSaving();
         QCOMPARE(QImage(QDir(m_settings->effectiveSavePath()).filePath(QStringLiteral("kept.png"))).size(),
                  QSize(100, 50));
     }
@@ -348,12 +333,7 @@ private Q_SLOTS:
             config.savePath = m_folder->filePath(QStringLiteral("shots"));
             config.filenameFormat = QStringLiteral("shot_{{index}}");
         });
-        start();
-        m_controller->startCapture();
-        QTRY_VERIFY(overlay());
-        drag(overlay(), {20, 20}, {120, 70});
-        QTest::keyClick(overlay(), Qt::Key_S, Qt::ControlModifier);
-        m_controller.reset(); // no event loop in between
+        endWhileSaving();
         QCOMPARE(m_settings->config().filenameCounter, 1);
         QCOMPARE(m_records->events.last(), QStringLiteral("finish"));
         QCOMPARE(QFileInfo(m_records->savedPaths.value(m_records->order.first())).fileName(),
@@ -395,6 +375,17 @@ private:
         SettingsConfig config = m_settings->config();
         edit(config);
         m_settings->update(config);
+    }
+
+    /// Captures, asks for a save, and ends the program with no event loop in between.
+    void endWhileSaving()
+    {
+        start();
+        m_controller->startCapture();
+        QTRY_VERIFY(overlay());
+        drag(overlay(), {20, 20}, {120, 70});
+        QTest::keyClick(overlay(), Qt::Key_S, Qt::ControlModifier);
+        m_controller.reset();
     }
 
     /// Returns when the release of a session that has just ended is over: its timer is shorter.

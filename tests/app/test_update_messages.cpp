@@ -61,12 +61,6 @@ private Q_SLOTS:
         const auto noPage = updateMessage(bare, open);
         QCOMPARE(noPage.text, u"当前版本是 0.1.5。"_qs);
         QVERIFY(noPage.cancelText.isEmpty() && !noPage.answer); // nothing to choose
-
-        const auto failure = updateMessage({.outcome = Outcome::Failed, .entry = {}, .problem = u"的原因"_qs}, open);
-        QCOMPARE(failure.text, u"的原因"_qs);
-        QCOMPARE(failure.icon, ui::dialogs::Icon::Warning);
-        const auto none = updateMessage({.outcome = Outcome::UpToDate, .entry = {}, .problem = {}}, open);
-        QVERIFY(none.text.contains(u"0.1.5"));
     }
 
     // The outcome of a later check takes the place of an open message: its buttons have to mean what it says.

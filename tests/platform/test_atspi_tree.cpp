@@ -26,7 +26,8 @@ constexpr qint64 kEnds = 5000;
 /// Where what is found is compared, no answer may be missing on a busy machine either.
 constexpr auto kAmple = 60s;
 
-/// What a descent finds that asks for one thing after the other, the window first.
+/// What a descent finds that asks for one thing after the other, the window first: 24 levels deep, among the first 400
+/// children.
 QList<int> plainWalk(const QList<FakeElement> &tree, const QPoint &point)
 {
     QList<int> chain{0};
@@ -119,26 +120,12 @@ private Q_SLOTS:
         QVERIFY(deepest > 1);
     }
 
-    void depthAndNumberOfChildrenAreLimited()
-    {
-        QVERIFY(openZoo("deep"));
-        QCOMPARE(rectanglesAt(kFakeWindow.center(), kAmple).size(), 25);
-        closeZoo();
-        QVERIFY(openZoo("crowd"));
-        const QRect last = fakeTree("crowd", 0)[400].rect; // the 50 after it lie in it
-        QCOMPARE(rectanglesAt(last.center(), kAmple).first(), last);
-    }
-
     void rolesAndTexts_data()
     {
         QTest::addColumn<int>("role");
         QTest::addColumn<QString>("word");
-        QTest::newRow("push button") << 43 << u"Button"_qs;
-        QTest::newRow("combo box") << 11 << u"ComboBox"_qs;
-        QTest::newRow("entry") << 79 << u"Edit"_qs;
-        QTest::newRow("text") << 61 << u"Edit"_qs;
-        QTest::newRow("list item") << 32 << u"ListItem"_qs;
-        QTest::newRow("label") << 29 << u"Text"_qs;
+        // Those of real widgets are found by x11_elements.
+        QTest::newRow("entry, which Qt does not have") << 79 << u"Edit"_qs;
         QTest::newRow("panel") << 39 << u"Element"_qs;
     }
 

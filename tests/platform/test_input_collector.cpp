@@ -44,8 +44,6 @@ private Q_SLOTS:
         QTest::addColumn<QString>("told");
         QTest::newRow("everything") << false << false << "mdKumwkKk"
                                     << "dKukKk";
-        QTest::newRow("keys count for nothing more") << false << true << "mdKumwkKk"
-                                                     << "dKukKk";
         QTest::newRow("clicks only") << true << false << ""
                                      << "du";
         QTest::newRow("clicks and keys") << true << true << ""

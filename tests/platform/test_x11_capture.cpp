@@ -135,14 +135,6 @@ private Q_SLOTS:
         QVERIFY(!m_connection->brokenText().isEmpty());
     }
 
-    void unreachableServerIsAnAnswer()
-    {
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"无法连接 X 服务器：.+"_qs));
-        QString error;
-        QVERIFY(!XConnection::create(&error, ":987654"));
-        QVERIFY(!error.isEmpty());
-    }
-
 private:
     QImage settled() const
     {

@@ -165,7 +165,6 @@ private Q_SLOTS:
         QTest::addColumn<WindowRole>("role");
         QTest::addColumn<bool>("above");
         QTest::newRow("floating") << WindowRole::Floating << true;
-        QTest::newRow("panel") << WindowRole::Panel << true;
         QTest::newRow("normal") << WindowRole::Normal << false;
     }
 

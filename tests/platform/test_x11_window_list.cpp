@@ -125,7 +125,6 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("icons"); // red, green, blue
         QTest::addColumn<int>("wanted");
         QTest::addColumn<QColor>("color");
-        QTest::newRow("exact") << QByteArray("16,32,64") << 32 << QColor(Qt::green);
         QTest::newRow("next larger") << QByteArray("16,64,128") << 48 << QColor(Qt::green);
         QTest::newRow("none large enough") << QByteArray("16,32,24") << 100 << QColor(Qt::green);
     }

@@ -58,7 +58,6 @@ private Q_SLOTS:
     {
         QTest::addColumn<QByteArray>("lines");
         QTest::addColumn<bool>("enabled");
-        QTest::newRow("plain") << QByteArray("Exec=/usr/bin/tavrel\n") << true;
         QTest::newRow("no command") << QByteArray("Name=Tavrel\n") << false;
         QTest::newRow("hidden") << QByteArray("Exec=tavrel\nHidden=true\n") << false;
         QTest::newRow("switched off") << QByteArray("Exec=tavrel\nX-GNOME-Autostart-enabled=false\n") << false;
@@ -90,13 +89,11 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("name");
         QTest::addColumn<QByteArray>("exec"); // what follows the folder
-        QTest::newRow("space") << u"my tavrel"_qs << QByteArray("my tavrel");
         QTest::newRow("quote") << u"a\"b"_qs << QByteArray("a\\\\\"b");
         QTest::newRow("dollar and backtick") << u"a$b`c"_qs << QByteArray("a\\\\$b\\\\`c");
         QTest::newRow("backslash") << u"a\\b"_qs << QByteArray("a\\\\\\\\b");
         QTest::newRow("percent") << u"100%f"_qs << QByteArray("100%%f");
         QTest::newRow("line end") << u"a\nb"_qs << QByteArray("a\\nb");
-        QTest::newRow("Chinese") << u"截图"_qs << QByteArray("截图");
     }
 
     void programsWithAnyName()
@@ -146,7 +143,6 @@ private Q_SLOTS:
         QTest::addColumn<QString>("host");
         QTest::addColumn<bool>("found");
         QTest::newRow("this machine") << u"localhost"_qs << true;
-        QTest::newRow("address") << u"127.0.0.1"_qs << true;
         QTest::newRow("too long to be asked for") << QString(300, u'a') << false;
     }
 

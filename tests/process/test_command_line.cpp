@@ -22,10 +22,8 @@ private Q_SLOTS:
         };
         row("bare", "", false, true);
         row("all plain options", "--capture --settings --history --long --quit --lang en", false, true);
-        row("a file", "a.png", false, true);
         row("fake capture", "--capture --fake-capture", false, false);
         row("timed end", "--quit-after-ms 5", false, false);
-        row("diagnostic", "--language-probe", false, false);
         row("allowed by an empty variable", "", true, false);
     }
 

@@ -39,133 +39,105 @@ class HotkeyTableTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void init()
+    {
+        m_hotkeys = std::make_unique<RecordingHotkey>();
+        m_commands = std::make_unique<Commands>();
+        m_table = std::make_unique<HotkeyTable>(*m_hotkeys, *m_commands);
+    }
+
     void onlyRowsWithAnOperationTakeTheirKey()
     {
-        RecordingHotkey hotkeys;
-        Commands commands;
-        HotkeyTable table(hotkeys, commands);
-        commands.set(Command::Capture, [] {});
-        table.apply(SettingsConfig());
-        QCOMPARE(hotkeys.bound.keys(), QList<int>{HotkeyTable::Capture});
-        QVERIFY(table.errors().isEmpty());
+        m_commands->set(Command::Capture, [] {});
+        m_table->apply(SettingsConfig());
+        QCOMPARE(m_hotkeys->bound.keys(), QList<int>{HotkeyTable::Capture});
+        QVERIFY(m_table->errors().isEmpty());
     }
 
     void theEarlierOfTwoEqualCombinationsWins()
     {
-        RecordingHotkey hotkeys;
-        Commands commands;
-        HotkeyTable table(hotkeys, commands);
-        commands.set(Command::Capture, [] {});
-        commands.set(Command::History, [] {});
+        m_commands->set(Command::Capture, [] {});
+        m_commands->set(Command::History, [] {});
         SettingsConfig config;
         config.historyHotkey = {true, kCtrl1};
-        table.apply(config);
-        QCOMPARE(hotkeys.bound.keys(), QList<int>{HotkeyTable::Capture});
-        QCOMPARE(table.errors().keys(), QStringList{QStringLiteral("history")});
-        QVERIFY(table.errorLines().contains(QStringLiteral("「截图」")));
+        m_table->apply(config);
+        QCOMPARE(m_hotkeys->bound.keys(), QList<int>{HotkeyTable::Capture});
+        QCOMPARE(m_table->errors().keys(), QStringList{QStringLiteral("history")});
+        QVERIFY(m_table->errorLines().contains(QStringLiteral("「截图」")));
 
         config.captureHotkey.enabled = false;
-        table.apply(config);
-        QCOMPARE(hotkeys.bound.keys(), QList<int>{HotkeyTable::History});
-        QVERIFY(table.errors().isEmpty());
-    }
-
-    void aTakenCombinationIsReportedUnderItsRow()
-    {
-        RecordingHotkey hotkeys;
-        hotkeys.taken = {kCtrl1};
-        Commands commands;
-        HotkeyTable table(hotkeys, commands);
-        commands.set(Command::Capture, [] {});
-        commands.set(Command::PinClipboard, [] {});
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("注册热键失败：capture .* taken")));
-        table.apply(SettingsConfig());
-        QCOMPARE(table.errors(), (QMap<QString, QString>{{QStringLiteral("capture"), QStringLiteral("taken")}}));
-        QCOMPARE(hotkeys.bound, (QMap<int, KeyCombo>{{HotkeyTable::PinClipboard, kCtrl2}}));
+        m_table->apply(config);
+        QCOMPARE(m_hotkeys->bound.keys(), QList<int>{HotkeyTable::History});
+        QVERIFY(m_table->errors().isEmpty());
     }
 
     void aChangeElsewhereInTheSettingsRegistersNothingAnew()
     {
-        RecordingHotkey hotkeys;
-        Commands commands;
-        HotkeyTable table(hotkeys, commands);
-        commands.set(Command::Capture, [] {});
+        m_commands->set(Command::Capture, [] {});
         SettingsConfig config;
-        table.apply(config);
+        m_table->apply(config);
         config.showMagnifier = false;
         config.historyHotkey = {true, kCtrl2};
-        table.apply(config);
-        QCOMPARE(hotkeys.registrations, 1);
+        m_table->apply(config);
+        QCOMPARE(m_hotkeys->registrations, 1);
         config.captureHotkey.combo = kCtrl2;
-        table.apply(config);
-        QCOMPARE(hotkeys.registrations, 2);
+        m_table->apply(config);
+        QCOMPARE(m_hotkeys->registrations, 2);
     }
 
     void aFailedRowIsTriedAgainAndTheOthersAreLeftAlone()
     {
-        RecordingHotkey hotkeys;
-        hotkeys.taken = {kCtrl1};
-        Commands commands;
-        HotkeyTable table(hotkeys, commands);
-        commands.set(Command::Capture, [] {});
-        commands.set(Command::PinClipboard, [] {});
+        m_hotkeys->taken = {kCtrl1};
+        m_commands->set(Command::Capture, [] {});
+        m_commands->set(Command::PinClipboard, [] {});
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("注册热键失败：capture .* taken")));
-        table.apply(SettingsConfig());
-        table.apply(SettingsConfig());
-        QVERIFY(table.mayRecover());
-        hotkeys.taken.clear();
-        table.apply(SettingsConfig());
-        QVERIFY(table.errors().isEmpty());
-        QVERIFY(!table.mayRecover());
-        QCOMPARE(hotkeys.bound.size(), 2);
-        QCOMPARE(hotkeys.registrations, 4); // the capture row three times, the other once
+        m_table->apply(SettingsConfig());
+        QCOMPARE(m_table->errors(), (QMap<QString, QString>{{QStringLiteral("capture"), QStringLiteral("taken")}}));
+        QCOMPARE(m_hotkeys->bound, (QMap<int, KeyCombo>{{HotkeyTable::PinClipboard, kCtrl2}}));
+        m_table->apply(SettingsConfig());
+        QVERIFY(m_table->mayRecover());
+        m_hotkeys->taken.clear();
+        m_table->apply(SettingsConfig());
+        QVERIFY(m_table->errors().isEmpty());
+        QVERIFY(!m_table->mayRecover());
+        QCOMPARE(m_hotkeys->bound.size(), 2);
+        QCOMPARE(m_hotkeys->registrations, 4); // the capture row three times, the other once
     }
 
     void theStopKeyIsThereWhileARecordingRuns()
     {
-        RecordingHotkey hotkeys;
-        Commands commands;
-        HotkeyTable table(hotkeys, commands);
         int stops = 0;
         int records = 0;
-        commands.set(Command::StopRecording, [&stops] { ++stops; });
-        commands.set(Command::Record, [&records] { ++records; });
+        m_commands->set(Command::StopRecording, [&stops] { ++stops; });
+        m_commands->set(Command::Record, [&records] { ++records; });
         SettingsConfig config;
         config.recordHotkey = {true, kCtrl1};
         config.recordStopHotkey = {true, kCtrl2};
         config.captureHotkey.enabled = false;
-        table.apply(config);
-        table.dispatch(HotkeyTable::RecordStop);
+        m_table->apply(config);
+        m_table->dispatch(HotkeyTable::RecordStop);
         QCOMPARE(stops, 0);
-        table.setRecording(true, config);
-        QCOMPARE(hotkeys.bound,
+        m_table->setRecording(true, config);
+        QCOMPARE(m_hotkeys->bound,
                  (QMap<int, KeyCombo>{{HotkeyTable::Record, kCtrl1}, {HotkeyTable::RecordStop, kCtrl2}}));
-        table.dispatch(HotkeyTable::RecordStop);
+        m_table->dispatch(HotkeyTable::RecordStop);
         QCOMPARE(stops, 1);
 
         config.recordStopHotkey.combo = kCtrl1; // one key begins and ends it
-        table.apply(config);
-        QCOMPARE(hotkeys.bound.keys(), QList<int>{HotkeyTable::Record});
+        m_table->apply(config);
+        QCOMPARE(m_hotkeys->bound.keys(), QList<int>{HotkeyTable::Record});
         config.recordHotkey.enabled = false;
-        table.apply(config);
-        QCOMPARE(hotkeys.bound, (QMap<int, KeyCombo>{{HotkeyTable::RecordStop, kCtrl1}}));
-        table.setRecording(false, config);
-        QVERIFY(hotkeys.bound.isEmpty());
+        m_table->apply(config);
+        QCOMPARE(m_hotkeys->bound, (QMap<int, KeyCombo>{{HotkeyTable::RecordStop, kCtrl1}}));
+        m_table->setRecording(false, config);
+        QVERIFY(m_hotkeys->bound.isEmpty());
         QCOMPARE(records, 0);
     }
 
-    void aPressRunsItsOperationAndAnUnknownIdNothing()
-    {
-        RecordingHotkey hotkeys;
-        Commands commands;
-        HotkeyTable table(hotkeys, commands);
-        int captures = 0;
-        commands.set(Command::Capture, [&captures] { ++captures; });
-        table.dispatch(HotkeyTable::Capture);
-        table.dispatch(HotkeyTable::Edit);
-        table.dispatch(-1);
-        QCOMPARE(captures, 1);
-    }
+private:
+    std::unique_ptr<RecordingHotkey> m_hotkeys;
+    std::unique_ptr<Commands> m_commands;
+    std::unique_ptr<HotkeyTable> m_table;
 };
 
 TAVREL_TEST_MAIN(QGuiApplication, HotkeyTableTest)

@@ -68,7 +68,6 @@ private Q_SLOTS:
         QTest::addColumn<qint64>("bytes");
         QTest::addColumn<QByteArray>("tail");
         QTest::newRow("whole file") << qint64(100) << QByteArray("first\nsecond\nthird\n");
-        QTest::newRow("exactly the file") << qint64(19) << QByteArray("first\nsecond\nthird\n");
         QTest::newRow("within a line") << qint64(10) << QByteArray("third\n");
         QTest::newRow("no line end") << qint64(3) << QByteArray();
     }

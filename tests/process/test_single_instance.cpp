@@ -53,18 +53,19 @@ class SingleInstanceTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void init() { m_folder = std::make_unique<QTemporaryDir>(); }
+    void cleanup() { m_holder.reset(); }
+
     void aSecondStartHandsItsRequestOver()
     {
-        QTemporaryDir folder;
-        SingleInstance first(folder.path());
-        QCOMPARE(first.claim({}, kQuick), SingleInstance::Claim::Held);
-        first.listen();
+        SingleInstance &first = listening();
         QSignalSpy spy(&first, &SingleInstance::requested);
 
         const HandOver request{.files = {QStringLiteral("a.TAVREL"), QStringLiteral("b.png")},
                                .commands = {Command::Capture, Command::Quit},
                                .cwd = QStringLiteral("/data")};
-        auto claim = elsewhere([&] { return SingleInstance(folder.path()).claim(request, {.connectWait = 5000ms}); });
+        auto claim =
+            elsewhere([&] { return SingleInstance(m_folder->path()).claim(request, {.connectWait = 5000ms}); });
         QTRY_COMPARE(spy.count(), 1);
         QCOMPARE(claim.get(), SingleInstance::Claim::HandedOver);
         const auto received = spy.first().first().value<HandOver>();
@@ -74,15 +75,12 @@ private Q_SLOTS:
 
     void sendersThatAreGoneBeforeTheHolderLooksAreHeardInOrder()
     {
-        QTemporaryDir folder;
-        SingleInstance holder(folder.path());
-        QCOMPARE(holder.claim({}, kQuick), SingleInstance::Claim::Held);
-        holder.listen();
+        SingleInstance &holder = listening();
         QSignalSpy spy(&holder, &SingleInstance::requested);
         for (int i = 0; i < 5; ++i) {
             QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("没有应答")));
             // Nothing is accepted in between: this thread runs the holder's event loop only below.
-            QCOMPARE(SingleInstance(folder.path()).claim({.files = {QString::number(i)}}, kQuick),
+            QCOMPARE(SingleInstance(m_folder->path()).claim({.files = {QString::number(i)}}, kQuick),
                      SingleInstance::Claim::HandedOver);
         }
         QTRY_COMPARE(spy.count(), 5);
@@ -92,10 +90,7 @@ private Q_SLOTS:
 
     void onlyTheUserMayReachTheSocket()
     {
-        QTemporaryDir folder;
-        SingleInstance instance(folder.path());
-        QCOMPARE(instance.claim({}, kQuick), SingleInstance::Claim::Held);
-        instance.listen();
+        SingleInstance &instance = listening();
         const auto others = QFile::ReadOther | QFile::WriteOther | QFile::ReadGroup | QFile::WriteGroup;
         QVERIFY(!(QFileInfo(instance.socketPath()).permissions() & others));
     }
@@ -116,10 +111,7 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, bytes);
         QFETCH(int, requests);
-        QTemporaryDir folder;
-        SingleInstance instance(folder.path());
-        QCOMPARE(instance.claim({}, kQuick), SingleInstance::Claim::Held);
-        instance.listen();
+        SingleInstance &instance = listening();
         QSignalSpy spy(&instance, &SingleInstance::requested);
         if (bytes.size() > SingleInstance::kMaxLineBytes)
             QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("启动请求过长")));
@@ -137,14 +129,11 @@ private Q_SLOTS:
 
     void aRequestLargerThanASocketBufferArrivesWhole()
     {
-        QTemporaryDir folder;
-        SingleInstance holder(folder.path());
-        QCOMPARE(holder.claim({}, kQuick), SingleInstance::Claim::Held);
-        holder.listen();
+        SingleInstance &holder = listening();
         QSignalSpy spy(&holder, &SingleInstance::requested);
         const HandOver request{.files = {QString(SingleInstance::kMaxLineBytes - 1000, u'x')}};
         auto claim = elsewhere([&] {
-            return SingleInstance(folder.path())
+            return SingleInstance(m_folder->path())
                 .claim(request, {.connectWait = 5000ms, .writeWait = 60000ms, .answerWait = 60000ms});
         });
         QTRY_COMPARE(spy.count(), 1);
@@ -154,10 +143,7 @@ private Q_SLOTS:
 
     void aLineThatNeverEndsIsDropped()
     {
-        QTemporaryDir folder;
-        SingleInstance instance(folder.path());
-        QCOMPARE(instance.claim({}, kQuick), SingleInstance::Claim::Held);
-        instance.listen(1ms);
+        SingleInstance &instance = listening(1ms);
         QSignalSpy spy(&instance, &SingleInstance::requested);
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("启动请求不完整")));
         QLocalSocket endless;
@@ -169,10 +155,7 @@ private Q_SLOTS:
 
     void aSlowSenderHoldsNobodyUp()
     {
-        QTemporaryDir folder;
-        SingleInstance instance(folder.path());
-        QCOMPARE(instance.claim({}, kQuick), SingleInstance::Claim::Held);
-        instance.listen(10min);
+        SingleInstance &instance = listening(10min);
         QSignalSpy spy(&instance, &SingleInstance::requested);
         QLocalSocket slow;
         slow.connectToServer(instance.socketPath());
@@ -189,11 +172,10 @@ private Q_SLOTS:
 
     void aHolderThatDoesNotAnswerIsGivenUp()
     {
-        QTemporaryDir folder;
-        SingleInstance holder(folder.path());
+        SingleInstance holder(m_folder->path());
         QCOMPARE(holder.claim({}, kQuick), SingleInstance::Claim::Held); // and never listens
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("连不上它：继续启动")));
-        SingleInstance second(folder.path());
+        SingleInstance second(m_folder->path());
         QCOMPARE(second.claim({}, kQuick), SingleInstance::Claim::HolderUnreachable);
         second.listen(); // without the lock there is no server
         QVERIFY(!QFileInfo::exists(second.socketPath()));
@@ -201,11 +183,11 @@ private Q_SLOTS:
 
     void aHolderOnItsWayOutIsFollowed()
     {
-        QTemporaryDir folder;
-        auto holder = std::make_unique<SingleInstance>(folder.path());
+        auto holder = std::make_unique<SingleInstance>(m_folder->path());
         QCOMPARE(holder->claim({}, kQuick), SingleInstance::Claim::Held); // its server is closed already
-        auto next = elsewhere([&folder] {
-            return SingleInstance(folder.path()).claim({}, {.lockWait = 1ms, .rounds = 1'000'000, .roundPause = 1ms});
+        auto next = elsewhere([this] {
+            return SingleInstance(m_folder->path())
+                .claim({}, {.lockWait = 1ms, .rounds = 1'000'000, .roundPause = 1ms});
         });
         holder.reset();
         QCOMPARE(next.get(), SingleInstance::Claim::Held);
@@ -213,9 +195,8 @@ private Q_SLOTS:
 
     void withoutAPlaceForTheLockNobodyIsWaitedFor()
     {
-        QTemporaryDir folder;
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("单实例锁无法建立")));
-        SingleInstance instance(folder.filePath(QStringLiteral("missing")));
+        SingleInstance instance(m_folder->filePath(QStringLiteral("missing")));
         QCOMPARE(instance.claim({}, {.rounds = 1'000'000}), SingleInstance::Claim::HolderUnreachable);
     }
 
@@ -230,8 +211,7 @@ private Q_SLOTS:
     void aLockFileThatNobodyHoldsIsTakenOver()
     {
         QFETCH(QByteArray, content);
-        QTemporaryDir folder;
-        SingleInstance instance(folder.path());
+        SingleInstance instance(m_folder->path());
         QFile lock(instance.lockPath());
         QVERIFY(lock.open(QIODevice::WriteOnly) && lock.write(content) == content.size());
         lock.close();
@@ -239,20 +219,33 @@ private Q_SLOTS:
         QCOMPARE(instance.claim({}, kQuick), SingleInstance::Claim::Held);
         // And now it is really held.
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("连不上它：继续启动")));
-        QCOMPARE(SingleInstance(folder.path()).claim({}, kQuick), SingleInstance::Claim::HolderUnreachable);
+        QCOMPARE(SingleInstance(m_folder->path()).claim({}, kQuick), SingleInstance::Claim::HolderUnreachable);
     }
 
     void theRuntimeFolderMustBePrivate()
     {
-        QTemporaryDir folder;
         const QByteArray before = qgetenv("XDG_RUNTIME_DIR");
-        qputenv("XDG_RUNTIME_DIR", folder.path().toLocal8Bit());
-        QFile::setPermissions(folder.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        QVERIFY(SingleInstance().socketPath().startsWith(folder.path()));
-        QFile::setPermissions(folder.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner | QFile::ExeOther);
-        QVERIFY(!SingleInstance().socketPath().startsWith(folder.path()));
+        qputenv("XDG_RUNTIME_DIR", m_folder->path().toLocal8Bit());
+        QFile::setPermissions(m_folder->path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        QVERIFY(SingleInstance().socketPath().startsWith(m_folder->path()));
+        QFile::setPermissions(m_folder->path(),
+                              QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner | QFile::ExeOther);
+        QVERIFY(!SingleInstance().socketPath().startsWith(m_folder->path()));
         qputenv("XDG_RUNTIME_DIR", before);
     }
+
+private:
+    /// The instance that holds the folder of this test.
+    SingleInstance &listening(std::chrono::milliseconds lineWait = SingleInstance::kLineWait)
+    {
+        m_holder = std::make_unique<SingleInstance>(m_folder->path());
+        [this] { QCOMPARE(m_holder->claim({}, kQuick), SingleInstance::Claim::Held); }();
+        m_holder->listen(lineWait);
+        return *m_holder;
+    }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<SingleInstance> m_holder;
 };
 
 TAVREL_TEST_MAIN(QGuiApplication, SingleInstanceTest)

@@ -15,9 +15,7 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("written");
-        QTest::newRow("two modifiers") << QStringLiteral("ctrl+shift+49") << QStringLiteral("ctrl+shift+49");
         QTest::newRow("order and case") << QStringLiteral(" Meta +ALT+ 65") << QStringLiteral("alt+meta+65");
-        QTest::newRow("no modifier") << QStringLiteral("46") << QStringLiteral("46");
         QTest::newRow("empty parts") << QStringLiteral("ctrl++49") << QStringLiteral("ctrl+49");
         QTest::newRow("full-width letter") << QStringLiteral("ctrl+65313") << QStringLiteral("ctrl+65");
         QTest::newRow("invalid: empty") << QString() << QString();
@@ -41,12 +39,9 @@ private Q_SLOTS:
         QTest::addColumn<int>("key");
         QTest::newRow("ideographic comma") << 0x3001 << false << int('\\');
         QTest::newRow("ideographic comma, shift") << 0x3001 << true << int(',');
-        QTest::newRow("full stop") << 0x3002 << false << int('.');
-        QTest::newRow("quote") << 0x201d << true << int('"');
         QTest::newRow("bracket") << 0x3010 << false << int('[');
         QTest::newRow("full-width digit") << 0xff11 << false << int('1');
         QTest::newRow("no plain form") << 0x4e2d << false << 0x4e2d;
-        QTest::newRow("special key") << int(Qt::Key_F5) << false << int(Qt::Key_F5);
     }
 
     void aPressUnderAnInputMethodEqualsTheOneWithoutIt()
@@ -75,12 +70,6 @@ private Q_SLOTS:
         QVERIFY(isGlobalHotkeyCombo({.key = Qt::Key_F1}));
         QVERIFY(isGlobalHotkeyCombo({.key = Qt::Key_F35}));
         QVERIFY(!isGlobalHotkeyCombo({.ctrl = true}));
-    }
-
-    void isShownInTheOrderOfTheKeyboard()
-    {
-        QCOMPARE((KeyCombo{.key = 65, .ctrl = true, .shift = true, .alt = true, .meta = true}.toDisplayText()),
-                 QStringLiteral("Ctrl+Shift+Alt+Win+A"));
     }
 };
 

@@ -72,15 +72,10 @@ private Q_SLOTS:
             QTest::newRow(name) << QByteArray(stored) << QByteArray(expected);
         };
         row("unknown theme", "'theme':'blue'", "'theme':'system'");
-        row("theme of another type", "'theme':7", "'theme':'system'");
-        row("known language", "'language':'pt-BR'", "'language':'pt-BR'");
         row("unknown language", "'language':'tlh'", "'language':'system'");
         row("retention outside the set", "'historyRetentionDays':45", "'historyRetentionDays':90");
         row("retention kept for ever", "'historyRetentionDays':0", "'historyRetentionDays':0");
-        row("megabytes outside the set", "'historyMaxMegabytes':4096", "'historyMaxMegabytes':0");
         row("opacity too low", "'pinInitialOpacity':0.01", "'pinInitialOpacity':0.05");
-        row("opacity too high", "'pinInitialOpacity':1e300", "'pinInitialOpacity':1");
-        row("counter negative", "'filenameCounter':-3", "'filenameCounter':0");
         row("counter at the end of int", "'filenameCounter':2147483647", "'filenameCounter':2147483646");
         row("counter beyond int", "'filenameCounter':1e12", "'filenameCounter':0");
         row("blank template", "'filenameFormat':'  '", "'filenameFormat':'Tavrel_{{yyyyMMdd}}_{{HHmmss}}'");
@@ -100,7 +95,6 @@ private Q_SLOTS:
         row("palette of another type", "'paletteColors':'#FF0000','customColors':['#123456']",
             "'paletteColors':['#F93442','#FF8C00','#FFE103','#40D651','#2ECFC1','#007AFF','#8A51FF','#FE2E6B',"
             "'#FFFFFF','#000000']");
-        row("palette emptied", "'paletteColors':[]", "'paletteColors':[]");
     }
 
     void readsOneFieldByItsRule()
@@ -161,9 +155,6 @@ private Q_SLOTS:
             "'historyHotkey':{'enabled':false,'combo':''}");
         row("5: Ctrl+Shift+3 stays", "'configSchemaVersion':5,'historyHotkey':{'enabled':true,'combo':'ctrl+shift+51'}",
             "'historyHotkey':{'enabled':true,'combo':'ctrl+shift+51'}");
-        row("5: stop hotkey with a key of its own",
-            "'configSchemaVersion':5,'recordStopHotkey':{'enabled':true,'combo':'ctrl+54'}",
-            "'recordStopHotkey':{'enabled':true,'combo':'ctrl+54'}");
         row("5: Ctrl+5 of stopping", "'configSchemaVersion':5,'recordStopHotkey':{'enabled':true,'combo':'ctrl+53'}",
             "'recordStopHotkey':{'enabled':false,'combo':''}");
         row("5: capture switched off comes back", "'configSchemaVersion':5,'captureHotkey':{'enabled':false}",
@@ -213,9 +204,7 @@ private Q_SLOTS:
         QTest::addColumn<bool>("kept");
         QTest::newRow("first run") << QString() << false;
         QTest::newRow("empty object") << QStringLiteral("{}") << false;
-        QTest::newRow("truncated") << QStringLiteral("{\"configSchemaVersion\":9,\"theme\":\"da") << true;
         QTest::newRow("an array") << QStringLiteral("[1,2]") << true;
-        QTest::newRow("no JSON at all") << QStringLiteral("hello") << true;
     }
 
     void aBrokenValueDoesNotStopTheStart()
