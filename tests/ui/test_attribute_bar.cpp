@@ -61,47 +61,33 @@ private Q_SLOTS:
     }
 
     /// Which controls each tool has, in their order.
-    void everyToolHasItsControls_data()
-    {
-        QTest::addColumn<ToolType>("tool");
-        QTest::addColumn<QString>("controls");
-        QTest::newRow("none") << ToolType::None << u""_qs;
-        QTest::newRow("undo") << ToolType::Undo << u""_qs;
-        QTest::newRow("rect") << ToolType::Rect << u"rect* circle thickness moreColors"_qs;
-        QTest::newRow("circle") << ToolType::Circle << u"rect circle* thickness moreColors"_qs;
-        QTest::newRow("arrow")
-            << ToolType::Arrow
-            << u"arrowStandard* arrowWedge arrowOutline arrowLine arrowDouble thickness moreColors"_qs;
-        QTest::newRow("line")
-            << ToolType::Line
-            << u"arrowStandard arrowWedge arrowOutline arrowLine* arrowDouble thickness moreColors"_qs;
-        QTest::newRow("pen") << ToolType::Pen << u"thickness moreColors"_qs;
-        QTest::newRow("marker") << ToolType::Marker << u"freehand* markerRect thickness moreColors"_qs;
-        QTest::newRow("eraser") << ToolType::Eraser << u"attrHintPill"_qs;
-        QTest::newRow("sequence") << ToolType::Sequence
-                                  << u"sequenceType seqValue sequenceArrow fontSize moreColors"_qs;
-        QTest::newRow("mosaic") << ToolType::Mosaic << u"mosaic* blur mosaicPen blockSize"_qs;
-        QTest::newRow("brush") << ToolType::MosaicPen << u"mosaic blur mosaicPen* blockSize"_qs;
-        QTest::newRow("erase") << ToolType::SmartErase << u"eraseSubject* eraseBox"_qs;
-        QTest::newRow("spotlight") << ToolType::Spotlight << u"rect* circle dim1 dim2* dim3"_qs;
-        QTest::newRow("watermark") << ToolType::Watermark
-                                   << u"watermarkEdit clock watermarkMode opacity fontSize moreColors"_qs;
-        QTest::newRow("magnifier") << ToolType::Magnifier << u"rect circle* attrValuePill thickness moreColors"_qs;
-        QTest::newRow("text") << ToolType::Text
-                              << u"fontSize textStd* textBorder textBg textRound fontFamily moreColors"_qs;
-    }
-
     void everyToolHasItsControls()
     {
-        QFETCH(ToolType, tool);
-        QFETCH(QString, controls);
+        const std::pair<ToolType, QString> rows[]{
+            {ToolType::Undo, {}},
+            {ToolType::Rect, u"rect* circle thickness moreColors"_qs},
+            {ToolType::Circle, u"rect circle* thickness moreColors"_qs},
+            {ToolType::Arrow, u"arrowStandard* arrowWedge arrowOutline arrowLine arrowDouble thickness moreColors"_qs},
+            {ToolType::Line, u"arrowStandard arrowWedge arrowOutline arrowLine* arrowDouble thickness moreColors"_qs},
+            {ToolType::Pen, u"thickness moreColors"_qs},
+            {ToolType::Marker, u"freehand* markerRect thickness moreColors"_qs},
+            {ToolType::Eraser, u"attrHintPill"_qs},
+            {ToolType::Sequence, u"sequenceType seqValue sequenceArrow fontSize moreColors"_qs},
+            {ToolType::MosaicPen, u"mosaic blur mosaicPen* blockSize"_qs},
+            {ToolType::SmartErase, u"eraseSubject* eraseBox"_qs},
+            {ToolType::Spotlight, u"rect* circle dim1 dim2* dim3"_qs},
+            {ToolType::Watermark, u"watermarkEdit clock watermarkMode opacity fontSize moreColors"_qs},
+            {ToolType::Magnifier, u"rect circle* attrValuePill thickness moreColors"_qs},
+            {ToolType::Text, u"fontSize textStd* textBorder textBg textRound fontFamily moreColors"_qs}};
         for (const int width : {0, 300}) { // in one line, and as rows
-            m_bar->setFixedBarWidth(width);
-            m_bar->setTool(tool);
-            QCOMPARE(controlNames().join(u' '), controls);
-            for (const QWidget *control : m_bar->findChildren<QWidget *>()) {
-                if (control->focusPolicy() == Qt::TabFocus || qobject_cast<const QLineEdit *>(control))
-                    QVERIFY2(!control->accessibleName().isEmpty(), qPrintable(control->objectName()));
+            for (const auto &[tool, controls] : rows) {
+                m_bar->setFixedBarWidth(width);
+                m_bar->setTool(tool);
+                QCOMPARE(controlNames().join(u' '), controls);
+                for (const QWidget *control : m_bar->findChildren<QWidget *>()) {
+                    if (control->focusPolicy() == Qt::TabFocus || qobject_cast<const QLineEdit *>(control))
+                        QVERIFY2(!control->accessibleName().isEmpty(), qPrintable(control->objectName()));
+                }
             }
         }
     }
@@ -191,31 +177,20 @@ private Q_SLOTS:
         QTRY_VERIFY(!m_bar->findChild<QWidget *>(QStringLiteral("snapLine")));
     }
 
-    void numbersAreTyped_data()
-    {
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<int>("next");
-        QTest::newRow("middle") << u"42"_qs << 42;
-        QTest::newRow("too many digits") << u"1000"_qs << 100;
-        QTest::newRow("zero") << u"0"_qs << 1;
-        QTest::newRow("zero in front") << u"01"_qs << 1;
-        QTest::newRow("nothing") << u""_qs << 1;
-    }
-
     void numbersAreTyped()
     {
-        QFETCH(QString, typed);
-        QFETCH(int, next);
         m_bar->setTool(ToolType::Sequence);
-        auto *field = m_bar->findChild<QLineEdit *>(QStringLiteral("seqValue"));
-        field->setFocus();
-        field->selectAll();
-        QTest::keyClick(field, Qt::Key_Delete);
-        QTest::keyClicks(field, typed);
-        QTest::keyClick(field, Qt::Key_Return);
-        QCOMPARE(m_document->sequenceValue(), next);
-        QVERIFY(m_window->hasFocus());
-        QTRY_COMPARE(m_bar->findChild<QLineEdit *>(QStringLiteral("seqValue"))->text(), QString::number(next));
+        for (const auto &[typed, next] : {std::pair(u"0"_qs, 1), {u""_qs, 1}, {u"42"_qs, 42}, {u"1000"_qs, 100}}) {
+            auto *field = m_bar->findChild<QLineEdit *>(QStringLiteral("seqValue"));
+            field->setFocus();
+            field->selectAll();
+            QTest::keyClick(field, Qt::Key_Delete);
+            QTest::keyClicks(field, typed);
+            QTest::keyClick(field, Qt::Key_Return);
+            QCOMPARE(m_document->sequenceValue(), next);
+            QVERIFY(m_window->hasFocus());
+            QTRY_COMPARE(m_bar->findChild<QLineEdit *>(QStringLiteral("seqValue"))->text(), QString::number(next));
+        }
     }
 
     /// Nothing that is typed reaches the keys of the window behind.
@@ -247,29 +222,17 @@ private Q_SLOTS:
         QCOMPARE(m_document->shapes().size(), 0); // one state for all that was typed
     }
 
-    void timeBlocksGoAsAWhole_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<int>("cursor");
-        QTest::addColumn<QString>("left");
-        QTest::newRow("right behind") << u"on {{yyyy}}"_qs << 11 << u"on "_qs;
-        QTest::newRow("inside") << u"on {{yyyy}}!"_qs << 7 << u"on !"_qs;
-        QTest::newRow("between the braces") << u"{{dd}}"_qs << 1 << u""_qs;
-        QTest::newRow("not closed") << u"{{dd"_qs << 4 << u"{{d"_qs;
-        QTest::newRow("at the start") << u"{{dd}}"_qs << 0 << u"{{dd}}"_qs;
-    }
-
     void timeBlocksGoAsAWhole()
     {
-        QFETCH(QString, text);
-        QFETCH(int, cursor);
-        QFETCH(QString, left);
-        ui::WatermarkEdit edit;
-        edit.setText(text);
-        edit.setCursorPosition(cursor);
-        QTest::keyClick(&edit, Qt::Key_Backspace);
-        QCOMPARE(edit.text(), left);
-        if (left != text) {
+        for (const auto &[text, cursor, left] : {std::tuple(u"on {{yyyy}}"_qs, 11, u"on "_qs),
+                                                 {u"on {{yyyy}}!"_qs, 7, u"on !"_qs},
+                                                 {u"{{dd}}"_qs, 1, u""_qs},
+                                                 {u"{{dd"_qs, 4, u"{{d"_qs}}) {
+            ui::WatermarkEdit edit;
+            edit.setText(text);
+            edit.setCursorPosition(cursor);
+            QTest::keyClick(&edit, Qt::Key_Backspace);
+            QCOMPARE(edit.text(), left);
             edit.undo();
             QCOMPARE(edit.text(), text);
         }

@@ -30,12 +30,9 @@ class TestColorChipRow : public QObject
 private Q_SLOTS:
     void init();
     void cleanup();
-    void drops_data();
     void drops();
     void aSmallMoveIsAClick();
-    void escapeAndHidingCancel_data();
     void escapeAndHidingCancel();
-    void changesInTheMiddleOfADrag_data();
     void changesInTheMiddleOfADrag();
     void theRowMayGoInTheMiddleOfADrag();
 
@@ -91,44 +88,38 @@ void TestColorChipRow::cleanup()
     m_library.reset();
 }
 
-void TestColorChipRow::drops_data()
-{
-    QTest::addColumn<QPoint>("from");
-    QTest::addColumn<QPoint>("to"); // cells of a row of 5 columns with 8 colours
-    QTest::addColumn<QList<int>>("expected");
-    const QList<int> same{0, 1, 2, 3, 4, 5, 6, 7};
-    QTest::newRow("to the right") << QPoint(1, 0) << QPoint(3, 0) << QList<int>{0, 2, 3, 1, 4, 5, 6, 7};
-    QTest::newRow("to the left") << QPoint(3, 0) << QPoint(0, 0) << QList<int>{3, 0, 1, 2, 4, 5, 6, 7};
-    QTest::newRow("to the next row") << QPoint(0, 0) << QPoint(1, 1) << QList<int>{1, 2, 3, 4, 5, 6, 0, 7};
-    QTest::newRow("behind everything") << QPoint(0, 0) << QPoint(4, 1) << QList<int>{1, 2, 3, 4, 5, 6, 7, 0};
-    QTest::newRow("back to its place") << QPoint(2, 0) << QPoint(2, 0) << same;
-    QTest::newRow("beside the row") << QPoint(1, 0) << QPoint(7, 0) << same;
-    QTest::newRow("below the row") << QPoint(1, 0) << QPoint(3, 3) << same;
-}
-
 void TestColorChipRow::drops()
 {
-    QFETCH(QPoint, from);
-    QFETCH(QPoint, to);
-    makeRow(5, 8);
-    QSignalSpy chosen(m_row, &ColorChipRow::colorChosen);
-    press(cell(from.x(), from.y()));
-    moveTo(cell(from.x(), from.y()) + QPoint(14, 6));
-    QVERIFY(m_row->isDragging());
-    moveTo(cell(to.x(), to.y()));
-    release(cell(to.x(), to.y()));
-    QVERIFY(!m_row->isDragging());
-    QTEST(order(), "expected");
-    QCOMPARE(chosen.count(), 0); // a drag is no click
-    QVERIFY(ghosts().isEmpty());
-    for (int i = 0; i < m_row->chips().size(); ++i) {
-        QCOMPARE(m_row->chips()[i]->hex(), m_library->colors()[i]);
-        QCOMPARE(m_row->chips()[i]->pos(), m_row->cellPosition(i));
+    const QList<int> same{0, 1, 2, 3, 4, 5, 6, 7};
+    // Cells of a row of 5 columns with 8 colours.
+    const std::tuple<QPoint, QPoint, QList<int>> rows[]{{{1, 0}, {3, 0}, {0, 2, 3, 1, 4, 5, 6, 7}},
+                                                        {{3, 0}, {0, 0}, {3, 0, 1, 2, 4, 5, 6, 7}},
+                                                        {{0, 0}, {1, 1}, {1, 2, 3, 4, 5, 6, 0, 7}},
+                                                        {{0, 0}, {4, 1}, {1, 2, 3, 4, 5, 6, 7, 0}},
+                                                        {{2, 0}, {2, 0}, same},
+                                                        {{1, 0}, {7, 0}, same},
+                                                        {{1, 0}, {3, 3}, same}};
+    for (const auto &[from, to, expected] : rows) {
+        makeRow(5, 8);
+        QSignalSpy chosen(m_row, &ColorChipRow::colorChosen);
+        press(cell(from.x(), from.y()));
+        moveTo(cell(from.x(), from.y()) + QPoint(14, 6));
+        QVERIFY(m_row->isDragging());
+        moveTo(cell(to.x(), to.y()));
+        release(cell(to.x(), to.y()));
+        QVERIFY(!m_row->isDragging());
+        QCOMPARE(order(), expected);
+        QCOMPARE(chosen.count(), 0); // a drag is no click
+        QVERIFY(ghosts().isEmpty());
+        for (int i = 0; i < m_row->chips().size(); ++i) {
+            QCOMPARE(m_row->chips()[i]->hex(), m_library->colors()[i]);
+            QCOMPARE(m_row->chips()[i]->pos(), m_row->cellPosition(i));
+        }
+        press(cell(0)); // and the next click is one
+        release(cell(0));
+        QCOMPARE(chosen.count(), 1);
+        delete m_row;
     }
-    // And the next click is one.
-    press(cell(0));
-    release(cell(0));
-    QCOMPARE(chosen.count(), 1);
 }
 
 void TestColorChipRow::aSmallMoveIsAClick()
@@ -143,74 +134,49 @@ void TestColorChipRow::aSmallMoveIsAClick()
     QCOMPARE(chosen.first().value(0).toString(), QStringLiteral("#000002"));
 }
 
-void TestColorChipRow::escapeAndHidingCancel_data()
-{
-    QTest::addColumn<bool>("byKey");
-    QTest::newRow("escape") << true;
-    QTest::newRow("hidden") << false;
-}
-
 void TestColorChipRow::escapeAndHidingCancel()
 {
-    QFETCH(bool, byKey);
-    makeRow(5, 8);
-    QSignalSpy chosen(m_row, &ColorChipRow::colorChosen);
-    press(cell(1));
-    moveTo(cell(3));
-    QVERIFY(m_row->isDragging());
-    if (byKey)
-        QTest::keyClick(m_row->chips()[1], Qt::Key_Escape);
-    else
-        m_row->hide();
-    QVERIFY(!m_row->isDragging());
-    QVERIFY(ghosts().isEmpty());
-    moveTo(cell(2));
-    QVERIFY(!m_row->isDragging());
-    release(cell(2));
-    QCOMPARE(order(), (QList<int>{0, 1, 2, 3, 4, 5, 6, 7}));
-    QCOMPARE(chosen.count(), 0);
-}
-
-void TestColorChipRow::changesInTheMiddleOfADrag_data()
-{
-    QTest::addColumn<int>("change");
-    QTest::addColumn<QList<int>>("expected");
-    QTest::newRow("another palette") << 0 << QList<int>{0, 1, 2};
-    QTest::newRow("the dragged colour removed") << 1 << QList<int>{0, 2, 3, 4, 5, 6, 7};
-    QTest::newRow("emptied") << 2 << QList<int>{};
-    QTest::newRow("library gone") << 3 << QList<int>{};
+    for (const bool byKey : {true, false}) {
+        makeRow(5, 8);
+        QSignalSpy chosen(m_row, &ColorChipRow::colorChosen);
+        press(cell(1));
+        moveTo(cell(3));
+        QVERIFY(m_row->isDragging());
+        if (byKey)
+            QTest::keyClick(m_row->chips()[1], Qt::Key_Escape);
+        else
+            m_row->hide();
+        QVERIFY(!m_row->isDragging() && ghosts().isEmpty());
+        moveTo(cell(2));
+        QVERIFY(!m_row->isDragging());
+        release(cell(2));
+        QCOMPARE(order(), (QList<int>{0, 1, 2, 3, 4, 5, 6, 7}));
+        QCOMPARE(chosen.count(), 0);
+        delete m_row;
+    }
 }
 
 void TestColorChipRow::changesInTheMiddleOfADrag()
 {
-    QFETCH(int, change);
-    makeRow(5, 8);
-    press(cell(1));
-    moveTo(cell(3));
-    switch (change) {
-    case 0:
-        m_library->setColors(palette(3));
-        break;
-    case 1:
-        m_library->remove(QStringLiteral("#000001"));
-        break;
-    case 2:
-        m_library->setColors({});
-        break;
-    default:
-        m_library.reset();
+    const std::function<void()> changes[]{[this] { m_library->setColors(palette(3)); },
+                                          [this] { m_library->remove(QStringLiteral("#000001")); },
+                                          [this] { m_library->setColors({}); }, [this] { m_library.reset(); }};
+    for (const auto &change : changes) {
+        makeRow(5, 8);
+        press(cell(1));
+        moveTo(cell(3));
+        change();
+        const QStringList left = m_library ? m_library->colors() : QStringList();
+        QVERIFY(!m_row->isDragging() && ghosts().isEmpty());
+        moveTo(cell(0));
+        QVERIFY(!m_row->isDragging());
+        release(cell(0));
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCOMPARE(m_row->findChildren<ColorChip *>().size(), m_row->chips().size() + 1);
+        QCOMPARE(m_row->chips().size(), left.size());
+        QVERIFY(!m_library || m_library->colors() == left); // nothing is dropped into the new one
+        delete m_row;
     }
-    QVERIFY(!m_row->isDragging());
-    QVERIFY(ghosts().isEmpty());
-    moveTo(cell(0));
-    QVERIFY(!m_row->isDragging());
-    release(cell(0));
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    QCOMPARE(m_row->findChildren<ColorChip *>().size(), m_row->chips().size() + 1);
-    if (m_library)
-        QTEST(order(), "expected");
-    else
-        QVERIFY(m_row->chips().isEmpty());
 }
 
 void TestColorChipRow::theRowMayGoInTheMiddleOfADrag()

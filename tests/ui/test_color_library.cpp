@@ -34,9 +34,7 @@ class TestColorLibrary : public QObject
 private Q_SLOTS:
     void aListIsCleanedAndCut();
     void addRefusesWhatItCannotTake();
-    void moves_data();
     void moves();
-    void colorTexts_data();
     void colorTexts();
     void hsvComesBackToTheSameColor();
 };
@@ -75,60 +73,42 @@ void TestColorLibrary::addRefusesWhatItCannotTake()
     QCOMPARE(changed.count(), 1);
 }
 
-void TestColorLibrary::moves_data()
-{
-    QTest::addColumn<int>("from");
-    QTest::addColumn<int>("to");
-    QTest::addColumn<QList<int>>("order"); // empty for none
-    QTest::newRow("just behind") << 2 << 3 << QList<int>{};
-    QTest::newRow("swap with the next") << 2 << 4 << QList<int>{0, 1, 3, 2, 4};
-    QTest::newRow("to the end") << 0 << 5 << QList<int>{1, 2, 3, 4, 0};
-    QTest::newRow("to the front") << 4 << 0 << QList<int>{4, 0, 1, 2, 3};
-    QTest::newRow("beyond the end") << 0 << 6 << QList<int>{};
-    QTest::newRow("from nowhere") << 5 << 0 << QList<int>{};
-}
-
 void TestColorLibrary::moves()
 {
-    QFETCH(int, from);
-    QFETCH(int, to);
-    QFETCH(QList<int>, order);
-    ColorLibrary library;
-    library.setColors(colorNumbers(5));
-    QSignalSpy changed(&library, &ColorLibrary::changed);
-    library.move(from, to);
-    QCOMPARE(changed.count(), order.isEmpty() ? 0 : 1);
-    QStringList expected;
-    for (const int number : order)
-        expected.append(colorNumber(number));
-    QCOMPARE(library.colors(), order.isEmpty() ? colorNumbers(5) : expected);
-}
-
-void TestColorLibrary::colorTexts_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QColor>("color"); // invalid for no colour
-    QTest::addColumn<double>("alpha"); // negative for none
-    QTest::newRow("plain") << QStringLiteral(" #12abEF ") << QColor(0x12, 0xab, 0xef) << -1.0;
-    QTest::newRow("three digits") << QStringLiteral("#1aF") << QColor(0x11, 0xaa, 0xff) << -1.0;
-    QTest::newRow("alpha") << QStringLiteral("#8012abEF") << QColor(0x12, 0xab, 0xef) << 128 / 255.0;
-    QTest::newRow("no alpha at all") << QStringLiteral("#0012abEF") << QColor(0x12, 0xab, 0xef) << 0.0;
-    QTest::newRow("bad alpha") << QStringLiteral("#zz12abEF") << QColor() << -1.0;
-    QTest::newRow("sign for a digit") << QStringLiteral("#+112abEF") << QColor() << -1.0;
-    QTest::newRow("empty") << QString() << QColor() << -1.0;
+    const std::tuple<int, int, QList<int>> rows[]{{2, 3, {}}, // just behind
+                                                  {2, 4, {0, 1, 3, 2, 4}},
+                                                  {0, 5, {1, 2, 3, 4, 0}},
+                                                  {4, 0, {4, 0, 1, 2, 3}},
+                                                  {0, 6, {}},
+                                                  {5, 0, {}}};
+    for (const auto &[from, to, order] : rows) {
+        ColorLibrary library;
+        library.setColors(colorNumbers(5));
+        QSignalSpy changed(&library, &ColorLibrary::changed);
+        library.move(from, to);
+        QCOMPARE(changed.count(), order.isEmpty() ? 0 : 1);
+        QStringList expected;
+        for (const int number : order)
+            expected.append(colorNumber(number));
+        QCOMPARE(library.colors(), order.isEmpty() ? colorNumbers(5) : expected);
+    }
 }
 
 void TestColorLibrary::colorTexts()
 {
-    QFETCH(QString, text);
-    QFETCH(QColor, color);
-    QFETCH(double, alpha);
-    const std::optional<ColorText> read = readColorText(text);
-    QCOMPARE(read.has_value(), color.isValid());
-    if (!read)
-        return;
-    QCOMPARE(read->color, color);
-    QCOMPARE(read->alpha.value_or(-1), alpha);
+    const QColor color(0x12, 0xab, 0xef);
+    const std::tuple<QString, QColor, double> rows[]{{u" #12abEF "_qs, color, -1.0}, // no alpha
+                                                     {u"#1aF"_qs, QColor(0x11, 0xaa, 0xff), -1.0},
+                                                     {u"#8012abEF"_qs, color, 128 / 255.0},
+                                                     {u"#0012abEF"_qs, color, 0.0},
+                                                     {u"#zz12abEF"_qs, {}, -1.0},
+                                                     {u"#+112abEF"_qs, {}, -1.0},
+                                                     {{}, {}, -1.0}};
+    for (const auto &[text, wanted, alpha] : rows) {
+        const std::optional<ColorText> read = readColorText(text);
+        QCOMPARE(read.value_or(ColorText()).color, wanted);
+        QCOMPARE(read ? read->alpha.value_or(-1) : -1, alpha);
+    }
 }
 
 void TestColorLibrary::hsvComesBackToTheSameColor()

