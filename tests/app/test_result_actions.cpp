@@ -10,14 +10,10 @@
 #include <QApplication>
 #include <QPushButton>
 
-#include <limits>
-
 using namespace tavrel;
 using namespace std::chrono_literals;
 
 namespace {
-
-constexpr int kLast = std::numeric_limits<int>::max();
 
 class Notices final : public IUserNotices
 {
@@ -107,19 +103,6 @@ private Q_SLOTS:
         QCOMPARE(counter(), 3);
     }
 
-    void theCounterStopsAtItsEnd()
-    {
-        setCounter(kLast - 1);
-        for (int i = 0; i < 2; ++i)
-            save();
-        QTRY_COMPARE(m_notices->shown.size(), 2);
-        QCOMPARE(counter(), kLast);
-        save();
-        QTRY_COMPARE(m_notices->shown.size(), 3);
-        QCOMPARE(counter(), kLast);
-        QCOMPARE(files().filter(QStringLiteral("shot_2147483647")).size(), 3);
-    }
-
     void theEndOfTheProgramLeavesNothingUnsaid()
     {
         QString told;
@@ -193,12 +176,6 @@ private:
     [[nodiscard]] QStringList files() const
     {
         return QDir(m_settings->config().savePath).entryList(QDir::Files, QDir::Name);
-    }
-    void setCounter(int value)
-    {
-        SettingsConfig config = m_settings->config();
-        config.filenameCounter = value;
-        m_settings->update(config);
     }
     void saveTo(const QString &path, const QString &name = {})
     {

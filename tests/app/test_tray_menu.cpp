@@ -137,25 +137,6 @@ private Q_SLOTS:
         QCoreApplication::processEvents();
     }
 
-    void recentGuidesAreNamedOrTheListSaysThatThereAreNone()
-    {
-        QList<RecentGuide> guides;
-        QStringList opened;
-        const auto tray = makeTray({.guides = [&guides] { return guides; },
-                                    .open = [&opened](const QString &folder) { opened.append(folder); }});
-        QMenu *recent = submenu(*tray, QStringLiteral("最近的指南"));
-        QCOMPARE(texts(recent), QStringList{QStringLiteral("还没有操作指南")});
-        QVERIFY(!recent->actions().first()->isEnabled());
-        for (int i = 0; i < 12; ++i)
-            guides.append({QStringLiteral("/guides/%1").arg(i), i ? QString() : QStringLiteral("First %2"), i});
-        Q_EMIT recent->aboutToShow();
-        QCOMPARE(recent->actions().size(), GuideMenus::kMaxGuides);
-        QCOMPARE(texts(recent).mid(0, 2),
-                 QStringList({QStringLiteral("First %2（0 步）"), QStringLiteral("1（1 步）")}));
-        recent->actions().at(1)->trigger();
-        QCOMPARE(opened, QStringList{QStringLiteral("/guides/1")});
-    }
-
     void messagesTakeTheFirstWayThatThereIs_data()
     {
         QTest::addColumn<bool>("service");

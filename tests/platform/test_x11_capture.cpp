@@ -136,10 +136,7 @@ private Q_SLOTS:
     }
 
 private:
-    QImage settled() const
-    {
-        return m_probe.settled([] {});
-    }
+    [[nodiscard]] QImage settled() const { return m_probe.settled(); }
     static QImage plain(QImage image)
     {
         image.setDevicePixelRatio(1.0);

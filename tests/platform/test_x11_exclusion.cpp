@@ -241,10 +241,7 @@ private:
             m_probe->open(QRect(600, 350, 300, 250), {.color = Qt::green, .bypassing = false});
     }
 
-    QImage settled() const
-    {
-        return m_probe->settled([] {});
-    }
+    [[nodiscard]] QImage settled() const { return m_probe->settled(); }
 
     QImage capture(const CaptureOptions &options)
     {

@@ -136,27 +136,22 @@ void XProbe::paintNoise(xcb_window_t window, quint32 seed)
     sync();
 }
 
-QImage XProbe::grab(const QRect &rect) const
+QImage XProbe::grab() const
 {
-    const auto [x, y, width, height] = toXcb(rect);
-    const auto reply =
-        TAVREL_X_ASK(m_c, get_image, XCB_IMAGE_FORMAT_Z_PIXMAP, m_screen->root, x, y, width, height, ~0U);
+    const QSize size = rootRect().size();
+    const auto reply = TAVREL_X_ASK(m_c, get_image, XCB_IMAGE_FORMAT_Z_PIXMAP, m_screen->root, 0, 0,
+                                    m_screen->width_in_pixels, m_screen->height_in_pixels, ~0U);
     if (!reply)
         return {};
-    const QImage view(xcb_get_image_data(reply.get()), width, height, width * 4, QImage::Format_RGB32);
+    const QImage view(xcb_get_image_data(reply.get()), size.width(), size.height(), size.width() * 4,
+                      QImage::Format_RGB32);
     return view.convertToFormat(QImage::Format_ARGB32_Premultiplied);
 }
 
-QImage XProbe::grab() const
-{
-    return grab(rootRect());
-}
-
-QImage XProbe::settled(const std::function<void()> &work) const
+QImage XProbe::settled() const
 {
     QImage last;
     for (int same = 0, tries = 0; same < 4 && tries < 100; ++tries) {
-        work();
         QTest::qWait(15);
         const QImage now = grab();
         same = now == last ? same + 1 : 0;

@@ -10,7 +10,6 @@
 #include <xcb/xcb.h>
 
 #include <cstdlib>
-#include <functional>
 #include <memory>
 
 namespace tavrel::test {
@@ -62,12 +61,10 @@ public:
     /// Draws noise over a window, as its client.
     void paintNoise(xcb_window_t window, quint32 seed);
 
-    /// Pixels of the root by way of xcb_get_image, alpha 255.
-    [[nodiscard]] QImage grab(const QRect &rect) const;
-    /// The whole root.
+    /// The root by way of xcb_get_image, alpha 255.
     [[nodiscard]] QImage grab() const;
     /// grab() as soon as the screen has stopped changing: compositors and Qt paint when they find the time.
-    [[nodiscard]] QImage settled(const std::function<void()> &work) const;
+    [[nodiscard]] QImage settled() const;
     [[nodiscard]] QRect rootRect() const;
 
     /// Fills the root with noise that is told apart pixel by pixel, and publishes it as the desktop's picture.

@@ -115,15 +115,6 @@ private Q_SLOTS:
             {{QStringLiteral("configSchemaVersion"), 9}, {QStringLiteral("language"), QStringLiteral("check")}});
         QCOMPARE(stored.language, SettingsConfig().language);
     }
-
-    void translationsLeaveWithTheirOwner()
-    {
-        {
-            LanguageApplier applier;
-            applier.apply(QStringLiteral("en"));
-        }
-        QCOMPARE(sample("保存"), QStringLiteral("保存"));
-    }
 };
 
 TAVREL_TEST_MAIN(QGuiApplication, LanguagesTest)

@@ -105,17 +105,6 @@ private Q_SLOTS:
             QVERIFY2(line.endsWith(" end") && line.count("thread") == 1, line.constData());
     }
 
-    void aLogThatCannotBeWrittenLosesTheLineAndNothingElse()
-    {
-        // A folder in the place of the file fails for every user, also for one who ignores permissions.
-        QVERIFY(QDir().mkpath(logPath()));
-        qInfo("lost");
-        QVERIFY(readLogTail(100).isEmpty());
-        QVERIFY(QDir().rmdir(logPath()));
-        qInfo("kept");
-        QVERIFY(contents(logPath()).endsWith("kept\n"));
-    }
-
     void attachmentsFitTheService()
     {
         QImage image(4000, 1000, QImage::Format_ARGB32_Premultiplied);
