@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QMouseEvent>
+#include <QTest>
 #include <QWheelEvent>
 
 namespace tavrel {
@@ -36,5 +37,35 @@ inline void sendWheel(QWidget *widget, const QPointF &at, int angle, const QPoin
     QWheelEvent event(at, at, pixels, {0, angle}, Qt::NoButton, modifiers, Qt::NoScrollPhase, false);
     QApplication::sendEvent(widget, &event);
 }
+
+/// The left button goes down at one point and up at another.
+inline void drag(QWidget *widget, const QPoint &from, const QPoint &to)
+{
+    QTest::mousePress(widget, Qt::LeftButton, {}, from);
+    QTest::mouseMove(widget, (from + to) / 2);
+    QTest::mouseMove(widget, to);
+    QTest::mouseRelease(widget, Qt::LeftButton, {}, to);
+}
+
+/// Stands for the overlay: notes what reaches it through its children.
+class Ground final : public QWidget
+{
+public:
+    int events = 0;
+
+protected:
+    bool event(QEvent *event) override
+    {
+        static const QList<QEvent::Type> noted{QEvent::MouseButtonPress,
+                                               QEvent::MouseButtonRelease,
+                                               QEvent::MouseButtonDblClick,
+                                               QEvent::MouseMove,
+                                               QEvent::Wheel,
+                                               QEvent::KeyPress,
+                                               QEvent::KeyRelease};
+        events += noted.contains(event->type()) ? 1 : 0;
+        return QWidget::event(event);
+    }
+};
 
 } // namespace tavrel

@@ -1,3 +1,4 @@
+#include "blocking_detector.h"
 #include "outcomes.h"
 #include "overlay/element_probe.h"
 #include "overlay/overlay_panels.h"
@@ -9,7 +10,6 @@
 #include <QApplication>
 #include <QBackingStore>
 #include <QRandomGenerator>
-#include <QSemaphore>
 #include <QSignalSpy>
 
 using namespace tavrel;
@@ -42,27 +42,6 @@ platform::WindowInfo window(const QRectF &geometry, const QString &title)
     return info;
 }
 
-/// One element, once it gets leave.
-class SlowDetector final : public platform::IElementDetector
-{
-public:
-    QList<platform::WindowInfo> topLevelWindows() override { return {}; }
-    bool isAvailable() const override { return true; }
-    void requestAccess() override {}
-    QList<QRectF> elementChain(const QPointF &, qint64) override
-    {
-        ++queries;
-        leave.tryAcquire(1, 10000); // a failed test must not hang
-        return {{90, 95, 40, 20}};
-    }
-    QString sourceUrl(const QPointF &, qint64) override { return {}; }
-    platform::ElementInfo elementAt(const QPointF &, qint64) override { return {}; }
-    QImage applicationIcon(qint64, int) override { return {}; }
-
-    std::atomic<int> queries = 0;
-    QSemaphore leave;
-};
-
 /// A resampled picture may differ by one step where its painting begins in another column.
 bool equalButForRounding(const QImage &a, const QImage &b)
 {
@@ -77,14 +56,6 @@ bool equalButForRounding(const QImage &a, const QImage &b)
         }
     }
     return a.size() == b.size();
-}
-
-void drag(QWidget &widget, const QPoint &from, const QPoint &to)
-{
-    QTest::mousePress(&widget, Qt::LeftButton, {}, from);
-    QTest::mouseMove(&widget, (from + to) / 2);
-    QTest::mouseMove(&widget, to);
-    QTest::mouseRelease(&widget, Qt::LeftButton, {}, to);
 }
 
 } // namespace
@@ -108,17 +79,17 @@ private Q_SLOTS:
     {
         m_overlay->setDetection(
             {window({50, 60, 100, 80}, QStringLiteral("small")), window({-40, 20, 400, 300}, QStringLiteral("large"))});
-        drag(*m_overlay, {100, 100}, {300, 250});
+        drag(m_overlay.get(), {100, 100}, {300, 250});
         QCOMPARE(m_overlay->selection(), QRectF(100, 100, 200, 150));
         QTest::keyClick(m_overlay.get(), Qt::Key_Return);
         QCOMPARE(m_outcomes->all.last().window->title, QStringLiteral("large"));
 
         m_overlay->clearSelection();
-        drag(*m_overlay, {60, 170}, {63, 270}); // a band of 3 is a click
+        drag(m_overlay.get(), {60, 170}, {63, 270}); // a band of 3 is a click
         QCOMPARE(m_overlay->selection(), QRectF(-40, 20, 400, 300).intersected(QRectF(m_overlay->rect())));
 
         m_overlay->clearSelection();
-        drag(*m_overlay, {60, 70}, {62, 71});
+        drag(m_overlay.get(), {60, 70}, {62, 71});
         QCOMPARE(m_overlay->selection(), QRectF(50, 60, 100, 80));
     }
 
@@ -128,7 +99,7 @@ private Q_SLOTS:
         flat.image.fill(Qt::gray);
         m_overlay = std::make_unique<CaptureOverlay>(flat, SettingsConfig());
         m_overlay->show();
-        drag(*m_overlay, {60, 70}, {60, 70});
+        drag(m_overlay.get(), {60, 70}, {60, 70});
         QVERIFY(!m_overlay->hasSelection());
         QCOMPARE(m_overlay->mode(), OverlayMode::Idle);
     }
@@ -136,13 +107,13 @@ private Q_SLOTS:
     void theSelectionIsMovedAndResized()
     {
         m_overlay->setSelectionRect({100, 100, 200, 150});
-        drag(*m_overlay, {200, 180}, {220, 190});
+        drag(m_overlay.get(), {200, 180}, {220, 190});
         QCOMPARE(m_overlay->selection(), QRectF(120, 110, 200, 150));
-        drag(*m_overlay, {320, 260}, {400, 300});
+        drag(m_overlay.get(), {320, 260}, {400, 300});
         QCOMPARE(m_overlay->selection(), QRectF(120, 110, 280, 190));
-        drag(*m_overlay, {120, 200}, {420, 200}); // over the opposite edge
+        drag(m_overlay.get(), {120, 200}, {420, 200}); // over the opposite edge
         QCOMPARE(m_overlay->selection(), QRectF(400, 110, 20, 190));
-        drag(*m_overlay, {410, 110}, {410, 300}); // to nothing
+        drag(m_overlay.get(), {410, 110}, {410, 300}); // to nothing
         QCOMPARE(m_overlay->selection(), QRectF(400, 110, 20, 190));
     }
 
@@ -224,13 +195,13 @@ private Q_SLOTS:
     void aPickGivesRectangleAndPicture()
     {
         m_overlay->setPickMode(true);
-        drag(*m_overlay, {10, 10}, {60, 60});
+        drag(m_overlay.get(), {10, 10}, {60, 60});
         QCOMPARE(m_outcomes->count(Action::Pick), 1);
         QCOMPARE(m_outcomes->all.first().rectangle, QRect(10, 10, 50, 50));
         QVERIFY(!m_outcomes->picture().isNull());
         m_overlay->setDetection({window({50, 60, 100, 80}, QStringLiteral("small"))});
         m_overlay->clearSelection();
-        drag(*m_overlay, {70, 75}, {70, 75}); // a click takes the window
+        drag(m_overlay.get(), {70, 75}, {70, 75}); // a click takes the window
         QCOMPARE(m_outcomes->all.last().rectangle, QRect(50, 60, 100, 80));
     }
 
@@ -253,7 +224,7 @@ private Q_SLOTS:
         QCOMPARE(m_overlay->selection(), placed);
         // A band cannot leave the picture, on neither side.
         m_overlay->clearSelection();
-        drag(*m_overlay, {10, 10}, {630, 470});
+        drag(m_overlay.get(), {10, 10}, {630, 470});
         QCOMPARE(m_overlay->snapshot().selection, QRectF(0, 0, 200, 100));
         m_overlay->loadSnapshot(live);
         QCOMPARE(m_overlay->selection(), live.selection);
@@ -278,9 +249,9 @@ private Q_SLOTS:
     {
         m_overlay->setSelectionRect({100, 100, 300, 300});
         m_overlay->setTool(ToolType::Rect);
-        drag(*m_overlay, {79, 85}, {30, 30});
+        drag(m_overlay.get(), {79, 85}, {30, 30});
         QCOMPARE(m_overlay->selection(), QRectF(100, 100, 300, 300));
-        drag(*m_overlay, {85, 85}, {75, 65});
+        drag(m_overlay.get(), {85, 85}, {75, 65});
         QCOMPARE(m_overlay->selection(), QRectF(90, 80, 310, 320));
         send(QEvent::MouseButtonPress, {200, 200});
         QCOMPARE(m_overlay->mode(), OverlayMode::Drawing);
@@ -320,7 +291,7 @@ private Q_SLOTS:
         QTest::keyClick(m_overlay.get(), Qt::Key_Space);
         QCOMPARE(m_overlay->hoverRect(), QRectF(50, 60, 200, 180));
         notch(120, {0, 30});
-        drag(*m_overlay, {60, 70}, {60, 70});
+        drag(m_overlay.get(), {60, 70}, {60, 70});
         QCOMPARE(m_overlay->selection(), screen);
         QVERIFY(m_overlay->hoverRect().isNull());
         notch(-120, {0, -30}); // not the selection's business
@@ -332,7 +303,7 @@ private Q_SLOTS:
         m_overlay->setDetection(
             {window({50, 60, 200, 180}, QStringLiteral("a")), window({300, 60, 200, 180}, QStringLiteral("b"))});
         QTest::mouseMove(m_overlay.get(), {60, 70});
-        drag(*m_overlay, {310, 70}, {310, 70});
+        drag(m_overlay.get(), {310, 70}, {310, 70});
         QCOMPARE(m_overlay->selection(), QRectF(300, 60, 200, 180));
     }
 
@@ -354,7 +325,8 @@ private Q_SLOTS:
 
     void elementsComeFromTheProbeWhileTheyAreOfUse()
     {
-        const auto detector = std::make_shared<SlowDetector>();
+        const auto detector = std::make_shared<BlockingDetector>();
+        detector->answer = QRectF(90, 95, 40, 20);
         ui::ElementProbe probe(detector);
         QSignalSpy answers(&probe, &ui::ElementProbe::ready);
         platform::WindowInfo info = window({50, 60, 200, 180}, QStringLiteral("a"));
@@ -383,7 +355,7 @@ private Q_SLOTS:
         m_overlay->loadSnapshot(past);
         QTest::mouseMove(m_overlay.get(), {100, 100});
         QCOMPARE(m_overlay->hoverRect(), QRectF(50, 60, 200, 180));
-        QCOMPARE(detector->queries.load(), 2);
+        QCOMPARE(detector->begun.available(), 2);
         m_overlay->loadSnapshot(live);
         QTest::mouseMove(m_overlay.get(), {101, 100});
         QVERIFY(answer());
@@ -401,7 +373,7 @@ private Q_SLOTS:
         config.autoDetectWindow = false;
         m_overlay->setConfig(config);
         m_overlay->setDetection({window({50, 60, 100, 80}, QStringLiteral("small"))});
-        drag(*m_overlay, {60, 70}, {60, 70});
+        drag(m_overlay.get(), {60, 70}, {60, 70});
         QVERIFY(!m_overlay->hasSelection());
     }
 
@@ -413,9 +385,9 @@ private Q_SLOTS:
         m_overlay->armStart(CaptureOverlay::AutoStart::LongCapture); // nobody to begin it
         QCoreApplication::processEvents();
         QCOMPARE(begun, 0);
-        drag(*m_overlay, {10, 10}, {60, 60});
+        drag(m_overlay.get(), {10, 10}, {60, 60});
         QTRY_COMPARE(begun, 1);
-        drag(*m_overlay, {200, 200}, {260, 260});
+        drag(m_overlay.get(), {200, 200}, {260, 260});
         QCoreApplication::processEvents();
         QCOMPARE(begun, 1); // once
         m_overlay->armStart(CaptureOverlay::AutoStart::TextRecognition);

@@ -1,10 +1,10 @@
+#include "blocking_detector.h"
 #include "overlay/element_probe.h"
 #include "overlay/hover_tracker.h"
 #include "support/test_main.h"
 
 #include <QGuiApplication>
 #include <QPainter>
-#include <QSemaphore>
 #include <QSignalSpy>
 
 using namespace tavrel;
@@ -28,32 +28,6 @@ platform::WindowInfo window(const QRectF &local, qint64 pid)
     info.processId = pid;
     return info;
 }
-
-/// Answers with one element around the point; every query waits for its leave.
-class BlockingDetector final : public platform::IElementDetector
-{
-public:
-    QList<platform::WindowInfo> topLevelWindows() override { return {}; }
-    bool isAvailable() const override { return available; }
-    void requestAccess() override {}
-    QList<QRectF> elementChain(const QPointF &global, qint64) override
-    {
-        isOnWorker = QThread::currentThread() != qApp->thread();
-        begun.release();
-        leave.tryAcquire(1, 10000); // a failed test must not hang
-        ++done;
-        return {{global, QSizeF(10, 10)}};
-    }
-    QString sourceUrl(const QPointF &, qint64) override { return {}; }
-    platform::ElementInfo elementAt(const QPointF &, qint64) override { return {}; }
-    QImage applicationIcon(qint64, int) override { return {}; }
-
-    std::atomic<bool> available = true;
-    QSemaphore begun;
-    QSemaphore leave;
-    std::atomic<int> done = 0;
-    bool isOnWorker = false;
-};
 
 } // namespace
 

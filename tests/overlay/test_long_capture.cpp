@@ -58,33 +58,26 @@ class LongCaptureTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void thePreviewFindsItsPlace_data()
-    {
-        QTest::addColumn<QRectF>("selection");
-        QTest::addColumn<QSizeF>("page");
-        QTest::addColumn<QRectF>("panel");
-        const QSizeF high(400, 4000);
-        QTest::newRow("right") << QRectF(100, 100, 400, 300) << QSizeF() << QRectF(508, 202, 264, 198);
-        QTest::newRow("grows upwards") << QRectF(100, 100, 400, 300) << QSizeF(400, 600) << QRectF(508, 4, 264, 396);
-        QTest::newRow("not beyond the top") << QRectF(100, 100, 400, 300) << high << QRectF(508, 0, 264, 400);
-        QTest::newRow("narrow space") << QRectF(100, 100, 540, 300) << high << QRectF(648, 0, 152, 400);
-        QTest::newRow("left") << QRectF(300, 100, 480, 300) << high << QRectF(28, 0, 264, 400);
-        QTest::newRow("inside") << QRectF(20, 100, 760, 300) << high << QRectF(508, 0, 264, 400);
-        QTest::newRow("narrow selection") << QRectF(10, 100, 60, 300) << QSizeF() << QRectF(78, 0, 120, 400);
-        QTest::newRow("flat page") << QRectF(100, 100, 400, 300) << QSizeF(4000, 10) << QRectF(508, 376, 264, 24);
-    }
-
     void thePreviewFindsItsPlace()
     {
-        QFETCH(QRectF, selection);
-        QFETCH(QSizeF, page);
-        QFETCH(QRectF, panel);
-        for (const double ratio : {1.0, 1.5}) {
-            const ui::LongPreviewPlace place = ui::placeLongPreview(selection, page, kSize, ratio);
-            QCOMPARE(place.panel, panel);
-            QVERIFY(place.image.width() > 0 && place.image.height() > 0);
-            QVERIFY(place.panel.adjusted(-1, -1, 1, 1).contains(place.image));
-            QCOMPARE(place.image.left() * ratio, std::round(place.image.left() * ratio));
+        const QSizeF high(400, 4000);
+        const std::tuple<QRectF, QSizeF, QRectF> rows[]{
+            {{100, 100, 400, 300}, {}, {508, 202, 264, 198}},
+            {{100, 100, 400, 300}, {400, 600}, {508, 4, 264, 396}}, // grows upwards
+            {{100, 100, 400, 300}, high, {508, 0, 264, 400}},
+            {{100, 100, 540, 300}, high, {648, 0, 152, 400}}, // narrow space
+            {{300, 100, 480, 300}, high, {28, 0, 264, 400}},
+            {{20, 100, 760, 300}, high, {508, 0, 264, 400}}, // inside
+            {{10, 100, 60, 300}, {}, {78, 0, 120, 400}},
+            {{100, 100, 400, 300}, {4000, 10}, {508, 376, 264, 24}}};
+        for (const auto &[selection, page, panel] : rows) {
+            for (const double ratio : {1.0, 1.5}) {
+                const ui::LongPreviewPlace place = ui::placeLongPreview(selection, page, kSize, ratio);
+                QCOMPARE(place.panel, panel);
+                QVERIFY(place.image.width() > 0 && place.image.height() > 0);
+                QVERIFY(place.panel.adjusted(-1, -1, 1, 1).contains(place.image));
+                QCOMPARE(place.image.left() * ratio, std::round(place.image.left() * ratio));
+            }
         }
     }
 

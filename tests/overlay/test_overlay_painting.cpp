@@ -46,32 +46,21 @@ class OverlayPaintingTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void theClearPictureHidesTheDimOnEveryDevicePixelItTouches_data()
-    {
-        QTest::addColumn<double>("ratio");
-        QTest::addColumn<int>("first");
-        QTest::addColumn<int>("last");
-        QTest::newRow("1") << 1.0 << 10 << 20;
-        QTest::newRow("1.25") << 1.25 << 12 << 25;
-        QTest::newRow("1.5") << 1.5 << 15 << 31;
-        QTest::newRow("2") << 2.0 << 20 << 41;
-    }
-
     void theClearPictureHidesTheDimOnEveryDevicePixelItTouches()
     {
-        QFETCH(double, ratio);
-        QFETCH(int, first);
-        QFETCH(int, last);
-        const QImage image = speckled({60, 40}, ratio);
-        const OverlayPicture picture(image);
-        const QImage dark = dimmedImage(image);
-        QImage shown = surface(image.size(), ratio);
-        QPainter painter(&shown);
-        picture.paintDimmed(painter, ratio);
-        picture.paintClear(painter, QRectF(10.3, 0, 10.4, 100), ratio);
-        painter.end();
-        for (int x = 0; x < image.width(); ++x)
-            QCOMPARE(shown.pixel(x, 20), (x >= first && x <= last ? image : dark).pixel(x, 20));
+        for (const auto &[ratio, first, last] :
+             {std::tuple(1.0, 10, 20), {1.25, 12, 25}, {1.5, 15, 31}, {2.0, 20, 41}}) {
+            const QImage image = speckled({60, 40}, ratio);
+            const OverlayPicture picture(image);
+            const QImage dark = dimmedImage(image);
+            QImage shown = surface(image.size(), ratio);
+            QPainter painter(&shown);
+            picture.paintDimmed(painter, ratio);
+            picture.paintClear(painter, QRectF(10.3, 0, 10.4, 100), ratio);
+            painter.end();
+            for (int x = 0; x < image.width(); ++x)
+                QCOMPARE(shown.pixel(x, 20), (x >= first && x <= last ? image : dark).pixel(x, 20));
+        }
     }
 
     /// A picture of another ratio is resampled: both layers have to show each pixel in the same place.
@@ -100,10 +89,8 @@ private Q_SLOTS:
     void theLensShowsThePixelsAroundThePointer_data()
     {
         QTest::addColumn<double>("ratio");
-        QTest::newRow("1") << 1.0;
-        QTest::newRow("1.25") << 1.25;
-        QTest::newRow("1.5") << 1.5;
-        QTest::newRow("2") << 2.0;
+        for (const double ratio : {1.0, 1.25, 1.5, 2.0})
+            QTest::addRow("%g", ratio) << ratio;
     }
 
     void theLensShowsThePixelsAroundThePointer()

@@ -1,5 +1,6 @@
 #include "overlay/tool_guide_bubble.h"
 #include "overlay/toolbar_widget.h"
+#include "overlay_input.h"
 #include "support/test_main.h"
 #include "ui/tool_tips.h"
 #include "ui/toolbar_button.h"
@@ -14,18 +15,6 @@ using namespace tavrel::ui;
 namespace {
 
 constexpr QSize kOverlay(1400, 500);
-
-/// Stands for the overlay: notes what reaches it through its children.
-class Ground final : public QWidget
-{
-public:
-    int events = 0;
-
-protected:
-    void mousePressEvent(QMouseEvent *) override { ++events; }
-    void mouseReleaseEvent(QMouseEvent *) override { ++events; }
-    void wheelEvent(QWheelEvent *) override { ++events; }
-};
 
 } // namespace
 

@@ -1,3 +1,4 @@
+#include "overlay_input.h"
 #include "support/test_main.h"
 #include "ui/tool_tips.h"
 #include "ui/toolbar_config_dialog.h"
@@ -11,32 +12,6 @@ using namespace tavrel::ui;
 
 namespace {
 
-/// Stands for the overlay: notes what reaches it through the dialog.
-class Ground final : public QWidget
-{
-public:
-    int events = 0;
-
-protected:
-    bool event(QEvent *event) override
-    {
-        switch (event->type()) {
-        case QEvent::MouseButtonPress:
-        case QEvent::MouseButtonRelease:
-        case QEvent::MouseButtonDblClick:
-        case QEvent::MouseMove:
-        case QEvent::Wheel:
-        case QEvent::KeyPress:
-        case QEvent::KeyRelease:
-            ++events;
-            break;
-        default:
-            break;
-        }
-        return QWidget::event(event);
-    }
-};
-
 QString words(const ToolbarLayout &layout, bool visible)
 {
     QStringList words;
@@ -45,14 +20,6 @@ QString words(const ToolbarLayout &layout, bool visible)
             words.append(toolTypeName(item.tool));
     }
     return words.join(u' ');
-}
-
-void drag(QWidget *widget, const QPoint &from, const QPoint &to)
-{
-    QTest::mousePress(widget, Qt::LeftButton, {}, from);
-    QTest::mouseMove(widget, (from + to) / 2);
-    QTest::mouseMove(widget, to);
-    QTest::mouseRelease(widget, Qt::LeftButton, {}, to);
 }
 
 constexpr auto kVisible = "rect arrow pen marker eraser mosaic text sequence ocr record long_screenshot";
