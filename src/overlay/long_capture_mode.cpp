@@ -69,6 +69,7 @@ bool LongCaptureMode::begin(const QImage &image, const QRectF &selection, const 
     m_refused = 0;
     m_missed = 0;
     m_hasToldFull = false;
+    m_shownPanel = {};
 
     QWindow *handle = m_overlay->windowHandle();
     if (m_windows)
@@ -185,10 +186,11 @@ void LongCaptureMode::judge(const StitchDecision &decision)
 void LongCaptureMode::takePreview()
 {
     if (ScrollPage *page = m_stitcher.page()) {
-        const QRectF before = place().panel;
         m_preview->update(*page);
         m_previewImage = m_preview->image();
-        const QRectF area = (before | place().panel).adjusted(-kMarkRoom, -kMarkRoom, kMarkRoom, kMarkRoom);
+        // The page has grown since: where the panel stood then, and no longer does, has to go as well.
+        const QRectF before = std::exchange(m_shownPanel, place().panel);
+        const QRectF area = (before | m_shownPanel).adjusted(-kMarkRoom, -kMarkRoom, kMarkRoom, kMarkRoom);
         Q_EMIT changed(area.toAlignedRect());
     }
 }

@@ -93,7 +93,8 @@ private:
     ScrollStitcher m_stitcher;
     std::optional<ScrollPreview> m_preview;
     QImage m_previewImage;
-    QImage m_ground; ///< the latest frame
+    QImage m_ground;     ///< the latest frame
+    QRectF m_shownPanel; ///< of the preview, as last announced
     QRectF m_selection;
     QTimer m_previewTimer;
     bool m_isActive = false;

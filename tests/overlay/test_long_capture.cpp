@@ -254,6 +254,28 @@ private Q_SLOTS:
         QCOMPARE(overlay.snapshot().image.size(), kSize); // nothing was kept
     }
 
+    /// Scrolled back, the page is shorter again: what its preview leaves is painted anew.
+    void thePreviewLeavesNothingBehind()
+    {
+        const QImage whole = page();
+        CaptureOverlay overlay(shot(whole, 0), SettingsConfig());
+        overlay.show();
+        overlay.setSelectionRect(kView);
+        auto *mode = overlay.findChild<ui::LongCaptureMode *>();
+        QSignalSpy changed(mode, &ui::LongCaptureMode::changed);
+        QVERIFY(overlay.startLongMode());
+        for (int row = 40; row <= 200; row += 40)
+            overlay.addLongFrame(shot(whole, row));
+        const QRectF high = mode->previewPanel();
+        QTRY_VERIFY(changed.last().first().toRect().contains(high.toAlignedRect()));
+        for (int row = 160; row >= 40; row -= 40)
+            overlay.addLongFrame(shot(whole, row));
+        QVERIFY(mode->previewPanel().height() < high.height());
+        changed.clear();
+        QTRY_VERIFY(!changed.isEmpty());
+        QVERIFY(changed.first().first().toRect().contains(high.toAlignedRect()));
+    }
+
     void hidingTheOverlayEndsIt()
     {
         const QImage whole = page();
