@@ -139,25 +139,6 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(m_options.file));
     }
 
-    void aHangingServiceIsLeftAlone()
-    {
-        FakeSecretService service;
-        QVERIFY(service.start(Mood::Silent));
-        m_options.deadline = std::chrono::milliseconds(100);
-        LibsecretStore store(m_options);
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("密钥服务不可用")));
-        QVERIFY(store.save(kKey, kValue));
-        service.setMood(Mood::Willing);
-        QByteArray value;
-        QVERIFY(store.load(kKey, &value)); // would move it to the service
-        QVERIFY(service.secrets().isEmpty());
-
-        m_options.restAfterHang = {};
-        m_options.deadline = std::chrono::seconds(10);
-        QVERIFY(LibsecretStore(m_options).load(kKey, &value));
-        QCOMPARE(service.secrets().size(), 1);
-    }
-
     void damagedFilesHoldNothing_data()
     {
         QTest::addColumn<QByteArray>("text");

@@ -107,9 +107,7 @@ private Q_SLOTS:
         openScene();
         const xcb_window_t above = m_probe->open(QRect(400, 300, 100, 100), {.color = Qt::cyan, .patterned = true});
         const QImage before = settled();
-        const xcb_window_t window = m_probe->open(QRect(250, 150, 500, 400), {.mapped = false});
-        m_exclusions->add(window);
-        m_probe->map(window);
+        openLeftOut(QRect(250, 150, 500, 400));
         m_probe->raise(above);
         QCOMPARE(difference(capture({false, false, {}}), before), QRect());
     }
@@ -117,9 +115,7 @@ private Q_SLOTS:
     void changesBehindAreSeen()
     {
         const xcb_window_t behind = m_probe->open(QRect(300, 200, 300, 300), {.color = Qt::white});
-        const xcb_window_t window = m_probe->open(QRect(0, 0, 1920, 1080), {.mapped = false});
-        m_exclusions->add(window);
-        m_probe->map(window);
+        const xcb_window_t window = openLeftOut(QRect(0, 0, 1920, 1080));
         const QImage first = capture({false, false, {}});
         m_probe->paintNoise(behind, 3);
         const QImage second = capture({false, false, {}});
@@ -195,9 +191,7 @@ private Q_SLOTS:
     /// Windows come and go between the requests of a grab; there is a whole picture all the same.
     void windowsThatComeAndGoMeanwhile()
     {
-        const xcb_window_t window = m_probe->open(QRect(0, 0, 1920, 1080), {.mapped = false});
-        m_exclusions->add(window);
-        m_probe->map(window);
+        openLeftOut(QRect(0, 0, 1920, 1080));
         std::atomic<bool> stop = false;
         std::thread churn([&stop] {
             const XProbe probe;
@@ -239,6 +233,14 @@ private:
                       {.patterned = true, .border = 3, .shape = QRegion(0, 0, 200, 200, QRegion::Ellipse)});
         if (framedToo)
             m_probe->open(QRect(600, 350, 300, 250), {.color = Qt::green, .bypassing = false});
+    }
+
+    xcb_window_t openLeftOut(const QRect &rect)
+    {
+        const xcb_window_t window = m_probe->open(rect, {.mapped = false});
+        m_exclusions->add(window);
+        m_probe->map(window);
+        return window;
     }
 
     [[nodiscard]] QImage settled() const { return m_probe->settled(); }
