@@ -385,7 +385,12 @@ private Q_SLOTS:
         m_overlay->armStart(CaptureOverlay::AutoStart::LongCapture); // nobody to begin it
         QCoreApplication::processEvents();
         QCOMPARE(begun, 0);
-        drag(m_overlay.get(), {10, 10}, {60, 60});
+        send(QEvent::MouseButtonPress, {10, 10});
+        send(QEvent::MouseMove, {60, 60});
+        m_overlay->armStart(CaptureOverlay::AutoStart::TextRecognition); // its band is not a selection yet
+        QCoreApplication::processEvents();
+        QCOMPARE(begun, 0);
+        send(QEvent::MouseButtonRelease, {60, 60});
         QTRY_COMPARE(begun, 1);
         drag(m_overlay.get(), {200, 200}, {260, 260});
         QCoreApplication::processEvents();

@@ -122,30 +122,22 @@ private Q_SLOTS:
         QCOMPARE(finder.candidatesAt({150, 120}).last(), QRectF(0, 0, 640, 480));
     }
 
-    void nothingIsFoundWithoutEdges_data()
+    void nothingIsFoundWithoutEdges()
     {
-        QTest::addColumn<QImage>("image");
-        QTest::addColumn<QPointF>("point");
         QImage slope(640, 480, QImage::Format_RGB32);
         for (int x = 0; x < slope.width(); ++x) {
             for (int y = 0; y < slope.height(); ++y)
                 slope.setPixel(x, y, qRgb(x * 255 / 640, y * 255 / 480, 90));
         }
-        QTest::newRow("no picture") << QImage() << QPointF(1, 1);
-        QTest::newRow("flat") << picture({640, 480}, {}) << QPointF(320, 240);
-        QTest::newRow("gradient") << slope << QPointF(320, 240);
-        QTest::newRow("one pixel") << picture({1, 1}, {}) << QPointF(0, 0);
-        QTest::newRow("a short line is no box")
-            << picture({640, 480}, {{QRect(300, 100, 2, 20), Qt::black}}) << QPointF(200, 240);
-        QTest::newRow("too small a box") << picture({640, 480}, {{QRect(300, 100, 12, 12), Qt::black}})
-                                         << QPointF(306, 106);
-    }
-
-    void nothingIsFoundWithoutEdges()
-    {
-        QFETCH(QImage, image);
-        QFETCH(QPointF, point);
-        QCOMPARE(EdgeRegionFinder(image).candidatesAt(point), Rects());
+        const std::pair<QImage, QPointF> rows[]{
+            {QImage(), {1, 1}},
+            {picture({640, 480}, {}), {320, 240}},
+            {slope, {320, 240}},
+            {picture({1, 1}, {}), {0, 0}},
+            {picture({640, 480}, {{QRect(300, 100, 2, 20), Qt::black}}), {200, 240}}, // a short line is no box
+            {picture({640, 480}, {{QRect(300, 100, 12, 12), Qt::black}}), {306, 106}}};
+        for (const auto &[image, point] : rows)
+            QCOMPARE(EdgeRegionFinder(image).candidatesAt(point), Rects());
     }
 
     void pointsOutsideCountAsOnTheBorder()

@@ -40,10 +40,8 @@ class TestFileDialogs : public QObject
 private Q_SLOTS:
     void init();
     void cleanup();
-    void savingSuggestsANameAndAddsTheSuffix_data();
     void savingSuggestsANameAndAddsTheSuffix();
     void theDialogIsGoneWhenItAnswers();
-    void cancelledDialogsStaySilent_data();
     void cancelledDialogsStaySilent();
     void anOwnerOnTopIsLoweredMeanwhile();
     void hostsAnswerOnceOrNever();
@@ -91,46 +89,40 @@ void TestFileDialogs::cleanup()
     dialogs::setWindowController(nullptr);
 }
 
-void TestFileDialogs::savingSuggestsANameAndAddsTheSuffix_data()
-{
-    QTest::addColumn<QString>("suggested");
-    QTest::addColumn<QString>("choice"); // of a filter; empty leaves the first choice
-    QTest::addColumn<QString>("typed");  // empty leaves the name
-    QTest::addColumn<QString>("saved");
-    const auto row = [](const char *name, const char16_t *suggested, const char16_t *choice, const char16_t *typed,
-                        const char16_t *saved) {
-        QTest::newRow(name) << QString::fromUtf16(suggested) << QString::fromUtf16(choice) << QString::fromUtf16(typed)
-                            << QString::fromUtf16(saved);
-    };
-    row("as suggested", u"shot.png", u"", u"", u"shot.png");
-    row("no suffix typed", u"shot.png", u"", u"other", u"other.png");
-    row("the suggested suffix picks the filter", u"shot.jpg", u"", u"other", u"other.jpg");
-    row("second suffix of a filter", u"shot.jpeg", u"", u"other", u"other.jpeg");
-    row("chosen filter, no suffix typed", u"shot.png", u"JPEG (*.jpg *.jpeg)", u"other", u"other.jpg");
-    row("chosen filter, suggested name kept", u"shot.png", u"JPEG (*.jpg *.jpeg)", u"", u"shot.jpg");
-    row("foreign endings are part of the name", u"shot.v2", u"JPEG (*.jpg *.jpeg)", u"", u"shot.v2");
-    row("a suffix of one's own", u"shot.png", u"", u"other.webp", u"other.webp");
-}
-
 void TestFileDialogs::savingSuggestsANameAndAddsTheSuffix()
 {
-    QFETCH(QString, suggested);
-    QFETCH(QString, choice);
-    QFETCH(QString, typed);
-    QFETCH(QString, saved);
-    save(m_window.get(), suggested, QStringLiteral("PNG (*.png);;JPEG (*.jpg *.jpeg)"));
-    auto *name = dialog()->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
-    QCOMPARE(name->text(), suggested);
-    QCOMPARE(name->selectedText(), suggested);
-    if (!choice.isEmpty()) {
-        auto *filters = dialog()->findChild<QComboBox *>(QStringLiteral("fileTypeCombo"));
-        filters->setCurrentText(choice);
-        Q_EMIT filters->textActivated(choice);
+    const QString jpeg = QStringLiteral("JPEG (*.jpg *.jpeg)");
+    const struct
+    {
+        QString suggested;
+        QString choice; // of a filter; empty leaves the first choice
+        QString typed;  // empty leaves the name
+        QString saved;
+    } rows[]{{u"shot.png"_qs, {}, {}, u"shot.png"_qs},
+             {u"shot.png"_qs, {}, u"other"_qs, u"other.png"_qs},
+             {u"shot.jpg"_qs, {}, u"other"_qs, u"other.jpg"_qs}, // the suggested suffix picks the filter
+             {u"shot.jpeg"_qs, {}, u"other"_qs, u"other.jpeg"_qs},
+             {u"shot.png"_qs, jpeg, u"other"_qs, u"other.jpg"_qs},
+             {u"shot.png"_qs, jpeg, {}, u"shot.jpg"_qs},
+             {u"shot.v2"_qs, jpeg, {}, u"shot.v2"_qs}, // foreign endings are part of the name
+             {u"shot.png"_qs, {}, u"other.webp"_qs, u"other.webp"_qs}};
+    for (const auto &row : rows) {
+        save(m_window.get(), row.suggested, QStringLiteral("PNG (*.png);;") + jpeg);
+        auto *name = dialog()->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+        QCOMPARE(name->text(), row.suggested);
+        QCOMPARE(name->selectedText(), row.suggested);
+        if (!row.choice.isEmpty()) {
+            auto *filters = dialog()->findChild<QComboBox *>(QStringLiteral("fileTypeCombo"));
+            filters->setCurrentText(row.choice);
+            Q_EMIT filters->textActivated(row.choice);
+        }
+        if (!row.typed.isEmpty())
+            name->setText(row.typed);
+        QMetaObject::invokeMethod(dialog(), "accept");
+        QCOMPARE(m_answers.last(), m_dir.filePath(row.saved));
+        QTRY_VERIFY(!dialog());
     }
-    if (!typed.isEmpty())
-        name->setText(typed);
-    QMetaObject::invokeMethod(dialog(), "accept");
-    QCOMPARE(m_answers, (QStringList{m_dir.filePath(saved)}));
+    QCOMPARE(m_answers.size(), qsizetype(std::size(rows)));
 }
 
 void TestFileDialogs::theDialogIsGoneWhenItAnswers()
@@ -148,31 +140,26 @@ void TestFileDialogs::theDialogIsGoneWhenItAnswers()
     QVERIFY(answered);
 }
 
-void TestFileDialogs::cancelledDialogsStaySilent_data()
-{
-    QTest::addColumn<QString>("how");
-    for (const char *row : {"escape", "owner closed", "owner deleted", "context gone"})
-        QTest::newRow(row) << QString::fromLatin1(row);
-}
-
 void TestFileDialogs::cancelledDialogsStaySilent()
 {
-    QFETCH(QString, how);
-    auto context = std::make_unique<QObject>();
-    save(m_window.get(), QStringLiteral("a.png"), QStringLiteral("PNG (*.png)"), context.get());
-    const QPointer<QFileDialog> shown = dialog();
-    if (how == u"escape") {
-        QTest::keyClick(shown, Qt::Key_Escape);
-    } else if (how == u"owner closed") {
-        m_window->close();
-    } else if (how == u"owner deleted") {
-        m_window.reset();
-    } else {
-        context.reset();
-        QMetaObject::invokeMethod(shown, "accept");
+    for (const QString &how : {u"escape"_qs, u"owner closed"_qs, u"context gone"_qs, u"owner deleted"_qs}) {
+        m_window->show();
+        auto context = std::make_unique<QObject>();
+        save(m_window.get(), QStringLiteral("a.png"), QStringLiteral("PNG (*.png)"), context.get());
+        const QPointer<QFileDialog> shown = dialog();
+        if (how == u"escape") {
+            QTest::keyClick(shown, Qt::Key_Escape);
+        } else if (how == u"owner closed") {
+            m_window->close();
+        } else if (how == u"owner deleted") {
+            m_window.reset();
+        } else {
+            context.reset();
+            QMetaObject::invokeMethod(shown, "accept");
+        }
+        QTRY_VERIFY(!shown);
+        QCOMPARE(m_answers, QStringList());
     }
-    QTRY_VERIFY(!shown);
-    QCOMPARE(m_answers, QStringList());
 }
 
 void TestFileDialogs::anOwnerOnTopIsLoweredMeanwhile()

@@ -40,36 +40,28 @@ private Q_SLOTS:
 
     void cleanup() { m_window.reset(); }
 
-    void theKeyboardWalksAndChooses_data()
-    {
-        QTest::addColumn<QList<Qt::Key>>("keys");
-        QTest::addColumn<QStringList>("chosen");
-        using Keys = QList<Qt::Key>;
-        QTest::newRow("first") << Keys{Qt::Key_Down, Qt::Key_Return} << QStringList(u"copy"_qs);
-        QTest::newRow("past what is off")
-            << Keys{Qt::Key_Down, Qt::Key_Down, Qt::Key_Space} << QStringList(u"check"_qs);
-        QTest::newRow("from below") << Keys{Qt::Key_Up, Qt::Key_Up, Qt::Key_Return} << QStringList(u"check"_qs);
-        QTest::newRow("round") << Keys{Qt::Key_End, Qt::Key_Down, Qt::Key_Enter} << QStringList(u"copy"_qs);
-        QTest::newRow("submenu") << Keys{Qt::Key_End, Qt::Key_Right, Qt::Key_Down, Qt::Key_Return}
-                                 << QStringList(u"second"_qs);
-        QTest::newRow("back from the submenu")
-            << Keys{Qt::Key_End, Qt::Key_Return, Qt::Key_Left, Qt::Key_Home, Qt::Key_Return} << QStringList(u"copy"_qs);
-        QTest::newRow("nothing lit") << Keys{Qt::Key_Return, Qt::Key_A, Qt::Key_Escape} << QStringList();
-        QTest::newRow("escape closes one after the other")
-            << Keys{Qt::Key_End, Qt::Key_Right, Qt::Key_Escape, Qt::Key_Escape} << QStringList();
-    }
-
     void theKeyboardWalksAndChooses()
     {
-        QFETCH(QList<Qt::Key>, keys);
-        QFETCH(QStringList, chosen);
-        for (const Qt::Key key : keys) {
-            QVERIFY(m_menu && m_menu->isVisible());
-            QTest::keyClick(m_menu->submenu() ? m_menu->submenu() : m_menu.data(), key);
+        const std::pair<QList<Qt::Key>, QStringList> rows[]{
+            {{Qt::Key_Down, Qt::Key_Return}, {u"copy"_qs}},
+            {{Qt::Key_Down, Qt::Key_Down, Qt::Key_Space}, {u"check"_qs}}, // past what is off
+            {{Qt::Key_Up, Qt::Key_Up, Qt::Key_Return}, {u"check"_qs}},
+            {{Qt::Key_End, Qt::Key_Down, Qt::Key_Enter}, {u"copy"_qs}}, // round
+            {{Qt::Key_End, Qt::Key_Right, Qt::Key_Down, Qt::Key_Return}, {u"second"_qs}},
+            {{Qt::Key_End, Qt::Key_Return, Qt::Key_Left, Qt::Key_Home, Qt::Key_Return}, {u"copy"_qs}},
+            {{Qt::Key_Return, Qt::Key_A, Qt::Key_Escape}, {}}, // nothing is lit
+            {{Qt::Key_End, Qt::Key_Right, Qt::Key_Escape, Qt::Key_Escape}, {}}};
+        for (const auto &[keys, chosen] : rows) {
+            cleanup();
+            init(); // anew
+            for (const Qt::Key key : keys) {
+                QVERIFY(m_menu && m_menu->isVisible());
+                QTest::keyClick(m_menu->submenu() ? m_menu->submenu() : m_menu.data(), key);
+            }
+            QCOMPARE(m_chosen, chosen);
+            QVERIFY(chosen.isEmpty() || m_wasGone);
+            QTRY_VERIFY(!m_menu); // it deletes itself
         }
-        QCOMPARE(m_chosen, chosen);
-        QVERIFY(chosen.isEmpty() || m_wasGone);
-        QTRY_VERIFY(!m_menu); // it deletes itself
     }
 
     /// A row fires when the button is let go over the row that it was pressed on.
