@@ -142,6 +142,24 @@ private Q_SLOTS:
         QCOMPARE(document().shapes().size(), 1);
     }
 
+    void theToolbarRunsTheOverlay()
+    {
+        ui::ToolbarWidget *toolbar = m_overlay->panels().toolbar();
+        Q_EMIT toolbar->toolSelected(ToolType::Pen);
+        drag({{100, 100}, {150, 130}, {200, 100}});
+        Q_EMIT toolbar->actionTriggered(ToolType::Undo);
+        QCOMPARE(document().shapes().size(), 0);
+        Q_EMIT toolbar->actionTriggered(ToolType::Redo);
+        QCOMPARE(document().shapes().size(), 1);
+        for (const auto &[tool, action] : {std::pair(ToolType::Copy, Action::Copy),
+                                           {ToolType::Save, Action::Save},
+                                           {ToolType::Pin, Action::Pin},
+                                           {ToolType::Cancel, Action::Leave}}) {
+            Q_EMIT toolbar->actionTriggered(tool);
+            QCOMPARE(m_outcomes->all.last().action, action);
+        }
+    }
+
     void anOpenOverlayFollowsTheTheme()
     {
         ui::ThemeSource themes(QStringLiteral("light"));

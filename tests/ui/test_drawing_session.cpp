@@ -76,6 +76,11 @@ private Q_SLOTS:
         drag({50, 40}, {130, 100});
         QCOMPARE(*document().shapes().first()->bounds(), QRectF(10, 10, 40, 30));
         QCOMPARE(document().attributes().thickness, document().attributes().baseThickness / kView.zoom);
+        // A click that draws nothing takes what lies below it, and the tool follows.
+        session().setTool(ToolType::Arrow);
+        drag({50, 70}, {50, 70});
+        QCOMPARE(document().shapes().size(), 1);
+        QCOMPARE(document().tool(), ToolType::Rect);
         // Its corner is taken within 15 units of the screen, not of the picture.
         document().select(document().shapes().first().get());
         QVERIFY(session().meets({130 + 14, 100 + 14}));
@@ -99,6 +104,9 @@ private Q_SLOTS:
         session().setTool(ToolType::None);
         const auto *badge = dynamic_cast<SequenceShape *>(document().shapes().first().get());
         QCOMPARE(badge->displayText(), QStringLiteral("1. here"));
+        document().select(document().shapes().first().get());
+        QTest::keyClick(m_host.get(), Qt::Key_A);
+        QVERIFY(edit->isVisible());
     }
 
     void theWheelChangesTheTool()
