@@ -177,6 +177,13 @@ private Q_SLOTS:
         if (qFuzzyCompare(qApp->devicePixelRatio(), 1.0))
             QCOMPARE(m_outcomes->all.first().text, color.name().toUpper());
         QVERIFY(m_outcomes->all.last().text.contains(QStringLiteral(", ")));
+        m_overlay->setTool(ToolType::Pen); // whose keys these are now
+        QTest::keyClick(m_overlay.get(), Qt::Key_C);
+        m_overlay->setTool(ToolType::None);
+        QEvent leave(QEvent::Leave);
+        QApplication::sendEvent(m_overlay.get(), &leave);
+        QTest::keyClick(m_overlay.get(), Qt::Key_C);
+        QCOMPARE(m_outcomes->count(Action::CopyColor), 2);
     }
 
     void theResultIsTheSameCropOfThePicture()
