@@ -1,6 +1,7 @@
 // From the call to the first pixels of a dialog in the backing store, over a window of 1920 x 1080. Budget: 50 ms.
 #include "ui/dialog_hosts.h"
 #include "ui/dialogs.h"
+#include "ui/theme_source.h"
 #include "ui/window_chrome.h"
 
 #include <QApplication>
@@ -22,7 +23,8 @@ class Host final : public QWidget
 public:
     Host()
     {
-        WindowChrome::install(this, lightTheme(), 52);
+        static const ThemeSource themes(QStringLiteral("light"));
+        WindowChrome::install(this, themes, 52);
         resize(1920, 1080);
         show();
         QCoreApplication::processEvents();
@@ -92,16 +94,13 @@ void longText(benchmark::State &state)
 {
     Host host;
     const QString text = QStringLiteral("The file could not be written, because the folder is gone. ").repeated(170);
-    measure(state, [&] {
-        dialogs::message(&host, dialogs::Icon::Error, QStringLiteral("Saving failed"), text, lightTheme(), {});
-    });
+    measure(state, [&] { dialogs::message(&host, dialogs::Icon::Error, QStringLiteral("Saving failed"), text, {}); });
 }
 
 void question(benchmark::State &state)
 {
     Host host;
-    measure(state,
-            [&] { dialogs::askText(&host, QStringLiteral("Rename"), {}, QStringLiteral("capture"), darkTheme(), {}); });
+    measure(state, [&] { dialogs::askText(&host, QStringLiteral("Rename"), {}, QStringLiteral("capture"), {}); });
 }
 
 void color(benchmark::State &state)
@@ -113,8 +112,7 @@ void color(benchmark::State &state)
 void floating(benchmark::State &state)
 {
     measure(state, [&] {
-        dialogs::message(nullptr, dialogs::Icon::Information, QStringLiteral("Done"), QStringLiteral("Saved."),
-                         darkTheme(), {});
+        dialogs::message(nullptr, dialogs::Icon::Information, QStringLiteral("Done"), QStringLiteral("Saved."), {});
     });
 }
 

@@ -51,7 +51,7 @@ private:
     QPointF m_origin; ///< of the picture in the overlay
     QRectF m_area;
     bool m_isLive = true;
-    HoverTracker m_tracker;
+    HoverTracker m_tracker{hostClockMs, this};
 };
 
 } // namespace tavrel::ui
