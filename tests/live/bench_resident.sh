@@ -20,7 +20,7 @@ for i in 1 2 3 4 5 6 7 8 9 10; do
     begun=$(date +%s%N)
     start "$tavrel" 2>/dev/null
     until_true 30 log_has 就绪，等待快捷键 || { echo "the program did not start" >&2; exit 1; }
-    ready=$(date -d "$(grep -F 就绪 "$log" | cut -d' ' -f1,2)" +%s%N)
+    ready=$(date -d "$(grep -F 就绪 "$log" | command cut -d' ' -f1,2)" +%s%N)
     took+=($(((ready - begun) / 1000000)))
     [ "$i" = 10 ] || { kill "${started[-1]}"; wait "${started[-1]}" 2>/dev/null; }
 done
